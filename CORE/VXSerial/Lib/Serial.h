@@ -1,0 +1,131 @@
+// CVSerial: the byte channel of a serial port, with its line settings, queues and threads.
+//
+// Made by CreateSerial and held through ISerial; whoever would rather block than poll asks it for
+// ISerialWait. An outer object that aggregates it gets at the inner face, to query and delete it,
+// by dynamic_cast<CVComponent*> of the interface. Destruction closes the port.
+//
+// Any thread may call the operations of ISerial. They hold the port lock from start to end, also
+// while Write waits for space; IsOpen and GetLineStatus take no lock. The settings belong to the
+// object, not to the open port: they survive closing and are applied at every opening.
+//
+// The write thread lives while the port is open. It takes chunks of a quarter of the transmit
+// buffer and writes them to the port; it never takes the port lock, and so can be stopped by its
+// holder.
+#pragma once
+
+#include "CORE/VXSerial/Lib/CommBuffer.h"
+#include "CORE/VXSerial/Lib/ISerial.h"
+#include "CORE/VXSerial/Lib/ISerialWait.h"
+#include "common/Component.h"
+#include "common/CriticalSection.h"
+#include "common/UniqueHandle.h"
+#include "platform/Comm.h"
+
+#include <atomic>
+
+class CVSerial final : public CVComponent,
+                       public CVDelegated<ISerial>,
+                       public CVDelegated<ISerialWait> {
+  public:
+    explicit CVSerial(IUnknown* pUnkOuter);
+    ~CVSerial() override;
+
+    // ISerial
+    BOOL Open(LPCSTR szPort) override;
+    BOOL Close() override;
+    BOOL IsOpen() override;
+    BOOL AttachHandle(HANDLE hPort, BOOL bOverlapped) override;
+    HANDLE DetachHandle() override;
+    DWORD Write(LPCVOID pBuffer, DWORD dwCount) override;
+    DWORD Read(LPVOID pBuffer, DWORD dwCount) override;
+    BOOL SetBufferSizes(DWORD dwRXQueueSize, DWORD dwTXBufferSize) override;
+    DWORD GetQueueInfo(DWORD dwSelector) override;
+    BOOL Flush(DWORD dwSelector) override;
+    BOOL SetDataFormat(DWORD dwBaudRate, DWORD dwParity, DWORD dwByteSize,
+                       DWORD dwStopBits) override;
+    BOOL GetDataFormat(LPDWORD lpBaudRate, LPDWORD lpParity, LPDWORD lpByteSize,
+                       LPDWORD lpStopBits) override;
+    BOOL SetLine(DWORD dwLine, BOOL bState) override;
+    DWORD GetLineStatus() override;
+    BOOL SetFlowControl(DWORD dwFlowControl) override;
+    DWORD GetFlowControl() override;
+    HWND SetCommNotifyWnd(HWND hWnd) override;
+    BOOL CommNotifyControl(DWORD dwCode) override;
+    HWND SetModemMonitorWnd(HWND hWnd) override;
+
+    // ISerialWait
+    HANDLE GetReceiveHandle() override;
+    HANDLE GetHangupHandle() override;
+    HANDLE GetProgressEvent() override;
+    BOOL IsDeviceGone() override;
+    BOOL Drain(DWORD dwNoProgress) override;
+
+  protected:
+    void* FindInterface(const IID& riid) override;
+
+  private:
+    // The checks of all of this class's files report under one name.
+    static constexpr const char* kReportFile = "Serial";
+
+    // What has been accepted for sending and has not left: the places it is in.
+    struct SPending {
+        DWORD dwBuffered; // in the transmit buffer
+        DWORD dwInHand;   // in the write thread's hands
+        DWORD dwDriver;   // in the driver's output queue
+    };
+
+    // Configuration; the port lock is held.
+    BOOL Reset();
+    BOOL ResetQueueSizes(DWORD dwCurrentRXSize);
+    BOOL ResetLineSettings(DCB& dcb);
+    BOOL ResetTimeouts();
+    bool HasOtherSettings(const DCB& dcb) const;
+    void StoreFlowControl(DCB& dcb) const;
+    DWORD CountReceived();
+    DWORD CountUnsent();
+
+    // Transfer
+    bool WaitForSpace(bool& isOverflowReported);
+    DWORD ReadOverlapped(LPVOID pBuffer, DWORD dwCount);
+
+    // Threads; the port lock is held, but by the write thread's own.
+    BOOL StartThreads();
+    BOOL StopThreads();
+    BOOL StartWriteThread();
+    BOOL StopWriteThread();
+    BOOL CreateWriteEvents();
+    static DWORD WriteThreadProc(LPVOID pObject);
+    DWORD RunWriteThread();
+    DWORD WriteNextChunk(BYTE* chunk, DWORD dwSize);
+    DWORD TakeChunk(BYTE* chunk, DWORD dwSize);
+    DWORD WriteOverlapped(BYTE* chunk, DWORD dwSize);
+    DWORD WritePlain(BYTE* chunk, DWORD dwSize);
+
+    // Waiting
+    bool CountPending(SPending& pending);
+    DWORD GetLineRate();
+
+    std::atomic<WORD> m_wLineState = 0;
+    BOOL m_bOverlapped = FALSE;
+    BOOL m_bCommNotifyEnabled = FALSE;
+    LONG m_lCommNotifySuspend = 0;
+    HWND m_hCommNotifyWnd = nullptr;
+    HWND m_hModemMonitorWnd = nullptr;
+    std::atomic<HANDLE> m_hPort = INVALID_HANDLE_VALUE;
+    CUniqueHandle m_hWriteThread;
+    CUniqueHandle m_hWriteThreadEndEvent;
+    CUniqueHandle m_hProgressEvent;
+    DWORD m_dwRXQueueSize = 4096;
+    DWORD m_dwTXBufferSize = CVCommBuffer::DEFAULT_BUFFER_SIZE;
+    DWORD m_dwBaudRate = 0; // 0: the port keeps the line settings that the driver has
+    DWORD m_dwParity = NOPARITY;
+    DWORD m_dwByteSize = 8;
+    DWORD m_dwStopBits = ONESTOPBIT;
+    DWORD m_dwFlowControl = _FLOW_NONE;
+    CVCommBuffer m_cvTXBuffer;
+    std::atomic<DWORD> m_dwInHand = 0;
+    // Held while bytes go from the transmit buffer to the driver, so that a flush finds each byte
+    // in one place or the other. Taken after the port lock.
+    CCriticalSection m_HandOverCritSec;
+    CCriticalSection m_CritSec;
+};

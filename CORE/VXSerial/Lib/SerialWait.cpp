@@ -1,0 +1,130 @@
+// What CVSerial offers to those who block: handles, and the wait for everything to be sent.
+#include "CORE/VXSerial/Lib/Serial.h"
+
+#include "platform/Clock.h"
+#include "platform/Error.h"
+
+#include <algorithm>
+
+namespace {
+
+// Start bit, eight data bits and stop bit.
+constexpr std::uint64_t BITS_PER_BYTE = 10;
+
+DWORD ToMilliseconds(std::uint64_t milliseconds) {
+    return static_cast<DWORD>(std::min<std::uint64_t>(milliseconds, INFINITE - 1));
+}
+
+// The time that bytes need on the wire.
+DWORD TransmitTime(DWORD count, DWORD baudRate) {
+    return baudRate == 0 ? 0 : ToMilliseconds(count * BITS_PER_BYTE * 1000 / baudRate);
+}
+
+// How long a wait for bytes to leave may still go on.
+class CPatience {
+  public:
+    explicit CPatience(DWORD limit) : m_dwLimit(limit) {}
+
+    // Notes how many bytes are left. Fewer than the last time: the time without progress begins
+    // anew.
+    void Look(DWORD left) {
+        if (left < m_dwLeft) {
+            m_dwTick = GetTickCount();
+            m_dwPause = 0;
+        }
+        m_dwLeft = left;
+    }
+
+    // The milliseconds left, when the limit is extended by some; 0 when they are over.
+    DWORD Remaining(DWORD extension) const {
+        const DWORD limit = ToMilliseconds(std::uint64_t{m_dwLimit} + extension);
+        return limit - std::min(limit, GetTickCount() - m_dwTick);
+    }
+
+    // How long to pause before the next look: ever longer while nothing moves.
+    DWORD Pause(DWORD atLeast) {
+        m_dwPause = std::max({ToMilliseconds(std::uint64_t{m_dwPause} * 2), atLeast, DWORD{1}});
+        return m_dwPause;
+    }
+
+  private:
+    const DWORD m_dwLimit;
+    DWORD m_dwTick = GetTickCount();
+    DWORD m_dwLeft = MAXDWORD;
+    DWORD m_dwPause = 0;
+};
+
+} // namespace
+
+HANDLE CVSerial::GetReceiveHandle() {
+    return IsOpen() ? m_hPort.load() : nullptr;
+}
+
+HANDLE CVSerial::GetHangupHandle() {
+    return IsOpen() ? platform::GetCommHangupHandle(m_hPort) : nullptr;
+}
+
+HANDLE CVSerial::GetProgressEvent() {
+    return m_hProgressEvent;
+}
+
+// Asked often, so the device is asked only once it is known to have hung up: that is cheap, and the
+// errors of a line that works are left for Read to report.
+BOOL CVSerial::IsDeviceGone() {
+    const HANDLE hangup = GetHangupHandle();
+    if (!hangup || WaitForSingleObject(hangup, 0) != WAIT_OBJECT_0)
+        return FALSE;
+    return !ClearCommError(m_hPort, nullptr, nullptr) &&
+           GetLastError() == ERROR_DEVICE_NOT_CONNECTED;
+}
+
+BOOL CVSerial::Drain(DWORD dwNoProgress) {
+    const HANDLE handles[] = {GetHangupHandle(), GetProgressEvent()};
+    if (!handles[0] || !handles[1])
+        return FALSE;
+    const DWORD baudRate = GetLineRate();
+    CPatience patience(dwNoProgress);
+    for (;;) {
+        SPending pending = {};
+        if (WaitForSingleObject(handles[0], 0) == WAIT_OBJECT_0 || !CountPending(pending))
+            return FALSE;
+        const DWORD ours = pending.dwBuffered + pending.dwInHand;
+        if (ours + pending.dwDriver == 0)
+            return TRUE;
+        patience.Look(ours + pending.dwDriver);
+        // While a chunk trickles into the driver's queue, which it keeps filled, no count changes.
+        const DWORD remaining = patience.Remaining(TransmitTime(pending.dwInHand, baudRate));
+        if (remaining == 0)
+            return FALSE;
+        // Nothing is signalled when the driver's own queue runs empty.
+        const DWORD pause =
+            ours == 0 ? patience.Pause(TransmitTime(pending.dwDriver, baudRate)) : remaining;
+        if (WaitForMultipleObjects(ours == 0 ? 1 : 2, handles, FALSE, std::min(pause, remaining)) ==
+            WAIT_FAILED)
+            return FALSE;
+    }
+}
+
+// Counts what has been accepted for sending and has not left; bytes on their way from one place to
+// the next may be counted in both. False when the port does not tell.
+bool CVSerial::CountPending(SPending& pending) {
+    {
+        const CLock handOver(m_HandOverCritSec);
+        m_cvTXBuffer.GetBufferStatus(nullptr, &pending.dwBuffered, nullptr);
+        pending.dwInHand = m_dwInHand;
+    }
+    COMSTAT status = {};
+    if (!ClearCommError(m_hPort, nullptr, &status))
+        return false;
+    pending.dwDriver = status.cbOutQue;
+    return true;
+}
+
+// The baud rate in force; 0 when it is not known.
+DWORD CVSerial::GetLineRate() {
+    const CLock lock(m_CritSec);
+    DCB dcb = {};
+    if (m_dwBaudRate == 0)
+        GetCommState(m_hPort, &dcb);
+    return m_dwBaudRate != 0 ? m_dwBaudRate : dcb.BaudRate;
+}

@@ -1,0 +1,68 @@
+#include "common/TextFile.h"
+
+#include <algorithm>
+
+namespace {
+
+// A typical command file is taken in one read.
+constexpr std::size_t READ_SIZE = 16 * 1024;
+
+} // namespace
+
+BOOL CTextFile::Open(LPCSTR szPath) {
+    m_nBegin = m_nEnd = 0;
+    m_bFailed = true;
+    m_hFile.Reset();
+    const HANDLE file = CreateFileA(szPath ? szPath : "", GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return FALSE;
+    m_hFile.Reset(file);
+    m_buffer.resize(READ_SIZE);
+    m_bFailed = false;
+    return TRUE;
+}
+
+EReadLine CTextFile::ReadLine(std::string& line) {
+    line.clear();
+    if (m_bFailed)
+        return Fail(line);
+    for (;;) {
+        const auto begin = m_buffer.begin() + static_cast<std::ptrdiff_t>(m_nBegin);
+        const auto end = m_buffer.begin() + static_cast<std::ptrdiff_t>(m_nEnd);
+        const auto lineFeed = std::find(begin, end, '\n');
+        // One byte more than a line may have: the CR of its end, which may be yet to be taken off.
+        if (line.size() + static_cast<std::size_t>(lineFeed - begin) > MAX_LINE_LENGTH + 1)
+            return Fail(line);
+        line.append(begin, lineFeed);
+        if (lineFeed != end) {
+            m_nBegin += static_cast<std::size_t>(lineFeed - begin) + 1;
+            if (!line.empty() && line.back() == '\r')
+                line.pop_back();
+            return line.size() > MAX_LINE_LENGTH ? Fail(line) : EReadLine::Line;
+        }
+        if (!FillBuffer())
+            return Fail(line);
+        if (m_nEnd == 0 && line.size() > MAX_LINE_LENGTH)
+            return Fail(line);
+        if (m_nEnd == 0)
+            return line.empty() ? EReadLine::End : EReadLine::Line;
+    }
+}
+
+// Replaces the buffer's bytes by the file's next ones, none at its end. False when the read failed.
+bool CTextFile::FillBuffer() {
+    m_nBegin = m_nEnd = 0;
+    DWORD count = 0;
+    if (!ReadFile(m_hFile, m_buffer.data(), static_cast<DWORD>(m_buffer.size()), &count, nullptr))
+        return false;
+    m_nEnd = count;
+    return true;
+}
+
+EReadLine CTextFile::Fail(std::string& line) {
+    line.clear();
+    m_bFailed = true;
+    m_hFile.Reset();
+    return EReadLine::Error;
+}

@@ -1,0 +1,39 @@
+// CTextFile: a text file, read line by line.
+//
+// LF and CR LF end a line; no other byte does, Ctrl+Z and NUL included. The file is closed with the
+// object. One thread uses an object.
+#pragma once
+
+#include "common/UniqueHandle.h"
+#include "platform/File.h"
+
+#include <string>
+#include <vector>
+
+enum class EReadLine { Line, End, Error };
+
+class CTextFile {
+  public:
+    // No text anybody means to have read has a longer line; this bounds the memory that a file
+    // takes.
+    static constexpr std::size_t MAX_LINE_LENGTH = 16 * 1024 * 1024;
+
+    // Opens the file for reading, in place of the one that was open. FALSE when that fails; the
+    // last error tells why (see CreateFileA).
+    BOOL Open(LPCSTR szPath);
+
+    // Stores the next line without its end. A last line without an end is a line too. End at the
+    // end of the file; Error for a read error, a line longer than MAX_LINE_LENGTH bytes, or when no
+    // file is open, and from then on. The string is empty unless the result is Line.
+    EReadLine ReadLine(std::string& line);
+
+  private:
+    bool FillBuffer();
+    EReadLine Fail(std::string& line);
+
+    CUniqueHandle m_hFile;
+    std::vector<char> m_buffer;
+    std::size_t m_nBegin = 0; // the bytes read but not yet handed out: [m_nBegin, m_nEnd)
+    std::size_t m_nEnd = 0;
+    bool m_bFailed = true;
+};

@@ -1,0 +1,83 @@
+#include "modem/FinalResult.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
+constexpr std::string_view kLineEnd = "\r\n";
+
+// Of text that has been searched, only this much can be the beginning of a marker that is still to
+// be completed.
+constexpr std::size_t kLongestBeginning = FINAL_RESULT_CME_ERROR.size() - 1;
+static_assert(FINAL_RESULT_CMS_ERROR.size() == FINAL_RESULT_CME_ERROR.size());
+static_assert(FINAL_RESULT_ERROR.size() < FINAL_RESULT_CME_ERROR.size());
+static_assert(FINAL_RESULT_OK.size() < FINAL_RESULT_CME_ERROR.size());
+
+void Trim(std::string& text) {
+    text.erase(text.find_last_not_of(kWhiteSpace) + 1);
+    text.erase(0, text.find_first_not_of(kWhiteSpace));
+}
+
+} // namespace
+
+CFinalResult::CFinalResult(std::string& response) : m_strResponse(response) {
+    m_strResponse.clear();
+}
+
+CFinalResult::Verdict CFinalResult::Append(std::string_view bytes) {
+    Gather(bytes.substr(0, bytes.find('\0')));
+    const Verdict verdict = Judge();
+    if (m_strWindow.size() > kLongestBeginning)
+        m_strWindow.erase(0, m_strWindow.size() - kLongestBeginning);
+    return verdict;
+}
+
+void CFinalResult::Gather(std::string_view bytes) {
+    m_strWindow.append(bytes);
+    m_nTextLength += bytes.size();
+    m_strResponse.append(bytes.substr(0, MAX_RESPONSE - m_strResponse.size()));
+}
+
+CFinalResult::Verdict CFinalResult::Judge() {
+    const std::size_t ok = m_strWindow.find(FINAL_RESULT_OK);
+    if (ok != std::string::npos)
+        return ConcludeOk(ok);
+    if (m_strWindow.find(FINAL_RESULT_ERROR) != std::string::npos) {
+        m_strResponse.clear();
+        return Verdict::Error;
+    }
+    CutBehind(FINAL_RESULT_CME_ERROR, m_bCmeSeen);
+    CutBehind(FINAL_RESULT_CMS_ERROR, m_bCmsSeen);
+    return ConcludeExtendedError();
+}
+
+CFinalResult::Verdict CFinalResult::ConcludeOk(std::size_t position) {
+    const std::size_t windowStart = m_nTextLength - m_strWindow.size();
+    m_strResponse.resize(std::min(m_strResponse.size(), windowStart + position));
+    Trim(m_strResponse);
+    return Verdict::Ok;
+}
+
+CFinalResult::Verdict CFinalResult::ConcludeExtendedError() {
+    if (!m_bCmeSeen && !m_bCmsSeen)
+        return Verdict::None;
+    if (m_strWindow.find(kLineEnd) == std::string::npos)
+        return Verdict::None;
+    Trim(m_strResponse);
+    return m_bCmeSeen ? Verdict::CmeError : Verdict::CmsError;
+}
+
+// A marker that is found now was completed by the newest bytes, so the window holds everything that
+// follows it.
+void CFinalResult::CutBehind(std::string_view marker, bool& seen) {
+    if (seen)
+        return;
+    const std::size_t position = m_strWindow.find(marker);
+    if (position == std::string::npos)
+        return;
+    seen = true;
+    m_strWindow.erase(0, position + marker.size());
+    m_nTextLength = m_strWindow.size();
+    m_strResponse.assign(m_strWindow, 0, MAX_RESPONSE);
+}

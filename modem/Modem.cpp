@@ -1,0 +1,234 @@
+#include "modem/Modem.h"
+
+#include "diagnostics/ModuleTrace.h"
+#include "platform/Clock.h"
+#include "platform/Error.h"
+#include "platform/Wait.h"
+
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+// A device is not sent a command sooner than this after its last final result code: phones drop
+// what comes while they still tidy up the previous command.
+constexpr DWORD kQuietTime = 100;
+
+constexpr DWORD kReadSize = 1023;
+
+// A longer answer would only be cut by the trace.
+constexpr std::size_t kTracedResponse = 512;
+
+constexpr DWORD kUnlimitedRoom = 0xFFFFFFFF;
+
+} // namespace
+
+CVModem::CVModem() {
+    CreateSerial(m_pSerial.Receive(), nullptr);
+}
+
+CVModem::~CVModem() {
+    Close();
+}
+
+BOOL CVModem::Open(const std::string& path) {
+    if (!m_pSerial)
+        return FALSE;
+    const BOOL opened = m_pSerial->Open(path.c_str());
+    if (opened)
+        m_bPortOpen = TRUE;
+    // The caller asks the last error why the port did not open; the trace may look for its module.
+    const DWORD error = GetLastError();
+    DebugTrace("CVModem::Open() - %s = %d\n", path.c_str(), opened ? 1 : 0);
+    SetLastError(error);
+    return opened;
+}
+
+void CVModem::Close() {
+    if (!m_bPortOpen)
+        return;
+    if (m_pSerial)
+        m_pSerial->Close();
+    m_bPortOpen = FALSE;
+}
+
+BOOL CVModem::SendCommand(LPCSTR command) {
+    const BOOL written = Write(command, static_cast<DWORD>(std::strlen(command)));
+    DebugTrace("CVModem::SendCommand() ->%s", command);
+    return written;
+}
+
+BOOL CVModem::GetResponse(DWORD& code, std::string& response, DWORD timeout) {
+    code = RESULT_NO_RESPONSE;
+    CFinalResult finalResult(response);
+    const CDeadline deadline(timeout);
+    do {
+        char buffer[kReadSize];
+        DWORD count = 0;
+        if (!Read(buffer, kReadSize, count))
+            continue;
+        const CFinalResult::Verdict verdict = finalResult.Append({buffer, count});
+        if (verdict == CFinalResult::Verdict::None)
+            continue;
+        Conclude(verdict, code, response);
+        return TRUE;
+    } while (WaitForBytes(deadline));
+    DebugTrace("CVModem::GetResponse() - Failed\n");
+    return FALSE;
+}
+
+void CVModem::Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response) {
+    using Verdict = CFinalResult::Verdict;
+    code = verdict == Verdict::Ok ? RESULT_OK : RESULT_ERROR;
+    if (verdict == Verdict::Ok)
+        DebugTrace("CVModem::GetResponse() ->%s\n", response.substr(0, kTracedResponse).c_str());
+    else if (verdict == Verdict::Error)
+        DebugTrace("CVModem::GetResponse() - Error\n");
+    else
+        DebugTrace("CVModem::GetResponse() - %s Error: %s\n",
+                   verdict == Verdict::CmeError ? "CME" : "CMS", response.c_str());
+    m_dwLastResponse = GetTickCount();
+}
+
+BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& response) {
+    response.clear();
+    const DWORD delay = GetPacingDelay();
+    if (delay != 0) {
+        DebugTrace("CVModem::SendCommandGetResponse() elapsed time->%ld\n",
+                   static_cast<long>(delay));
+        Sleep(delay);
+    }
+    for (int attempt = 0; attempt < m_nRetry; ++attempt) {
+        if (m_pSerial) {
+            m_pSerial->Flush(_QUE_RX);
+            m_pSerial->Flush(_QUE_TX);
+        }
+        SendCommand(command);
+        if (GetResponse(code, response, m_dwTimeout))
+            return TRUE;
+    }
+    return FALSE;
+}
+
+BOOL CVModem::Write(LPCVOID bytes, DWORD count) {
+    if (!m_pSerial)
+        return FALSE;
+    return m_pSerial->Write(bytes, count) == count;
+}
+
+BOOL CVModem::Read(LPVOID buffer, DWORD capacity, DWORD& count) {
+    count = 0;
+    if (!m_pSerial)
+        return FALSE;
+    count = m_pSerial->Read(buffer, capacity);
+    return count != 0;
+}
+
+BOOL CVModem::SendString(LPCSTR text) {
+    return Write(text, static_cast<DWORD>(std::strlen(text)));
+}
+
+void CVModem::SetDtrRts(BOOL on) {
+    if (!m_pSerial)
+        return;
+    m_pSerial->SetLine(LINE_DTR, on);
+    m_pSerial->SetLine(LINE_RTS, on);
+}
+
+BOOL CVModem::SetDataFormat(DWORD baudRate, DWORD parity, DWORD byteSize, DWORD stopBits) {
+    if (!m_pSerial)
+        return FALSE;
+    return m_pSerial->SetDataFormat(baudRate, parity, byteSize, stopBits);
+}
+
+void CVModem::SetFlowControl(DWORD mode) {
+    if (m_pSerial)
+        m_pSerial->SetFlowControl(mode);
+}
+
+BOOL CVModem::GetBaudRate(DWORD& baudRate) {
+    if (!m_pSerial)
+        return FALSE;
+    return m_pSerial->GetDataFormat(&baudRate, nullptr, nullptr, nullptr);
+}
+
+BOOL CVModem::IsOpen() {
+    return m_bPortOpen;
+}
+
+void CVModem::SetTimeout(DWORD milliseconds) {
+    m_dwTimeout = milliseconds;
+}
+
+CInterfacePtr<ISerialWait> CVModem::QueryWait() const {
+    return m_pSerial.Query<ISerialWait>(IID_ISerialWait);
+}
+
+HANDLE CVModem::GetReceiveHandle() {
+    const auto wait = QueryWait();
+    return wait ? wait->GetReceiveHandle() : nullptr;
+}
+
+HANDLE CVModem::GetHangupHandle() {
+    const auto wait = QueryWait();
+    return wait ? wait->GetHangupHandle() : nullptr;
+}
+
+HANDLE CVModem::GetProgressEvent() {
+    const auto wait = QueryWait();
+    return wait ? wait->GetProgressEvent() : nullptr;
+}
+
+BOOL CVModem::IsDeviceGone() {
+    const auto wait = QueryWait();
+    return wait ? wait->IsDeviceGone() : FALSE;
+}
+
+BOOL CVModem::Drain(DWORD noProgress) {
+    const auto wait = QueryWait();
+    return wait ? wait->Drain(noProgress) : FALSE;
+}
+
+DWORD CVModem::GetWriteRoom() {
+    if (!m_pSerial || !m_pSerial->IsOpen())
+        return kUnlimitedRoom;
+    return m_pSerial->GetQueueInfo(_QUE_TXFREE);
+}
+
+DWORD CVModem::GetQueuedOutput() {
+    if (!m_pSerial || !m_pSerial->IsOpen())
+        return 0;
+    return m_pSerial->GetQueueInfo(_QUE_TXCOUNT);
+}
+
+DWORD CVModem::GetPacingDelay() const {
+    return CDeadline(m_dwLastResponse, kQuietTime).Remaining();
+}
+
+BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
+    const DWORD remaining = deadline.Remaining();
+    if (remaining == 0)
+        return FALSE;
+    const auto wait = QueryWait();
+    if (m_pSerial && !wait) {
+        Sleep(1);
+        return TRUE;
+    }
+    const HANDLE receive = wait ? wait->GetReceiveHandle() : nullptr;
+    if (!receive) {
+        // No port, or a closed one: nothing can arrive, and the time-out takes its full time.
+        Sleep(remaining);
+        return FALSE;
+    }
+    if (WaitForSingleObject(receive, remaining) != WAIT_OBJECT_0)
+        return FALSE;
+    return !wait->IsDeviceGone();
+}
+
+void CVModem::WaitWithoutReading(const CDeadline& deadline) {
+    const HANDLE hangup = GetHangupHandle();
+    if (hangup)
+        WaitForSingleObject(hangup, deadline.Remaining());
+    else
+        Sleep(deadline.Remaining());
+}

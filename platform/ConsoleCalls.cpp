@@ -1,0 +1,199 @@
+// The published console calls.
+#include "platform/Console.h"
+
+#include "platform/ConsoleSession.h"
+#include "platform/Error.h"
+#include "platform/Wait.h"
+
+#include <cstdlib>
+
+#include <unistd.h>
+
+namespace platform {
+namespace {
+
+// An object that outlives the last user of the console, static objects included.
+template <class Object> union Immortal {
+    template <class... Arguments>
+    constexpr explicit Immortal(Arguments&... arguments) : value(arguments...) {}
+    ~Immortal() {}
+    Object value;
+};
+
+// At fixed addresses, without a lock or a look-up: the screen is written byte by byte.
+constinit Immortal<CConsoleInput> g_input;
+constinit Immortal<CConsoleOutput> g_output;
+constinit Immortal<CConsoleSession> g_session(g_input.value, g_output.value);
+
+// Until the handles are given out, values that no caller can have.
+constinit HANDLE g_hInput = &g_hInput;
+constinit HANDLE g_hOutput = &g_hOutput;
+
+constexpr DWORD MODE_TAKEN_OVER = 0;
+constexpr DWORD MODE_SHELL = 7; // line by line, echoed, with keys that are signals
+
+HANDLE RegisterImmortal(CHandleObject& object) {
+    return RegisterHandle(std::shared_ptr<CHandleObject>(&object, [](CHandleObject*) {}));
+}
+
+bool RegisterBoth() {
+    static const bool registered = [] {
+        g_session.value.Use(STDIN_FILENO, STDOUT_FILENO, std::getenv("TERM"));
+        const HANDLE hInput = RegisterImmortal(g_input.value);
+        const HANDLE hOutput = RegisterImmortal(g_output.value);
+        if (hInput == nullptr || hOutput == nullptr)
+            return false;
+        g_hInput = hInput;
+        g_hOutput = hOutput;
+        std::atexit([] { g_session.value.GiveBackAtExit(); });
+        return true;
+    }();
+    return registered;
+}
+
+// Not inlined: the way of a single byte stays free of what this one needs.
+[[gnu::noinline]] BOOL WriteBytes(HANDLE hConsoleOutput, const BYTE* bytes, DWORD count,
+                                  LPDWORD written) {
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (!g_output.value.Write(bytes, count))
+        return FailWith(ERROR_WRITE_FAULT);
+    if (written != nullptr)
+        *written = count;
+    return TRUE;
+}
+
+BOOL Report(LPDWORD counter, int count) {
+    if (counter != nullptr)
+        *counter = static_cast<DWORD>(count);
+    return TRUE;
+}
+
+} // namespace
+} // namespace platform
+
+using namespace platform;
+
+HANDLE GetStdHandle(DWORD nStdHandle) {
+    if (nStdHandle != STD_INPUT_HANDLE && nStdHandle != STD_OUTPUT_HANDLE) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return INVALID_HANDLE_VALUE;
+    }
+    if (!RegisterBoth())
+        return INVALID_HANDLE_VALUE;
+    return nStdHandle == STD_INPUT_HANDLE ? g_hInput : g_hOutput;
+}
+
+BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode) {
+    if (hConsoleHandle != g_hInput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (lpMode == nullptr)
+        return FailWith(ERROR_INVALID_PARAMETER);
+    *lpMode = g_session.value.IsTakenOver() ? MODE_TAKEN_OVER : MODE_SHELL;
+    return TRUE;
+}
+
+BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode) {
+    if (hConsoleHandle != g_hInput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (dwMode != MODE_TAKEN_OVER && dwMode != MODE_SHELL)
+        return FailWith(ERROR_INVALID_PARAMETER);
+    if (dwMode == MODE_TAKEN_OVER)
+        g_session.value.TakeOver();
+    else
+        g_session.value.GiveBack();
+    return TRUE;
+}
+
+BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE HandlerRoutine, BOOL Add) {
+    const PHANDLER_ROUTINE present = g_session.value.Handler();
+    if (HandlerRoutine == nullptr || (!Add && HandlerRoutine != present))
+        return FailWith(ERROR_INVALID_PARAMETER);
+    if (Add && present != nullptr)
+        return FailWith(ERROR_NOT_ENOUGH_MEMORY);
+    g_session.value.SetHandler(Add ? HandlerRoutine : nullptr);
+    return TRUE;
+}
+
+BOOL SetConsoleTitleA(LPCSTR lpConsoleTitle) {
+    if (lpConsoleTitle == nullptr)
+        return FailWith(ERROR_INVALID_PARAMETER);
+    g_session.value.SetTitle(lpConsoleTitle);
+    return TRUE;
+}
+
+BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLength,
+                       LPDWORD lpNumberOfEventsRead) {
+    if (hConsoleInput != g_hInput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (lpBuffer == nullptr || nLength == 0)
+        return FailWith(ERROR_INVALID_PARAMETER);
+    for (;;) {
+        const CConsoleInput::Taken taken = g_input.value.Take(*lpBuffer);
+        if (taken == CConsoleInput::Taken::RECORD)
+            return Report(lpNumberOfEventsRead, 1);
+        if (taken == CConsoleInput::Taken::END)
+            return FailWith(ERROR_HANDLE_EOF);
+        if (WaitForSingleObject(hConsoleInput, INFINITE) != WAIT_OBJECT_0)
+            return FALSE;
+    }
+}
+
+BOOL WriteConsoleA(HANDLE hConsoleOutput, LPCVOID lpBuffer, DWORD nNumberOfCharsToWrite,
+                   LPDWORD lpNumberOfCharsWritten, LPVOID) {
+    const auto* const bytes = static_cast<const BYTE*>(lpBuffer);
+    if (hConsoleOutput == g_hOutput && nNumberOfCharsToWrite == 1 &&
+        g_output.value.WriteEasy(*bytes)) {
+        if (lpNumberOfCharsWritten != nullptr)
+            *lpNumberOfCharsWritten = 1;
+        return TRUE;
+    }
+    return WriteBytes(hConsoleOutput, bytes, nNumberOfCharsToWrite, lpNumberOfCharsWritten);
+}
+
+BOOL GetConsoleScreenBufferInfo(HANDLE hConsoleOutput, CONSOLE_SCREEN_BUFFER_INFO* lpInfo) {
+    if (hConsoleOutput != g_hOutput || !g_output.value.IsTerminal())
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (lpInfo == nullptr)
+        return FailWith(ERROR_INVALID_PARAMETER);
+    g_output.value.GetInfo(*lpInfo);
+    return TRUE;
+}
+
+BOOL SetConsoleCursorPosition(HANDLE hConsoleOutput, COORD dwCursorPosition) {
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    return g_output.value.SetPosition(dwCursorPosition) ? TRUE : FailWith(ERROR_INVALID_PARAMETER);
+}
+
+BOOL SetConsoleWindowInfo(HANDLE hConsoleOutput, BOOL, const SMALL_RECT* lpConsoleWindow) {
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (lpConsoleWindow == nullptr || lpConsoleWindow->Left < 0 || lpConsoleWindow->Top < 0)
+        return FailWith(ERROR_INVALID_PARAMETER);
+    return TRUE;
+}
+
+BOOL FillConsoleOutputCharacterA(HANDLE hConsoleOutput, char cCharacter, DWORD nLength,
+                                 COORD dwWriteCoord, LPDWORD lpNumberOfCharsWritten) {
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    const int count = g_output.value.Fill(cCharacter, nLength, dwWriteCoord);
+    return count < 0 ? FailWith(ERROR_INVALID_PARAMETER) : Report(lpNumberOfCharsWritten, count);
+}
+
+BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nLength,
+                                COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten) {
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (!g_output.value.ColourFill(static_cast<BYTE>(wAttribute), nLength, dwWriteCoord))
+        return FailWith(ERROR_NOT_SUPPORTED);
+    return Report(lpNumberOfAttrsWritten, static_cast<int>(nLength));
+}
+
+BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes) {
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    g_output.value.SetAttribute(static_cast<BYTE>(wAttributes));
+    return TRUE;
+}

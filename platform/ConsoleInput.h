@@ -1,0 +1,76 @@
+// The console's keyboard: reads standard input and makes one record of each byte or special key, as
+// they are asked for. A sequence that is not complete waits for its rest, at most 50 ms after its
+// first byte; a lone ESC is such a sequence.
+//
+// One object lives as long as the process; it is used by the thread that has taken the console
+// over. As a handle object it is signalled while a record can be taken without blocking, and for
+// good at the end of the input.
+#pragma once
+
+#include "platform/Console.h"
+#include "platform/ConsoleKeys.h"
+#include "platform/HandleObject.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace platform {
+
+class CConsoleInput final : public CHandleObject {
+  public:
+    constexpr CConsoleInput() = default;
+
+    // Takes the descriptor of standard input and the terminal's type (TERM; null: unknown), which
+    // must stay valid.
+    void Use(int descriptor, const char* terminalType);
+
+    enum class Taken { RECORD, NOTHING, END };
+    // Takes the next record if there is one, without blocking; END at the end of the input.
+    Taken Take(INPUT_RECORD& record) {
+        if (m_nBegin < m_nEnd && m_bytes[m_nBegin] != CConsoleKeys::ESCAPE && m_nEvents == 0) {
+            FillCharacter(record, m_bytes[m_nBegin++]);
+            return Taken::RECORD;
+        }
+        return TakeSlow(record);
+    }
+
+    // Records that come before what was typed.
+    void AddMenuEvent();
+    void AddSizeEvent(COORD size);
+
+    int WaitDescriptor() const override { return m_bEnd ? -1 : m_nDescriptor; }
+    bool IsReady() const override;
+    int ReadyInMilliseconds() const override;
+    bool TryAcquire(short events) override;
+
+    static constexpr int SEQUENCE_MILLISECONDS = 50;
+
+  private:
+    enum Event : unsigned { MENU = 1, SIZE = 2 };
+
+    static void FillCharacter(INPUT_RECORD& record, std::uint8_t byte);
+    static void FillKey(INPUT_RECORD& record, const CConsoleKeys::Match& match);
+    Taken TakeSlow(INPUT_RECORD& record);
+    void TakeEvent(INPUT_RECORD& record);
+    CConsoleKeys::Match Look(bool final) const;
+    bool IsTimeUp() const;
+    void Read();
+    void KeepUnfinished();
+    void LoadKeys();
+
+    unsigned m_nEvents = 0; // events that wait to be taken
+    std::size_t m_nBegin = 0;
+    std::size_t m_nEnd = 0;
+    std::size_t m_nCarried = 0; // bytes at the start of the buffer that came with an earlier read
+    std::int64_t m_nCarriedTime = 0;
+    std::int64_t m_nReadTime = 0;
+    int m_nDescriptor = -1;
+    bool m_bEnd = false;
+    bool m_bKeysLoaded = false;
+    COORD m_size = {0, 0};
+    const char* m_terminalType = nullptr;
+    std::uint8_t m_bytes[4096] = {};
+    CConsoleKeys m_keys; // loaded when the first ESC is typed: starting up needs none of it
+};
+
+} // namespace platform

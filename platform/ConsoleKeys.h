@@ -1,0 +1,60 @@
+// Recognises the special keys in the bytes that a terminal sends: a table of sequences, held as a
+// tree of bytes. Knows nothing of where bytes come from or when they came.
+//
+// A sequence that is not in the table is no key: its first byte is delivered as a character, and so
+// on with the rest. Used by one thread.
+#pragma once
+
+#include "platform/Types.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace platform {
+
+class CConsoleKeys {
+  public:
+    enum class Kind {
+        BYTE, // a character
+        KEY,  // a special key
+        MORE, // may become a key with more bytes
+    };
+    struct Match {
+        Kind kind;
+        std::uint8_t length; // bytes that it takes; 0 with MORE
+        WORD virtualKey;     // with KEY
+        DWORD controlKeys;   // with KEY: the modifiers held down
+    };
+
+    static constexpr std::uint8_t ESCAPE = 0x1B;
+
+    // Adds a sequence or gives one another meaning. It begins with ESC and has 2 to LONGEST bytes,
+    // without a second ESC; others are left out: a key that sends a plain character is that
+    // character. FALSE when it was left out or the table is full.
+    bool Add(std::string_view sequence, WORD virtualKey, DWORD controlKeys);
+
+    // What the bytes (at least one) begin with. An ESC before a key's sequence is Alt. Final: no
+    // more bytes come, so the answer is never MORE.
+    Match Find(const std::uint8_t* bytes, std::size_t count, bool final) const;
+
+    static constexpr std::size_t LONGEST = 16;
+
+  private:
+    struct Node {
+        std::uint8_t byte;
+        std::uint8_t virtualKey; // 0: no sequence ends here
+        std::uint8_t controlKeys;
+        std::uint16_t child; // 0: none
+        std::uint16_t next;  // with the same beginning; 0: none
+    };
+    static constexpr std::uint16_t MOST_NODES = 2048;
+
+    std::uint16_t ChildOf(std::uint16_t node, std::uint8_t byte) const;
+    std::uint16_t MakeChild(std::uint16_t node, std::uint8_t byte);
+    Match Walk(const std::uint8_t* bytes, std::size_t count, bool final) const;
+
+    Node m_nodes[MOST_NODES] = {}; // the first is the ESC that every sequence begins with
+    std::uint16_t m_nNodes = 1;
+};
+
+} // namespace platform

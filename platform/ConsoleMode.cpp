@@ -1,0 +1,118 @@
+#include "platform/ConsoleMode.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+namespace {
+
+constexpr cc_t CTRL_BACKSLASH = 0x1C;
+
+bool AreSameTerminal(int first, int second) {
+    struct stat firstStatus {};
+    struct stat secondStatus {};
+    return fstat(first, &firstStatus) == 0 && fstat(second, &secondStatus) == 0 &&
+           firstStatus.st_rdev == secondStatus.st_rdev;
+}
+
+termios RawInput(termios mode) {
+    mode.c_iflag &= ~static_cast<tcflag_t>(IGNBRK | BRKINT | PARMRK | ISTRIP | INLCR | IGNCR |
+                                           ICRNL | IXON | IXOFF);
+    mode.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL | ICANON | IEXTEN);
+    mode.c_lflag |= ISIG | NOFLSH; // a Ctrl+\ must not throw away what was typed or is to be shown
+    mode.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB);
+    mode.c_cflag |= CS8;
+    mode.c_cc[VINTR] = _POSIX_VDISABLE;
+    mode.c_cc[VSUSP] = _POSIX_VDISABLE;
+    mode.c_cc[VQUIT] = CTRL_BACKSLASH;
+    mode.c_cc[VMIN] = 1;
+    mode.c_cc[VTIME] = 0;
+    return mode;
+}
+
+} // namespace
+
+void CConsoleMode::TakeOver(int input, int output, bool drawsOnOutput) {
+    m_nTerminals = 0;
+    const bool same = AreSameTerminal(input, output);
+    Add(input, true, drawsOnOutput && same);
+    if (!same && drawsOnOutput)
+        Add(output, false, true);
+    m_nProcess.store(getpid());
+    TakeAgain();
+}
+
+void CConsoleMode::Add(int descriptor, bool isInput, bool drawsOnIt) {
+    Terminal& terminal = m_terminals[m_nTerminals];
+    if (tcgetattr(descriptor, &terminal.found) != 0)
+        return;
+    terminal.descriptor = descriptor;
+    terminal.raw = isInput ? RawInput(terminal.found) : terminal.found;
+    if (drawsOnIt)
+        terminal.raw.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+    ++m_nTerminals;
+}
+
+void CConsoleMode::GiveBack() {
+    if (m_nProcess.exchange(0) != 0)
+        Restore();
+}
+
+void CConsoleMode::Restore() {
+    for (int index = 0; index < m_nTerminals; ++index) {
+        if (IsForeground(m_terminals[index]))
+            Apply(m_terminals[index], m_terminals[index].found);
+    }
+}
+
+void CConsoleMode::TakeAgain() {
+    for (int index = 0; index < m_nTerminals; ++index) {
+        if (IsForeground(m_terminals[index]))
+            Apply(m_terminals[index], m_terminals[index].raw);
+    }
+    m_nProcess.store(getpid());
+}
+
+// A terminal that is not the process's own controlling one has no foreground.
+bool CConsoleMode::IsForeground(const Terminal& terminal) {
+    const pid_t group = tcgetpgrp(terminal.descriptor);
+    return group < 0 || group == getpgrp();
+}
+
+// Setting a terminal's mode stops a process in the background, unless the signal is blocked; then
+// it is carried out.
+void CConsoleMode::Apply(const Terminal& terminal, const termios& mode) {
+    sigset_t background;
+    sigset_t before;
+    sigemptyset(&background);
+    sigaddset(&background, SIGTTOU);
+    pthread_sigmask(SIG_BLOCK, &background, &before);
+    while (tcsetattr(terminal.descriptor, TCSANOW, &mode) != 0 && errno == EINTR)
+        continue;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+void CConsoleMode::Rescue() {
+    // CAN ends a sequence that was cut off; row 999 is below the last row of any terminal.
+    static constexpr char SANE[] = "\x18\x1b[0m\x1b[999;1H\r\n";
+    static constexpr char TITLE_BACK[] = "\x1b[23;0t";
+
+    int process = getpid();
+    if (!m_nProcess.compare_exchange_strong(process, 0))
+        return;
+    Restore();
+    const int output = m_nRescueOutput.load();
+    pollfd descriptor = {output, POLLOUT, 0};
+    if (output >= 0 && poll(&descriptor, 1, 0) > 0) {
+        ssize_t written = write(output, SANE, std::strlen(SANE));
+        if (written > 0 && m_bTitleChanged.load())
+            written = write(output, TITLE_BACK, std::strlen(TITLE_BACK));
+        static_cast<void>(written);
+    }
+}
+
+} // namespace platform

@@ -1,0 +1,54 @@
+// The terminal's line modes: raw while the console is taken over, as they were found afterwards,
+// whatever ends the process.
+//
+// One object lives as long as the process. TakeOver and GiveBack belong to the thread that takes
+// the console over; Rescue may be called from a signal handler on any thread.
+#pragma once
+
+#include <atomic>
+#include <termios.h>
+
+namespace platform {
+
+class CConsoleMode {
+  public:
+    // Makes the terminals behind the two descriptors raw: keys as they are typed, no echo,
+    // Ctrl+\ the only key that is a signal; output unprocessed if the output is drawn on as a
+    // terminal. What is no terminal is left alone.
+    void TakeOver(int input, int output, bool drawsOnOutput);
+    // Brings the modes that TakeOver found back, and makes the terminals raw again after that. In
+    // the background the terminals belong to somebody else and stay as they are.
+    void GiveBack();
+    void TakeAgain();
+
+    // The descriptor, besides those of TakeOver, through which Rescue speaks to the terminal; and
+    // whether the title has to come back.
+    void SetRescueOutput(int descriptor) { m_nRescueOutput.store(descriptor); }
+    void SetTitleChanged(bool changed) { m_bTitleChanged.store(changed); }
+
+    // Leaves the terminal usable from wherever the process is: a sequence that was cut off is
+    // ended, colours, title and modes return, the cursor goes below everything. Async-signal-safe;
+    // does nothing the second time, nor in a child of the process.
+    void Rescue();
+
+  private:
+    struct Terminal {
+        int descriptor = -1;
+        termios found = {};
+        termios raw = {};
+    };
+    static constexpr int MOST_TERMINALS = 2;
+
+    void Add(int descriptor, bool isInput, bool drawsOnIt);
+    void Restore();
+    static bool IsForeground(const Terminal& terminal);
+    static void Apply(const Terminal& terminal, const termios& mode);
+
+    Terminal m_terminals[MOST_TERMINALS];
+    int m_nTerminals = 0;
+    std::atomic<int> m_nProcess = 0; // the process that has taken the console over; 0: none
+    std::atomic<int> m_nRescueOutput = -1;
+    std::atomic<bool> m_bTitleChanged = false;
+};
+
+} // namespace platform

@@ -1,0 +1,130 @@
+// The console's screen: turns written bytes into what the terminal draws, and keeps the cursor, the
+// colours, fills and the title on the way. Nothing that is written reaches the terminal as a
+// control function. On an output that is no terminal, text goes out plain.
+//
+// One object lives as long as the process; it is used by the thread that has taken the console
+// over. As a handle object it is signalled while less than 64 KiB wait for the terminal. Before
+// Begin and after End each write goes out at once and blocks.
+#pragma once
+
+#include "platform/Console.h"
+#include "platform/ConsoleColours.h"
+#include "platform/ConsoleCursor.h"
+#include "platform/ConsoleFill.h"
+#include "platform/ConsoleTitle.h"
+#include "platform/ConsoleUtf8.h"
+
+#include <atomic>
+
+namespace platform {
+
+class CConsoleOutput final : public CHandleObject {
+  public:
+    constexpr CConsoleOutput() = default;
+
+    // Takes the descriptor of standard output and the terminal's type (TERM; null: unknown) and
+    // decides between terminal and plain text.
+    void Use(int descriptor, const char* terminalType);
+    bool IsTerminal() const { return m_bTerminal; }
+
+    // Begin gathers; End lets out what was gathered, gives up after 2 s without progress, and
+    // leaves the terminal with its own colours and title and the cursor below the text.
+    void Begin();
+    void End();
+    // Leaves the terminal as End does while the process is stopped; Resume goes on afterwards.
+    void Suspend();
+    void Resume();
+
+    // The short way of a single byte: FALSE, and nothing done, when it does not go that way.
+    bool WriteEasy(std::uint8_t byte) {
+        if (byte - 0x20U >= 0x5FU || !IsEasy())
+            return false;
+        m_gather.Put(byte);
+        m_cursor.Advance(1);
+        return true;
+    }
+    // FALSE once output is gone.
+    bool Write(const std::uint8_t* bytes, std::size_t count);
+    void SetAttribute(std::uint8_t attribute);
+    void SetTitle(std::string_view title);
+    bool IsTitleChanged() const { return m_title.IsChanged(); }
+    // FALSE for a position outside of the window.
+    bool SetPosition(COORD position);
+    void GetInfo(CONSOLE_SCREEN_BUFFER_INFO& info);
+    // Fill returns the number of cells that lie in the window, -1 for a start outside of it;
+    // ColourFill FALSE for other cells than those filled last.
+    int Fill(char character, DWORD length, COORD start);
+    bool ColourFill(std::uint8_t attribute, DWORD length, COORD start);
+
+    // The terminal has changed its size; the only operation that a signal handler may call.
+    void NoteSizeChange() { m_bSizeChanged.store(true, std::memory_order_relaxed); }
+    // Looks at the new size, if there is one. Returns whether the size has changed since the last
+    // call; output notices a change by itself meanwhile.
+    bool TakeSizeChange();
+
+    // For the thread's waits: what still has to go out.
+    bool HasWork() const;
+    void LetOut();
+    bool IsStalled() const { return m_gather.IsStalled(); }
+    void ContinueAfterStall();
+    int WaitDescriptor() const override;
+    short WaitEvents() const override { return POLLOUT; }
+    bool IsReady() const override;
+    bool TryAcquire(short events) override;
+
+    static constexpr int MOST_MILLISECONDS_WITHOUT_PROGRESS = 2000;
+
+  private:
+    enum Obstacle : unsigned {
+        SEQUENCE = 1,    // a UTF-8 sequence is in progress
+        FILL = 2,        // a fill is remembered
+        HELD_RETURN = 4, // plain text: a CR that may belong to a CR LF
+        DIRECT = 8,      // nothing is gathered
+    };
+
+    bool IsEasy() const;
+    std::size_t EasyRoom() const;
+    bool WriteByte(std::uint8_t byte);
+    void WriteControl(std::uint8_t byte);
+    void WritePlainControl(std::uint8_t byte);
+    void WriteCharacter();
+    void Draw(std::string_view character, int width);
+    void DrawTab();
+    void LineFeed();
+    // What was left undecided is decided: another kind of output comes.
+    void EndSequence();
+    void EndFill();
+    void EndHeldReturn();
+    bool EnsureRoom() { return m_gather.HasRoom() || m_gather.MakeRoom(); }
+    void FollowSize();
+    void ReadSize(int& columns, int& rows) const;
+    bool LeaveTerminal();
+
+    std::atomic<bool> m_bSizeChanged = false;
+    bool m_bTerminal = false;
+    bool m_bTitle = false;
+    bool m_bSizeNews = false;
+    unsigned m_dwObstacles = DIRECT;
+    CConsoleGather m_gather;
+    CConsoleCursor m_cursor{m_gather};
+    CConsoleColours m_colours{m_gather};
+    CConsoleFill m_fill{m_gather, m_cursor, m_colours};
+    CConsoleTitle m_title{m_gather};
+    CUtf8Decoder m_decoder;
+};
+
+// The next printable character needs nothing but its byte in the buffer and the next column.
+inline bool CConsoleOutput::IsEasy() const {
+    return (m_dwObstacles | m_cursor.Obstacles()) == 0 && m_colours.IsEasy() &&
+           m_cursor.EasyColumns() > 0 && m_gather.EasyRoom() != 0;
+}
+
+// How many of them.
+inline std::size_t CConsoleOutput::EasyRoom() const {
+    if (!IsEasy())
+        return 0;
+    const auto columns = static_cast<std::size_t>(m_cursor.EasyColumns());
+    return columns < m_gather.EasyRoom() ? columns : m_gather.EasyRoom();
+}
+
+} // namespace platform

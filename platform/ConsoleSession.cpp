@@ -1,0 +1,134 @@
+#include "platform/ConsoleSession.h"
+
+#include "platform/ConsoleSignals.h"
+
+namespace platform {
+namespace {
+
+struct ControlEvent {
+    unsigned signal;
+    DWORD event;
+};
+
+// The end of the session goes before a key.
+constexpr ControlEvent CONTROL_EVENTS[] = {
+    {SIGNAL_CLOSE, CTRL_CLOSE_EVENT},
+    {SIGNAL_SHUTDOWN, CTRL_SHUTDOWN_EVENT},
+    {SIGNAL_BREAK, CTRL_BREAK_EVENT},
+    {SIGNAL_CTRL_C, CTRL_C_EVENT},
+};
+
+} // namespace
+
+void CConsoleSession::Use(int input, int output, const char* terminalType) {
+    m_nInput = input;
+    m_nOutput = output;
+    m_input.Use(input, terminalType);
+    m_output.Use(output, terminalType);
+}
+
+void CConsoleSession::TakeOver() {
+    if (m_bTakenOver)
+        return;
+    m_bTakenOver = true;
+    m_owner.store(pthread_self());
+    consolesignals::Install(m_mode);
+    m_mode.TakeOver(m_nInput, m_nOutput, m_output.IsTerminal());
+    m_output.Begin();
+    m_mode.SetRescueOutput(m_output.IsTerminal() ? m_output.WaitDescriptor() : -1);
+    SetWaitCompanion(this);
+}
+
+void CConsoleSession::GiveBack() {
+    if (!m_bTakenOver)
+        return;
+    m_bTakenOver = false;
+    m_mode.SetRescueOutput(m_output.IsTerminal() ? m_nOutput : -1); // the other one is closed now
+    m_output.End();
+    m_mode.GiveBack();
+    m_mode.SetTitleChanged(false);
+    consolesignals::Remove();
+    SetWaitCompanion(nullptr);
+    m_owner.store(0);
+}
+
+void CConsoleSession::GiveBackAtExit() {
+    const pthread_t owner = m_owner.load();
+    if (owner == 0)
+        return;
+    if (pthread_equal(owner, pthread_self()) != 0)
+        GiveBack();
+    else
+        m_mode.Rescue();
+}
+
+void CConsoleSession::SetHandler(PHANDLER_ROUTINE handler) {
+    m_handler = handler;
+    consolesignals::NoteControlEvents(handler != nullptr);
+}
+
+void CConsoleSession::SetTitle(const char* title) {
+    m_output.SetTitle(title);
+    m_mode.SetTitleChanged(m_output.IsTitleChanged());
+}
+
+int CConsoleSession::Watch(pollfd* descriptors) {
+    int count = 0;
+    if (consolesignals::Descriptor() >= 0)
+        descriptors[count++] = {consolesignals::Descriptor(), POLLIN, 0};
+    if (m_output.IsStalled())
+        descriptors[count++] = {m_output.WaitDescriptor(), POLLOUT, 0};
+    return count;
+}
+
+void CConsoleSession::Serve(const pollfd* descriptors, int count) {
+    const int signals = consolesignals::Descriptor();
+    for (int index = 0; index < count && m_bTakenOver; ++index) {
+        if (descriptors[index].revents == 0)
+            continue;
+        if (descriptors[index].fd == signals)
+            ServeSignals();
+        else
+            m_output.ContinueAfterStall();
+    }
+}
+
+void CConsoleSession::ServeSignals() {
+    const unsigned signals = consolesignals::Take();
+    if ((signals & SIGNAL_SIZE) != 0)
+        m_output.NoteSizeChange();
+    if ((signals & SIGNAL_STOP) != 0)
+        Stop();
+    if ((signals & SIGNAL_CONTINUE) != 0)
+        Continue();
+    if (m_output.TakeSizeChange()) {
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        m_output.GetInfo(info);
+        m_input.AddSizeEvent(info.dwSize);
+    }
+    ServeControlEvents(signals);
+}
+
+void CConsoleSession::ServeControlEvents(unsigned signals) {
+    for (const ControlEvent& control : CONTROL_EVENTS) {
+        if ((signals & control.signal) == 0 || m_handler == nullptr)
+            continue;
+        m_handler(control.event);
+        m_input.AddMenuEvent();
+    }
+}
+
+void CConsoleSession::Stop() {
+    m_output.Suspend();
+    m_mode.GiveBack();
+    consolesignals::StopProcess();
+    Continue();
+}
+
+// The shell may have set the terminal up for itself meanwhile.
+void CConsoleSession::Continue() {
+    m_mode.TakeAgain();
+    m_output.Resume();
+}
+
+} // namespace platform

@@ -1,0 +1,28 @@
+// The debug-output stream, and the formatter of the diagnostics.
+//
+// The stream is the system log (facility user, level debug, ident wirelet), so that
+// `journalctl -t wirelet` shows it. With no log daemon the text goes nowhere. Any thread may call
+// these; the last error of the thread is left alone.
+#pragma once
+
+#include "platform/Types.h"
+
+#include <cstdarg>
+
+// Writes one text, whole, to the stream. A null text writes nothing. Cannot fail.
+void OutputDebugStringA(LPCSTR lpOutputString);
+
+// Formats printf-style into a buffer of nBufferSize characters, NUL included; a longer text is cut.
+// Control characters are kept. Returns the characters stored, without the NUL; 0 when the format
+// cannot be carried out (the buffer is then empty).
+int wvsprintfA(char* lpOutput, std::size_t nBufferSize, LPCSTR lpFormat, va_list arguments)
+    __attribute__((format(printf, 3, 0)));
+
+namespace platform {
+
+// A listener that takes the place of the system log, for tests. Called on the writing thread, one
+// text at a time; null gives the stream back to the system log.
+using DebugListener = void (*)(LPCSTR text);
+void SetDebugListener(DebugListener listener);
+
+} // namespace platform

@@ -1,0 +1,95 @@
+#include "platform/Wait.h"
+
+#include "platform/Error.h"
+#include "platform/HandleObject.h"
+#include "platform/WaitLoop.h"
+
+#include <array>
+
+namespace platform {
+namespace {
+
+bool CanBeWaitedFor(const CHandleObject& object) {
+    return object.WaitDescriptor() >= 0 || object.IsReady() || object.ReadyInMilliseconds() >= 0;
+}
+
+// Capacity: most waits are for a few handles, and clearing room for all 64 costs more than they do.
+template <DWORD Capacity>
+DWORD WaitForHandles(DWORD count, const HANDLE* handles, DWORD milliseconds) {
+    std::array<std::shared_ptr<CHandleObject>, Capacity> owners;
+    std::array<CHandleObject*, Capacity> objects;
+    for (DWORD index = 0; index < count; ++index) {
+        owners[index] = FindHandle(handles[index]);
+        if (!owners[index] || !CanBeWaitedFor(*owners[index])) {
+            SetInvalidHandleError();
+            return WAIT_FAILED;
+        }
+        objects[index] = owners[index].get();
+    }
+    return CWaitLoop(objects.data(), count, milliseconds, handles).Run();
+}
+
+constexpr DWORD FEW_HANDLES = 8;
+
+// The two descriptors of WaitForDescriptor as objects of one wait. The second one comes first and
+// only takes note: when both show something at once, both are reported.
+class CSecondDescriptor final : public CHandleObject {
+  public:
+    explicit CSecondDescriptor(int descriptor) : m_descriptor(descriptor) {}
+    int WaitDescriptor() const override { return m_descriptor; }
+    bool TryAcquire(short events) override {
+        m_bShown = events != 0;
+        return false;
+    }
+    bool IsShown() const { return m_bShown; }
+
+  private:
+    const int m_descriptor;
+    bool m_bShown = false;
+};
+
+class CFirstDescriptor final : public CHandleObject {
+  public:
+    CFirstDescriptor(int descriptor, short events, const CSecondDescriptor& second)
+        : m_descriptor(descriptor), m_wanted(events), m_second(second) {}
+    int WaitDescriptor() const override { return m_descriptor; }
+    short WaitEvents() const override { return m_wanted; }
+    bool TryAcquire(short events) override {
+        m_shown = events | (m_second.IsShown() ? POLLPRI : 0);
+        return m_shown != 0;
+    }
+    int Shown() const { return m_shown; }
+
+  private:
+    const int m_descriptor;
+    const short m_wanted;
+    const CSecondDescriptor& m_second;
+    int m_shown = 0;
+};
+
+} // namespace
+
+int WaitForDescriptor(int descriptor, short events, DWORD milliseconds, int descriptor2) {
+    CSecondDescriptor second(descriptor2);
+    CFirstDescriptor first(descriptor, events, second);
+    CHandleObject* const objects[] = {&second, &first};
+    const DWORD result = CWaitLoop(objects, 2, milliseconds).Run();
+    return result == WAIT_FAILED ? -1 : first.Shown();
+}
+
+} // namespace platform
+
+DWORD WaitForSingleObject(HANDLE hHandle, DWORD dwMilliseconds) {
+    return platform::WaitForHandles<1>(1, &hHandle, dwMilliseconds);
+}
+
+DWORD WaitForMultipleObjects(DWORD nCount, const HANDLE* lpHandles, BOOL bWaitAll,
+                             DWORD dwMilliseconds) {
+    if (nCount == 0 || nCount > MAXIMUM_WAIT_OBJECTS || lpHandles == nullptr || bWaitAll) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return WAIT_FAILED;
+    }
+    if (nCount <= platform::FEW_HANDLES)
+        return platform::WaitForHandles<platform::FEW_HANDLES>(nCount, lpHandles, dwMilliseconds);
+    return platform::WaitForHandles<MAXIMUM_WAIT_OBJECTS>(nCount, lpHandles, dwMilliseconds);
+}

@@ -1,0 +1,265 @@
+#include "terminal/AnsiConsole.h"
+
+#include "modem/Modem.h"
+#include "terminal/EscapeParameters.h"
+#include "terminal/GraphicRendition.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kLongestSequence = 255;
+constexpr BYTE kIntroducer = '[';
+constexpr BYTE kAbandon = '!';
+
+struct KeySequence {
+    WORD key;
+    const char* bytes;
+};
+
+constexpr std::array kKeySequences = {
+    KeySequence{VK_PRIOR, "\x1B[I"},  KeySequence{VK_NEXT, "\x1B[G"},
+    KeySequence{VK_END, "\x1B[F"},    KeySequence{VK_HOME, "\x1B[H"},
+    KeySequence{VK_LEFT, "\x1B[D"},   KeySequence{VK_UP, "\x1B[A"},
+    KeySequence{VK_RIGHT, "\x1B[C"},  KeySequence{VK_DOWN, "\x1B[B"},
+    KeySequence{VK_INSERT, "\x1B[L"}, KeySequence{VK_DELETE, "\x7F"},
+    KeySequence{VK_F1, "\x1BOP"},     KeySequence{VK_F2, "\x1BOQ"},
+    KeySequence{VK_F3, "\x1BOR"},     KeySequence{VK_F4, "\x1BOS"},
+};
+
+bool IsFinal(BYTE character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
+           character == '@';
+}
+
+} // namespace
+
+constexpr CAnsiConsole::Command CAnsiConsole::kCommands[] = {
+    {'@', &CAnsiConsole::InsertChar},
+    {'A', &CAnsiConsole::MoveUp},
+    {'B', &CAnsiConsole::MoveDown},
+    {'C', &CAnsiConsole::MoveForward},
+    {'D', &CAnsiConsole::MoveBack},
+    {'E', &CAnsiConsole::MoveToNextLines},
+    {'F', &CAnsiConsole::MoveTo},
+    {'H', &CAnsiConsole::MoveTo},
+    {'J', &CAnsiConsole::EraseInScreen},
+    {'K', &CAnsiConsole::EraseInLine},
+    {'L', &CAnsiConsole::InsertLine},
+    {'M', &CAnsiConsole::DeleteLine},
+    {'P', &CAnsiConsole::DeleteChar},
+    {'S', &CAnsiConsole::ScrollOneUp},
+    {'T', &CAnsiConsole::ScrollOneDown},
+    {'U', &CAnsiConsole::ClearScreen},
+    {'Z', &CAnsiConsole::DoNothing},
+    {'f', &CAnsiConsole::MoveTo},
+    {'m', &CAnsiConsole::SelectGraphicRendition},
+    {'n', &CAnsiConsole::ReportStatus},
+    {'r', &CAnsiConsole::SelectScrollRegion},
+    {'s', &CAnsiConsole::SaveCursor},
+    {'u', &CAnsiConsole::RestoreCursor},
+};
+
+// The commands by their final character, so that a sequence costs no search.
+constexpr decltype(CAnsiConsole::kActions) CAnsiConsole::kActions = [] {
+    std::array<Action, kLastFinal - kFirstFinal + 1> actions{};
+    for (const Command& command : kCommands)
+        actions[static_cast<std::size_t>(command.finalCharacter - kFirstFinal)] = command.action;
+    return actions;
+}();
+
+void CAnsiConsole::Collect(BYTE character) {
+    if (character == kEscape)
+        return BeginSequence();
+    if (m_nEscapeLength == 0 && character != kIntroducer)
+        return ShowAsText(character);
+    if (m_nEscapeLength >= kLongestSequence) {
+        BeginSequence();
+        m_bInEscape = FALSE;
+        return;
+    }
+    m_szEscape[m_nEscapeLength++] = static_cast<char>(character);
+    if (IsFinal(character)) {
+        m_szEscape[m_nEscapeLength] = '\0';
+        // Cleared first: what the sequence itself puts on the screen is shown and not collected.
+        m_bInEscape = FALSE;
+        ProcessEscape(character);
+    } else if (character == kAbandon) {
+        m_bInEscape = FALSE;
+    }
+}
+
+void CAnsiConsole::BeginSequence() {
+    m_bInEscape = TRUE;
+    m_nEscapeLength = 0;
+    m_szEscape[0] = '\0';
+}
+
+void CAnsiConsole::ShowAsText(BYTE character) {
+    m_bInEscape = FALSE;
+    CConsoleScreen::PutChar(kEscape);
+    CConsoleScreen::PutChar(character);
+}
+
+BOOL CAnsiConsole::ProcessEscape(BYTE finalCharacter) {
+    if (finalCharacter < kFirstFinal || finalCharacter > kLastFinal)
+        return FALSE;
+    const Action action = kActions[static_cast<std::size_t>(finalCharacter - kFirstFinal)];
+    if (!action)
+        return FALSE;
+    (this->*action)();
+    return TRUE;
+}
+
+// What stands between '[' and the final character, up to a NUL among it.
+std::string_view CAnsiConsole::ParameterText() const {
+    if (m_nEscapeLength < 2)
+        return {};
+    const char* text = m_szEscape.data() + 1;
+    return {text, strnlen(text, m_nEscapeLength - 2)};
+}
+
+int CAnsiConsole::Count() const {
+    return CEscapeParameters::Value(ParameterText()).value_or(1);
+}
+
+void CAnsiConsole::ReadTwo(int& first, int& second) const {
+    CEscapeParameters parameters(ParameterText());
+    const std::optional<int> firstValue = parameters.Next();
+    if (!firstValue)
+        return;
+    first = *firstValue;
+    second = parameters.Next().value_or(second);
+}
+
+void CAnsiConsole::MoveUp() {
+    CursorUp(Count());
+}
+
+void CAnsiConsole::MoveDown() {
+    CursorDown(Count());
+}
+
+void CAnsiConsole::MoveForward() {
+    CursorForward(Count());
+}
+
+void CAnsiConsole::MoveBack() {
+    CursorBack(Count());
+}
+
+void CAnsiConsole::MoveToNextLines() {
+    for (int left = Count(); left > 0; --left)
+        NewLine();
+}
+
+void CAnsiConsole::MoveTo() {
+    int row = 1;
+    int column = 1;
+    ReadTwo(row, column);
+    SetCursorPosition(row - 1, column - 1);
+}
+
+void CAnsiConsole::EraseInScreen() {
+    if (FirstParameterCharacter() == '1')
+        return EraseToScreenStart();
+    if (FirstParameterCharacter() == '2')
+        return ClearScreen();
+    EraseToScreenEnd();
+}
+
+void CAnsiConsole::EraseInLine() {
+    if (FirstParameterCharacter() == '1')
+        return EraseToLineStart();
+    if (FirstParameterCharacter() == '2')
+        return EraseWholeLine();
+    EraseToLineEnd();
+}
+
+void CAnsiConsole::EraseWholeLine() {
+    int column;
+    int row;
+    GetCursor(column, row);
+    SetCursorPosition(row, 0);
+    EraseToLineEnd();
+    SetCursorPosition(row, column);
+}
+
+void CAnsiConsole::ScrollOneUp() {
+    ScrollUp(1);
+}
+
+void CAnsiConsole::ScrollOneDown() {
+    ScrollDown(1);
+}
+
+void CAnsiConsole::DoNothing() {}
+
+void CAnsiConsole::SelectGraphicRendition() {
+    if (FirstParameterCharacter() == 'm') {
+        SetColors(m_nDefaultForeground, m_nDefaultBackground);
+        SetAttributeFlags(0);
+        return;
+    }
+    CEscapeParameters parameters(ParameterText());
+    while (const std::optional<int> parameter = parameters.Next()) {
+        const GraphicRendition rendition = ApplyGraphicRendition(
+            *parameter, {m_byAttribute & 0x0F, m_byAttribute >> 4, GetAttributeFlags()});
+        SetColors(rendition.foreground, rendition.background);
+        SetAttributeFlags(rendition.flags);
+    }
+}
+
+void CAnsiConsole::ReportStatus() {
+    if (FirstParameterCharacter() == '6')
+        ReportCursor();
+}
+
+// A report that does not fit into the transmit buffer is dropped: a device that goes on asking and
+// never reads must not stop the terminal.
+void CAnsiConsole::ReportCursor() {
+    if (!m_pModem)
+        return;
+    int column;
+    int row;
+    GetCursor(column, row);
+    std::array<char, 32> report;
+    const int length =
+        std::snprintf(report.data(), report.size(), "\x1B[%d;%dR", row + 1, column + 1);
+    if (m_pModem->GetWriteRoom() >= static_cast<DWORD>(length))
+        m_pModem->SendString(report.data());
+}
+
+void CAnsiConsole::SelectScrollRegion() {
+    constexpr int kLastBottom = 24;
+    int top = 1;
+    int bottom = kLastBottom;
+    ReadTwo(top, bottom);
+    top = top == 1 ? 1 : top - 1;
+    bottom = bottom == 1 ? kLastBottom : bottom - 1;
+    if (bottom > kLastBottom || bottom <= top)
+        return;
+    SetScrollRegion(top, 0, bottom, 0);
+}
+
+void CAnsiConsole::SaveCursor() {
+    int row;
+    GetCursor(m_nSavedColumn, row);
+    m_nSavedRow = row - m_nTopRow;
+}
+
+void CAnsiConsole::RestoreCursor() {
+    SetCursorPosition(m_nSavedRow, m_nSavedColumn);
+}
+
+BOOL CAnsiConsole::OnKey(DWORD key, BYTE*) {
+    const WORD code = static_cast<WORD>(key & 0xFFFF);
+    for (const KeySequence& row : kKeySequences) {
+        if (row.key != code || !m_pModem)
+            continue;
+        m_pModem->SendString(row.bytes);
+        break;
+    }
+    return FALSE;
+}

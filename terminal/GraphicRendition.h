@@ -1,0 +1,14 @@
+// What the parameters of the sequence ESC [ ... m do to colours and attribute flags. Pure; any
+// thread.
+#pragma once
+
+#include "platform/Types.h"
+
+struct GraphicRendition {
+    int foreground; // console colour, 0 to 15
+    int background;
+    WORD flags; // ATTR_ bits of terminal/ConsoleScreen.h
+};
+
+// The rendition after one parameter; values that mean nothing here change nothing.
+GraphicRendition ApplyGraphicRendition(int parameter, GraphicRendition rendition);

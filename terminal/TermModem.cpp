@@ -1,0 +1,64 @@
+#include "terminal/TermModem.h"
+
+#include "CORE/VXSerial/Lib/ISerial.h"
+#include "platform/Clock.h"
+#include "platform/Wait.h"
+
+#include <array>
+#include <cstring>
+
+namespace {
+
+constexpr DWORD kAttemptTime = 10000;
+constexpr int kAttempts = 3;
+constexpr DWORD kGatherSize = 1024;
+
+bool HoldsFinalResult(const char* text) {
+    return std::strstr(text, "\r\nOK\r\n") || std::strstr(text, "\r\nERROR\r\n");
+}
+
+} // namespace
+
+BOOL CTermModem::SendLineWaitFinal(const std::string& command, std::string& response) {
+    response.clear();
+
+    const DWORD delay = GetPacingDelay();
+    if (delay != 0)
+        Sleep(delay);
+
+    for (int attempt = 0; attempt < kAttempts && !IsDeviceGone(); ++attempt) {
+        if (m_pSerial) {
+            m_pSerial->Flush(_QUE_RX);
+            m_pSerial->Flush(_QUE_TX);
+        }
+        SendCommand(command.c_str());
+        if (WaitForFinalResult(response, kAttemptTime))
+            return TRUE;
+    }
+    return FALSE;
+}
+
+BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) {
+    if (!m_pSerial)
+        return FALSE;
+
+    const CDeadline deadline(dwTimeAllowed);
+    std::array<char, kGatherSize> gathered;
+    DWORD count = 0;
+    do {
+        const DWORD arrived =
+            m_pSerial->Read(gathered.data() + count, kGatherSize - 1 - count);
+        if (arrived == 0)
+            continue;
+        count += arrived;
+        gathered[count] = '\0';
+        response = gathered.data();
+        m_dwLastResponse = GetTickCount();
+        if (HoldsFinalResult(gathered.data()))
+            return TRUE;
+        if (count == kGatherSize - 1)
+            // Nothing can be read any more, so bytes that wait must not end the wait.
+            WaitWithoutReading(deadline);
+    } while (WaitForBytes(deadline));
+    return FALSE;
+}

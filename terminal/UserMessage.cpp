@@ -1,0 +1,76 @@
+#include "terminal/UserMessage.h"
+
+#include "platform/Error.h"
+#include "terminal/Console.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+
+namespace {
+
+struct ErrorText {
+    DWORD error;
+    const char* text;
+};
+
+constexpr std::array kErrorTexts = {
+    ErrorText{ERROR_FILE_NOT_FOUND, "there is no such file"},
+    ErrorText{ERROR_PATH_NOT_FOUND, "there is no such folder"},
+    ErrorText{ERROR_ACCESS_DENIED, "access is denied"},
+    ErrorText{ERROR_NOT_ENOUGH_MEMORY, "a line is too long"},
+    ErrorText{ERROR_WRITE_FAULT, "the system refused the bytes"},
+    ErrorText{ERROR_READ_FAULT, "the system could not read it"},
+    ErrorText{ERROR_SHARING_VIOLATION, "another program has it open"},
+    ErrorText{ERROR_DISK_FULL, "the disk is full"},
+};
+
+std::string Format(const char* format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
+
+// Standard error may be the user's terminal: a name that holds control characters must not act there.
+void WriteToStandardError(std::string text) {
+    for (char& letter : text)
+        if (letter != '\n' && (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F))
+            letter = '?';
+    std::fputs(text.c_str(), stderr);
+}
+
+} // namespace
+
+void ShowUser(CConsole& console, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string text = Format(format, arguments);
+    va_end(arguments);
+    console.WriteText(text.data(), static_cast<DWORD>(text.size()));
+}
+
+void TellUser(CConsole& console, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string text = Format(format, arguments);
+    va_end(arguments);
+
+    if (!console.WriteText(text.data(), static_cast<DWORD>(text.size())))
+        WriteToStandardError(text);
+}
+
+void TellDeviceGone(CConsole& console, const std::string& deviceName) {
+    TellUser(console, "\nThe device %s is gone: unplugged, or its other end was closed.\n",
+             deviceName.c_str());
+}
+
+const char* DescribeError(DWORD error) {
+    for (const ErrorText& row : kErrorTexts)
+        if (row.error == error)
+            return row.text;
+    return "the system gave no reason";
+}

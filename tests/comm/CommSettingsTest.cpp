@@ -1,0 +1,155 @@
+#include "platform/CommSettings.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+DCB MakeDcb(DWORD speed, int byteSize, int parity, int stopBits) {
+    DCB dcb{};
+    dcb.BaudRate = speed;
+    dcb.fRtsControl = RTS_CONTROL_ENABLE;
+    dcb.ByteSize = static_cast<BYTE>(byteSize);
+    dcb.Parity = static_cast<BYTE>(parity);
+    dcb.StopBits = static_cast<BYTE>(stopBits);
+    return dcb;
+}
+
+termios2 MakeSettings(const DCB& dcb) {
+    termios2 settings{};
+    EXPECT_TRUE(platform::ApplyDcb(dcb, settings));
+    return settings;
+}
+
+const DCB PLAIN = MakeDcb(9600, 8, NOPARITY, ONESTOPBIT);
+
+} // namespace
+
+TEST(CommSettings, EveryFormatGoesBothWays) {
+    for (int byteSize = 5; byteSize <= 8; ++byteSize) {
+        for (int parity = NOPARITY; parity <= SPACEPARITY; ++parity) {
+            for (const BYTE stopBits : {ONESTOPBIT, byteSize == 5 ? ONE5STOPBITS : TWOSTOPBITS}) {
+                const DCB back = platform::DcbOfSettings(
+                    MakeSettings(MakeDcb(12345, byteSize, parity, stopBits)));
+                EXPECT_EQ(back.ByteSize, byteSize);
+                EXPECT_EQ(back.Parity, parity);
+                EXPECT_EQ(back.StopBits, stopBits);
+                EXPECT_EQ(back.BaudRate, 12345u);
+            }
+        }
+    }
+}
+
+TEST(CommSettings, KernelFlagsOfTheFormats) {
+    struct {
+        DCB dcb;
+        tcflag_t flags;
+    } const cases[] = {
+        {MakeDcb(250000, 8, NOPARITY, ONESTOPBIT), CS8},
+        {MakeDcb(250000, 7, EVENPARITY, ONESTOPBIT), CS7 | PARENB},
+        {MakeDcb(250000, 7, ODDPARITY, TWOSTOPBITS), CS7 | PARENB | PARODD | CSTOPB},
+        {MakeDcb(250000, 6, MARKPARITY, ONESTOPBIT), CS6 | PARENB | PARODD | CMSPAR},
+        {MakeDcb(250000, 5, SPACEPARITY, ONE5STOPBITS), CS5 | PARENB | CMSPAR | CSTOPB},
+    };
+    for (const auto& row : cases) {
+        const termios2 settings = MakeSettings(row.dcb);
+        EXPECT_EQ(settings.c_cflag, row.flags | BOTHER);
+        EXPECT_EQ(settings.c_ospeed, 250000u);
+        EXPECT_EQ(settings.c_ispeed, 250000u);
+    }
+}
+
+TEST(CommSettings, FormatReplacesTheFormerOneAndNothingElse) {
+    termios2 settings{};
+    settings.c_cflag = CS5 | CSTOPB | PARENB | PARODD | CMSPAR | CRTSCTS | B1200 | HUPCL | CREAD;
+    settings.c_iflag = IXON | IXOFF | IGNBRK;
+    ASSERT_TRUE(platform::ApplyDcb(PLAIN, settings));
+    EXPECT_EQ(settings.c_cflag, tcflag_t{CS8 | BOTHER | HUPCL | CREAD});
+    EXPECT_EQ(settings.c_iflag, tcflag_t{IGNBRK});
+}
+
+TEST(CommSettings, FlowControlGoesBothWays) {
+    DCB dcb = PLAIN;
+    dcb.fOutX = dcb.fInX = 1;
+    dcb.fOutxCtsFlow = 1;
+    dcb.fRtsControl = RTS_CONTROL_HANDSHAKE;
+    const termios2 settings = MakeSettings(dcb);
+    EXPECT_EQ(settings.c_iflag, tcflag_t{IXON | IXOFF});
+    EXPECT_TRUE(settings.c_cflag & CRTSCTS);
+    EXPECT_EQ(settings.c_cc[VSTART], 0x11); // no character was named
+    EXPECT_EQ(settings.c_cc[VSTOP], 0x13);
+    const DCB back = platform::DcbOfSettings(settings);
+    EXPECT_TRUE(back.fOutX && back.fInX && back.fOutxCtsFlow);
+    EXPECT_EQ(back.fRtsControl, RTS_CONTROL_HANDSHAKE);
+    EXPECT_EQ(platform::DcbOfSettings(MakeSettings(PLAIN)).fRtsControl, RTS_CONTROL_ENABLE);
+}
+
+TEST(CommSettings, WhatTheKernelCannotDoIsRefused) {
+    DCB cases[] = {
+        MakeDcb(0, 8, NOPARITY, ONESTOPBIT),
+        MakeDcb(9600, 4, NOPARITY, ONESTOPBIT),
+        MakeDcb(9600, 9, NOPARITY, ONESTOPBIT),
+        MakeDcb(9600, 8, SPACEPARITY + 1, ONESTOPBIT),
+        MakeDcb(9600, 8, NOPARITY, ONE5STOPBITS),
+        MakeDcb(9600, 5, NOPARITY, TWOSTOPBITS),
+        MakeDcb(9600, 8, NOPARITY, TWOSTOPBITS + 1),
+        PLAIN,
+        PLAIN,
+        PLAIN,
+        PLAIN,
+    };
+    cases[7].fOutxDsrFlow = 1;
+    cases[8].fOutxCtsFlow = 1;                    // without RTS
+    cases[9].fRtsControl = RTS_CONTROL_HANDSHAKE; // without CTS
+    cases[10].fDtrControl = 2;
+    for (const DCB& dcb : cases) {
+        termios2 settings{};
+        settings.c_cflag = CS7;
+        EXPECT_FALSE(platform::ApplyDcb(dcb, settings)) << &dcb - cases;
+        EXPECT_EQ(settings.c_cflag, tcflag_t{CS7});
+    }
+}
+
+TEST(CommSettings, OpeningKeepsOnlyChosenSoftwareFlowControl) {
+    termios2 settings{};
+    settings.c_iflag = IXON | IXOFF | IXANY | ICRNL | ISTRIP | INPCK | PARMRK;
+    settings.c_oflag = OPOST;
+    settings.c_cflag = CS7 | PARENB | CRTSCTS | B2400;
+    settings.c_lflag = ECHO;
+    termios2 chosen = settings;
+    platform::MakeRaw(chosen);
+    EXPECT_EQ(chosen.c_iflag, tcflag_t{IXON | IXOFF | IGNBRK});
+    EXPECT_EQ(chosen.c_oflag | chosen.c_lflag, 0u);
+    EXPECT_EQ(chosen.c_cflag, settings.c_cflag | CLOCAL | CREAD);
+    EXPECT_EQ(chosen.c_cc[VMIN], 1);
+
+    settings.c_lflag |= ICANON;
+    platform::MakeRaw(settings);
+    EXPECT_EQ(settings.c_iflag, tcflag_t{IGNBRK});
+}
+
+TEST(CommSettings, ReplacedSettingsAreNoticed) {
+    const termios2 asked = MakeSettings(MakeDcb(100000, 7, MARKPARITY, TWOSTOPBITS));
+    const auto isTaken = [&](speed_t speed, tcflag_t toggled, bool pseudoTerminal) {
+        termios2 inPlace = asked;
+        inPlace.c_ospeed = speed;
+        inPlace.c_cflag ^= toggled;
+        return platform::AreSettingsTaken(asked, inPlace, pseudoTerminal);
+    };
+    EXPECT_TRUE(isTaken(103000, 0, false));
+    EXPECT_TRUE(isTaken(97000, 0, false));
+    EXPECT_FALSE(isTaken(103001, 0, false));
+    EXPECT_FALSE(isTaken(96999, 0, true));
+    EXPECT_FALSE(isTaken(9600, 0, false));
+    for (tcflag_t flag :
+         {tcflag_t{CMSPAR}, tcflag_t{PARENB}, tcflag_t{CSTOPB}, tcflag_t{CS6 ^ CS7}}) {
+        EXPECT_FALSE(isTaken(100000, flag, false)) << flag;
+        EXPECT_TRUE(isTaken(100000, flag, true)) << flag;
+    }
+    EXPECT_FALSE(isTaken(100000, CRTSCTS, true));
+
+    // The kind of parity is of no consequence where there is none.
+    const termios2 plain = MakeSettings(PLAIN);
+    termios2 inPlace = plain;
+    inPlace.c_cflag |= PARODD;
+    EXPECT_TRUE(platform::AreSettingsTaken(plain, inPlace, false));
+}

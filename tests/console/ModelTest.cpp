@@ -1,0 +1,126 @@
+// The cursor as the console has it against the cursor that a terminal has, over random output.
+#include "tests/console/Terminal.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace platform;
+
+namespace {
+
+class CRandomOutput {
+  public:
+    CRandomOutput(Console& console, unsigned seed, bool wide)
+        : m_output(console.output), m_random(seed), m_bWide(wide) {
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        m_output.GetInfo(info);
+        m_nColumns = info.dwSize.X;
+        m_nRows = info.dwSize.Y;
+    }
+
+    void Step() {
+        static constexpr std::string_view PIECES[] = {
+            "a",    "\r",        "\n",       "\r\n",     "\b",
+            "\t",   "\x1b",      "\x01",     "\xC3\xA9", "\xE2\x94\x80",
+            "\xFF", "e\xCC\x81", "\xE2\x82", "\b\b",     "hello world"};
+        static constexpr std::string_view WIDE[] = {"\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
+        const int choice = Below(24);
+        if (choice < 15)
+            Write(m_output, PIECES[choice]);
+        else if (choice < 17)
+            m_bWide ? Write(m_output, WIDE[choice - 15]) : Write(m_output, "x");
+        else if (choice < 18)
+            Write(m_output, std::string(static_cast<std::size_t>(Below(2 * m_nColumns)), 'm'));
+        else if (choice < 20)
+            m_output.SetPosition(
+                {static_cast<SHORT>(Below(m_nColumns)), static_cast<SHORT>(Below(m_nRows))});
+        else if (choice < 22)
+            m_output.SetAttribute(static_cast<std::uint8_t>(Below(3) == 0 ? 0x07 : Below(256)));
+        else
+            Fill();
+    }
+
+    int Below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
+
+  private:
+    void Fill() {
+        static constexpr std::uint8_t ATTRIBUTES[] = {0x07, 0x07, 0x1E};
+        const int cells = m_nColumns * m_nRows;
+        const COORD cursor = CursorOf(m_output);
+        const bool here = Below(2) == 0;
+        const int column = here ? cursor.X : Below(m_nColumns);
+        const int row = here ? cursor.Y : Below(m_nRows);
+        const int count = Below(8) == 0 ? cells : Below(m_nColumns + 3);
+        if (count == cells)
+            FillCells(m_output, 0, 0, cells, ATTRIBUTES[Below(3)]);
+        else
+            FillCells(m_output, column, row, count, ATTRIBUTES[Below(3)],
+                      Below(4) == 0 ? '#' : ' ');
+    }
+
+    CConsoleOutput& m_output;
+    std::mt19937 m_random;
+    bool m_bWide;
+    int m_nColumns;
+    int m_nRows;
+};
+
+struct Size {
+    int columns;
+    int rows;
+};
+constexpr Size SIZES[] = {{20, 6}, {7, 3}, {2, 2}, {33, 1}, {80, 25}, {1, 4}};
+
+std::vector<std::string> Everything(const Console& console, int rows) {
+    std::vector<std::string> text = console.terminal.Scrollback();
+    for (int row = 0; row < rows; ++row)
+        text.push_back(console.terminal.Row(row));
+    return text;
+}
+
+} // namespace
+
+TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
+    constexpr int STEPS = 30'000;
+    for (const Size& size : SIZES) {
+        Console console(size.columns, size.rows);
+        console.Clear();
+        CRandomOutput random(console, static_cast<unsigned>(size.columns), true);
+        for (int step = 0; step < STEPS; ++step) {
+            random.Step();
+            if (random.Below(4) != 0)
+                continue;
+            console.Show();
+            const COORD cursor = CursorOf(console.output);
+            ASSERT_EQ(console.terminal.CursorColumn(), cursor.X)
+                << size.columns << " columns, step " << step;
+            ASSERT_EQ(console.terminal.CursorRow(), cursor.Y)
+                << size.columns << " columns, step " << step;
+        }
+    }
+}
+
+// When output leaves must not change what is seen.
+TEST(ConsoleModel, ItIsTheSameInOnePieceAndInMany) {
+    constexpr int STEPS = 2'000;
+    for (const Size& size : SIZES) {
+        Console whole(size.columns, size.rows);
+        Console pieces(size.columns, size.rows);
+        whole.Clear();
+        pieces.Clear();
+        CRandomOutput first(whole, 11, false);
+        CRandomOutput second(pieces, 11, false);
+        for (int step = 0; step < STEPS; ++step) {
+            first.Step();
+            second.Step();
+            pieces.Show();
+            if (step % 100 == 0)
+                whole.Show();
+        }
+        whole.Show();
+        EXPECT_EQ(Everything(whole, size.rows), Everything(pieces, size.rows))
+            << size.columns << " columns";
+        EXPECT_EQ(whole.terminal.CursorColumn(), pieces.terminal.CursorColumn());
+    }
+}

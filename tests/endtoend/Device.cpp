@@ -1,0 +1,40 @@
+#include "tests/endtoend/Device.h"
+
+#include <poll.h>
+
+namespace {
+
+// An echoing device has little memory.
+constexpr std::size_t kEchoMemory = 4096;
+
+} // namespace
+
+CDevice::CDevice() {
+    termios raw = m_line.GetSettings();
+    cfmakeraw(&raw);
+    m_line.ApplySettings(raw);
+}
+
+short CDevice::GetEvents() const {
+    const bool reads = m_nReadLimit != 0 && (!m_bEcho || m_toSend.size() < kEchoMemory);
+    const bool writes = !m_toSend.empty() || !m_endless.empty();
+    return static_cast<short>((reads ? POLLIN : 0) | (writes ? POLLOUT : 0));
+}
+
+void CDevice::OnReady(short events) {
+    if (events & POLLOUT) {
+        if (m_toSend.empty())
+            m_toSend = m_endless;
+        const std::size_t waiting = m_toSend.size();
+        m_line.Write(m_toSend);
+        m_nSent += waiting - m_toSend.size();
+    }
+    if (!(events & POLLIN))
+        return;
+    const std::string bytes = m_line.Read(m_nReadLimit);
+    m_received += bytes;
+    if (m_bEcho)
+        m_toSend += bytes;
+    if (m_nReadLimit != kNoLimit)
+        usleep(500);
+}

@@ -1,0 +1,44 @@
+// A serial device that the test itself plays: the master side of a raw pseudo-terminal.
+#pragma once
+
+#include "tests/endtoend/PseudoTerminal.h"
+#include "tests/endtoend/Pump.h"
+
+class CDevice : public IPollable {
+  public:
+    CDevice();
+
+    void Send(std::string_view bytes) { m_toSend += bytes; }
+    bool IsAllSent() const { return m_toSend.empty(); }
+    // Sends this text over and over, from now on.
+    void SendEndlessly(std::string text) { m_endless = std::move(text); }
+    std::size_t GetSentCount() const { return m_nSent; }
+
+    // Sends back what it gets, and takes no more while that is held up.
+    void SetEcho(bool echo) { m_bEcho = echo; }
+    // Takes at most this many bytes, then sleeps a little; 0 takes none.
+    void SetReadLimit(std::size_t limit) { m_nReadLimit = limit; }
+
+    // Everything received and not yet taken by a test.
+    std::string& GetReceived() { return m_received; }
+    // Unplugs the device.
+    void Vanish() { m_line.CloseMaster(); }
+
+    CPseudoTerminal& GetLine() { return m_line; }
+    const std::string& GetPath() const { return m_line.GetPath(); }
+
+    int GetDescriptor() const override { return m_line.GetMaster(); }
+    short GetEvents() const override;
+    void OnReady(short events) override;
+
+  private:
+    static constexpr std::size_t kNoLimit = 65536;
+
+    CPseudoTerminal m_line;
+    std::string m_toSend;
+    std::string m_endless;
+    std::string m_received;
+    std::size_t m_nSent = 0;
+    std::size_t m_nReadLimit = kNoLimit;
+    bool m_bEcho = false;
+};

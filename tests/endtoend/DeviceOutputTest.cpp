@@ -1,0 +1,217 @@
+// What the device sends, as the user sees it.
+#include "tests/endtoend/SessionTest.h"
+
+#include <algorithm>
+#include <random>
+
+class CDeviceOutputTest : public CSessionTest {
+  protected:
+    // The cursor position report, which must be where the terminal's cursor really is.
+    std::string AskPosition() {
+        std::string& received = m_device.GetReceived();
+        received.clear();
+        m_device.Send("\x1B[6n");
+        EXPECT_TRUE(Fulfils("a position report", [&] { return received.ends_with('R'); }));
+        const std::string report = received;
+        received.clear();
+        EXPECT_TRUE(Fulfils("the cursor where it is reported", [&] {
+            const VTermPos cursor = Screen().GetCursor();
+            return report == "\x1B[" + std::to_string(cursor.row + 1) + ';' +
+                                 std::to_string(cursor.col + 1) + 'R';
+        })) << ::testing::PrintToString(report);
+        return report.size() > 3 ? report.substr(2, report.size() - 3) : report;
+    }
+
+    // A colour of the 16 by its ANSI number; -1 for the terminal's own default.
+    static int GetColour(const VTermColor& colour) {
+        if (colour.type & VTERM_COLOR_DEFAULT_MASK)
+            return -1;
+        return VTERM_COLOR_IS_INDEXED(&colour) ? colour.indexed.idx : -2;
+    }
+    std::pair<int, int> GetColours(int row, int column) {
+        const VTermScreenCell cell = Screen().GetCell(row, column);
+        return {GetColour(cell.fg), GetColour(cell.bg)};
+    }
+};
+
+namespace {
+
+// Where the first C1 control or invalid UTF-8 begins; npos when there is none.
+std::size_t FindHostileByte(const std::string& output) {
+    for (std::size_t place = 0; place < output.size();) {
+        const auto byte = static_cast<unsigned char>(output[place]);
+        const std::size_t length = byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+        if ((byte >= 0x80 && byte < 0xC2) || place + length > output.size())
+            return place;
+        for (std::size_t index = 1; index < length; ++index)
+            if ((output[place + index] & 0xC0) != 0x80)
+                return place;
+        if (byte == 0xC2 && static_cast<unsigned char>(output[place + 1]) < 0xA0)
+            return place;
+        place += length;
+    }
+    return std::string::npos;
+}
+
+} // namespace
+
+TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
+    StartInteractive();
+    m_device.Send("left over\x1B[2J\x1B[5;10Hhere\x1B[1;33;44mhot\x1B[m cold\x1B[8;1H");
+    m_device.Send("\x1B[7mreverse\x1B[0m\x1B[10;1Habc\x1B[100CX\x1B[3DY\x1B[s");
+    // Each part of a sequence in a write of its own.
+    for (const char* part : {"\x1B", "[", "1", "2", ";", "3", "H", "split"}) {
+        m_device.Send(part);
+        ASSERT_TRUE(m_pump.RunUntil([&] { return m_device.IsAllSent(); }));
+    }
+    m_device.Send("\x1B[uZ\x1B[?25h\x1B[14;1H\x1Bx\x1BH\x1B[15;1Hcut here\x1B[15;4H\x1B[Kend");
+
+    ASSERT_TRUE(ShowsInRow(14, "cutend"));
+    EXPECT_EQ(Screen().GetText(), "\n\n\n\n         herehot cold\n\n\nreverse\n\nabc YZ\n\n"
+                                  "  split\n\n\u2190x\u2190H\ncutend");
+    EXPECT_EQ(GetColours(4, 12), std::make_pair(-1, -1));
+    EXPECT_EQ(GetColours(4, 13), std::make_pair(11, 4));
+    EXPECT_EQ(GetColours(4, 17), std::make_pair(-1, -1));
+    EXPECT_EQ(GetColours(7, 0), std::make_pair(8, 7));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CDeviceOutputTest, KnowsWhereTheCursorIs) {
+    StartInteractive();
+    const struct {
+        std::string text;
+        const char* position;
+    } rows[] = {
+        {"\x1B[2J\x1B[H", "1;1"},
+        {"\u6F22\u5B57", "1;5"},                             // two columns each
+        {"e\u0301", "1;6"},                                  // a combining accent takes none
+        {"\x1B[3;1H" + std::string(79, 'x'), "3;80"},        //
+        {"x", "3;80"},                                       // the wrap is pending
+        {"y", "4;2"},                                        //
+        {"\x1B[5;1H" + std::string(80, 'x') + '\b', "5;79"}, //
+        {"\x1B[5;1H" + std::string(80, 'x') + "\r", "5;1"},  //
+        {"\x1B[5;1H" + std::string(80, 'x') + "\n", "6;1"},  //
+        {"\x1B[7;80H\u6F22", "8;3"},                         // no room for its right half
+        {"\x1B[9;1H\ta\t", "9;17"},                          //
+        {"\x1B[9;79H\t\t", "9;80"},                          //
+        {"\x1B[10;1H\xF0\x9F\x99\x82", "10;3"},              //
+        {"\x1B[11;1H\xFF\xC3(\x80", "11;5"},                 // invalid bytes, one column each
+        {"\x1B[24;5Hx\n", "24;1"},                           // scrolls
+        {"\x1B[24;1H" + std::string(200, 'w'), "24;40"},     //
+        {"\x1B[99;99H", "24;80"},                            //
+    };
+    for (const auto& row : rows) {
+        m_device.Send(row.text);
+        EXPECT_EQ(AskPosition(), row.position) << ::testing::PrintToString(row.text);
+    }
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
+    StartInteractive();
+    std::string hostile;
+    for (int byte = 0; byte < 256; ++byte)
+        hostile += static_cast<char>(byte);
+    for (int control = 0x80; control < 0xA0; ++control)
+        hostile += {'\xC2', static_cast<char>(control)};
+    for (const char* text : {"\x1B]0;stolen\x07",
+                             "\x1B]2;stolen\x1B\\",
+                             "\x9D"
+                             "2;stolen\x9C",
+                             "\xC2\x9D"
+                             "2;stolen\x07",
+                             "\x1BP$q\"p\x1B\\",
+                             "\x1B[c",
+                             "\x1B[>c",
+                             "\x1B[5n",
+                             "\x9B"
+                             "6n",
+                             "\xC2\x9B"
+                             "6n",
+                             "\x1BZ",
+                             "\x1B[?1049h",
+                             "\x1B[?1000h",
+                             "\x1B[?5h",
+                             "\x1B[?25l",
+                             "\x1B[21t",
+                             "\x1B(0",
+                             "\x1B#8",
+                             "\x1B"
+                             "c",
+                             "\x1BN",
+                             "\x0E",
+                             "\x1B[4h",
+                             "\x1B[!p",
+                             "\x1B^pm\x1B\\",
+                             "\x1B_apc\x1B\\",
+                             "\xE2\x82",
+                             "\xF4\x90\x80\x80",
+                             "\xED\xA0\x80",
+                             "\xC0\x9B",
+                             "\xF0\x80\x80\x9B"})
+        hostile += text;
+    std::mt19937 random(1);
+    for (int index = 0; index < 200000; ++index)
+        hostile += static_cast<char>(random());
+    m_device.Send(hostile + "!\x1B[m\x1B[2J\x1B[H\x01\x0F\x1B*\x7Fsane");
+
+    ASSERT_TRUE(ShowsInRow(0, "\u263A\u263C\u2190*\u2302sane"));
+    EXPECT_EQ(Screen().GetTitle(), "Corvane - " + m_device.GetPath());
+    EXPECT_EQ(FindHostileByte(m_terminal.GetOutput()), std::string::npos);
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {
+    StartInteractive();
+    m_device.Send(std::string(10 << 20, '\x1B') + "[2J\x1B[Hafter the escapes");
+    ASSERT_TRUE(ShowsInRow(0, "after the escapes"));
+
+    std::string colours;
+    for (int index = 0; index < 20000; ++index)
+        colours +=
+            "\x1B[1;3" + std::to_string(index % 8) + ";4" + std::to_string(index / 8 % 8) + 'm';
+    m_device.Send(colours + "\x1B[" + std::string(100000, '9') +
+                  "\x1B[0m\x1B[2J\x1B[Hafter the rest");
+    ASSERT_TRUE(ShowsInRow(0, "after the rest"));
+
+    m_device.SendEndlessly("no line end ");
+    ASSERT_TRUE(m_pump.RunUntil([this] { return m_device.GetSentCount() > (11 << 20); }));
+    Type("key");
+    ASSERT_TRUE(DeviceGets("key"));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CDeviceOutputTest, LosesNothingOnATerminalThatHoldsBack) {
+    constexpr int kLines = 20000;
+    StartInteractive();
+    m_terminal.SetReading(false);
+    std::string lines;
+    for (int line = 0; line < kLines; ++line)
+        lines += "line " + std::to_string(line) + "\r\n";
+    m_device.Send(lines + "the end");
+    // The terminal takes no more, and yet keys reach the device.
+    const bool stuck = m_pump.RunUntil([this, last = std::size_t{0}, same = 0]() mutable {
+        same = last == m_device.GetSentCount() ? same + 1 : 0;
+        last = m_device.GetSentCount();
+        return same == 10;
+    });
+    ASSERT_TRUE(stuck);
+    Type("keys\r");
+    ASSERT_TRUE(DeviceGets("keys\r"));
+
+    m_terminal.SetReading(true);
+    ASSERT_TRUE(Shows("the end"));
+    const std::vector<std::string>& scrollback = Screen().GetScrollback();
+    const auto first = std::find(scrollback.begin(), scrollback.end(), "line 0");
+    ASSERT_NE(first, scrollback.end());
+    int line = 0;
+    for (auto row = first; row != scrollback.end(); ++row)
+        ASSERT_EQ(*row, "line " + std::to_string(line++));
+    EXPECT_EQ(line, kLines + 1 - CTerminal::kRows);
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}

@@ -1,0 +1,91 @@
+// The ends of a session: whatever ends it, the terminal is sane afterwards.
+#include "tests/endtoend/SessionTest.h"
+
+#include <csignal>
+
+class CEndTest : public CSessionTest {
+  protected:
+    // A session in the middle of something: colours on, the cursor above the text.
+    void StartColoured() {
+        StartInteractive();
+        m_device.Send("\x1B[20;1Hlast\x1B[10;5H\x1B[1;31;44mcoloured");
+        ASSERT_TRUE(Shows("coloured"));
+    }
+};
+
+TEST_F(CEndTest, CtrlBackslash) {
+    StartColoured();
+    Type(std::string("typed") + kCtrlBackslash);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CEndTest, Signals) {
+    for (const int signal : {SIGHUP, SIGTERM, SIGQUIT}) {
+        StartColoured();
+        m_program->Kill(signal);
+        EXPECT_TRUE(Ends()) << "signal " << signal;
+        m_device.GetReceived().clear();
+    }
+    // An interrupt is no end: Ctrl+C is a key here.
+    StartColoured();
+    m_program->Kill(SIGINT);
+    Type("still there");
+    EXPECT_TRUE(DeviceGets("still there"));
+    m_program->Kill(SIGKILL);
+}
+
+TEST_F(CEndTest, Crash) {
+    for (const char* options : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
+        SetVariable(options, "handle_segv=0:handle_abort=0");
+    for (const int signal : {SIGSEGV, SIGABRT, SIGFPE}) {
+        StartColoured();
+        m_program->Kill(signal);
+        EXPECT_TRUE(Ends(-signal));
+        m_device.GetReceived().clear();
+    }
+}
+
+TEST_F(CEndTest, DeviceGoneWhileIdle) {
+    StartColoured();
+    m_device.Vanish();
+    ASSERT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CEndTest, DeviceGoneInMidOutput) {
+    StartInteractive();
+    m_device.SendEndlessly("some output\r\n");
+    ASSERT_TRUE(m_pump.RunUntil([this] { return m_device.GetSentCount() > 200000; }));
+    m_device.Vanish();
+    ASSERT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CEndTest, DeviceGoneDuringAPaste) {
+    StartInteractive();
+    m_device.SetReadLimit(0);
+    Type(std::string(1 << 20, 'p'));
+    m_pump.RunFor(std::chrono::milliseconds(300));
+    m_device.Vanish();
+    ASSERT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
+    // What the program did not take is the shell's from now on; nobody reads it here.
+    EXPECT_TRUE(Fulfils("the end", [this] { return m_program->HasEnded(); }));
+    EXPECT_EQ(m_program->GetExit(), 0);
+}
+
+TEST_F(CEndTest, DeviceThatTakesNothingDoesNotHoldTheEndUp) {
+    StartInteractive();
+    m_device.SetReadLimit(0);
+    Type(std::string(200000, 'p'));
+    m_pump.RunFor(std::chrono::milliseconds(300));
+    m_program->Kill(SIGTERM);
+    EXPECT_TRUE(Fulfils("the end", [this] { return m_program->HasEnded(); }));
+    EXPECT_EQ(m_program->GetExit(), 0);
+}
+
+TEST_F(CEndTest, TerminalClosed) {
+    StartInteractive();
+    m_device.Send("some output\r\n");
+    m_terminal.CloseWindow();
+    EXPECT_TRUE(Ends());
+}

@@ -1,0 +1,81 @@
+// While nothing happens the program does nothing: it does not wake up and takes no processor time.
+#include "tests/endtoend/SessionTest.h"
+
+#include <numeric>
+
+class CIdleTest : public CSessionTest {
+  protected:
+    void SetUp() override {
+#ifdef __SANITIZE_THREAD__
+        GTEST_SKIP() << "the thread sanitizer's own thread wakes up all the time";
+#endif
+    }
+
+    // The context switches are the same for a while: what was begun is done.
+    void Settle() {
+        ASSERT_TRUE(m_pump.RunUntil([this, before = Counts{}]() mutable {
+            m_pump.RunFor(std::chrono::milliseconds(300));
+            const Counts now = m_program->CountSwitches();
+            return now == std::exchange(before, now);
+        }));
+    }
+
+    void ExpectIdle(std::chrono::milliseconds time) {
+        Settle();
+        const Counts before = m_program->CountSwitches();
+        const long ticks = m_program->CountProcessorTicks();
+        m_pump.RunFor(time);
+        EXPECT_EQ(m_program->CountSwitches(), before);
+        EXPECT_EQ(m_program->CountProcessorTicks(), ticks);
+    }
+
+    using Counts = std::map<std::string, long>;
+};
+
+TEST_F(CIdleTest, InteractiveTerminal) {
+    StartInteractive();
+    m_device.Send("some output\r\n\x1B[31mred");
+    Type("keys\x1B[A\x1B");
+    ASSERT_TRUE(DeviceGets("keys\x1B[A\x1B"));
+    ExpectIdle(std::chrono::seconds(3));
+
+    // Neither does a menu, a device that takes nothing, or a terminal that takes nothing.
+    Type(kF5);
+    ASSERT_TRUE(Shows("Baud Rate:"));
+    ExpectIdle(std::chrono::seconds(1));
+    Type("x");
+    ASSERT_TRUE(Shows("Canceled"));
+    m_device.SetReadLimit(0);
+    Type(std::string(200000, 'k'));
+    m_pump.RunFor(std::chrono::seconds(1));
+    ExpectIdle(std::chrono::seconds(1));
+    m_terminal.SetReading(false);
+    m_device.Send(std::string(1000000, 's'));
+    m_pump.RunFor(std::chrono::seconds(1));
+    ExpectIdle(std::chrono::seconds(1));
+    m_program->Kill(SIGKILL);
+}
+
+// Three attempts of ten seconds each: this is the one test that waits so long.
+TEST_F(CIdleTest, CommandFileOnASilentDevice) {
+    CSimulator modem(m_pump, {"--silent"});
+    const std::string capture = m_folder.GetPath("capture");
+    Start(modem.GetPath(), {"-A:" + m_folder.Write("commands", "AT\n"), "-O:" + capture});
+    ASSERT_TRUE(Shows("Setting 19200 baud"));
+    ExpectIdle(std::chrono::seconds(3));
+
+    const auto total = [this] {
+        const Counts counts = m_program->CountSwitches();
+        return std::accumulate(counts.begin(), counts.end(), 0L,
+                               [](long sum, const auto& row) { return sum + row.second; });
+    };
+    const long before = total();
+    const long ticks = m_program->CountProcessorTicks();
+    m_pump.RunFor(std::chrono::seconds(20));
+    // At most two new attempts begin in this time, each with a hand-over to the writing thread.
+    EXPECT_LE(total() - before, 40);
+    EXPECT_LE(m_program->CountProcessorTicks() - ticks, 10);
+    ASSERT_TRUE(Shows("No Response"));
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(ReadWholeFile(capture), "AT\r\nNo Response\r\n");
+}

@@ -1,0 +1,128 @@
+// The program in a pipeline: standard input or output, or both, are no terminal.
+#include "tests/endtoend/SessionTest.h"
+
+#include <csignal>
+#include <fcntl.h>
+
+class CPipeTest : public CSessionTest {
+  protected:
+    CPipeTest() {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        m_input = CDescriptor(ends[0]);
+        m_inputWriter = CDescriptor(ends[1]);
+        m_pump.Add(m_output);
+    }
+
+    // Runs the program with the pipe as its input; the test holds no copy of its ends then.
+    void StartPiped(const std::string& device, int output) {
+        StartWith(m_input.Get(), output, -1, device);
+        m_input.Reset();
+        m_output.CloseWriter();
+    }
+
+    // Writes from here to the end of the input, as much as the pipe takes each time.
+    void Feed(std::string bytes) {
+        fcntl(m_inputWriter.Get(), F_SETFL, O_NONBLOCK);
+        ASSERT_TRUE(m_pump.RunUntil([&] {
+            const ssize_t count = write(m_inputWriter.Get(), bytes.data(), bytes.size());
+            bytes.erase(0, count > 0 ? static_cast<std::size_t>(count) : 0);
+            return bytes.empty();
+        }));
+        m_inputWriter.Reset();
+    }
+
+    CCollector m_output;
+    CDescriptor m_input;
+    CDescriptor m_inputWriter;
+};
+
+TEST_F(CPipeTest, PlainTextComesOutAndItEndsByItself) {
+    CSimulator modem(m_pump);
+    StartPiped(modem.GetPath(), m_output.GetWriter());
+    Feed("ATI\r");
+    ASSERT_TRUE(Fulfils("the end of the output", [this] { return m_output.HasEnded(); }));
+    EXPECT_TRUE(Ends());
+    const std::string& text = m_output.GetText();
+    EXPECT_TRUE(text.starts_with("Corvane v2.2\nPress Alt+F4 to exit.")) << text;
+    EXPECT_NE(text.find("\nATI\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\nOK\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find_first_of("\x1B\r"), std::string::npos) << text;
+    // The terminal was not touched.
+    EXPECT_EQ(m_terminal.GetOutput(), "prompt>");
+}
+
+TEST_F(CPipeTest, LongInputIsExact) {
+    std::string input;
+    while (input.size() < 300000)
+        input += "AT+CMGS=" + std::to_string(input.size()) + "\r\n\x1A\x03\x1B[A\xC3\xA9";
+    StartPiped(m_device.GetPath(), m_output.GetWriter());
+    m_device.SetReadLimit(1024);
+    Feed(input);
+    EXPECT_TRUE(DeviceGets("ATE1V1\r" + input));
+    // An answer within the silent second is still shown.
+    m_device.Send("\x1B[31mlate\r\n\x1B[0m answer");
+    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(m_pump.RunUntil([this] { return m_output.HasEnded(); }));
+    EXPECT_TRUE(m_output.GetText().ends_with("late\n answer")) << m_output.GetText();
+}
+
+TEST_F(CPipeTest, InputFromAPipeOutputOnTheTerminal) {
+    StartPiped(m_device.GetPath(), -1);
+    ASSERT_TRUE(Shows("Setting 19200 baud"));
+    m_device.Send("shown \x1B[1;32mgreen\x1B[m");
+    Feed("AT\r");
+    EXPECT_TRUE(DeviceGets("ATE1V1\rAT\r"));
+    ASSERT_TRUE(Shows("shown green"));
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CPipeTest, InputFromTheTerminalOutputToAPipe) {
+    StartWith(-1, m_output.GetWriter(), -1, m_device.GetPath());
+    m_output.CloseWriter();
+    Type("A");
+    EXPECT_TRUE(DeviceGets("ATE1V1\rA"));
+    m_device.Send("A\x1B[2J\r\n\x1B[6n");
+    // There is no screen, so the report says so; it must not keep the device waiting.
+    EXPECT_TRUE(Fulfils("a report", [this] { return m_device.GetReceived().ends_with('R'); }));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+    EXPECT_EQ(m_output.GetText().find('\x1B'), std::string::npos);
+    EXPECT_EQ(m_terminal.GetOutput(), "prompt>");
+}
+
+TEST_F(CPipeTest, EmptyInput) {
+    const CDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
+    StartWith(null.Get(), null.Get(), -1, m_device.GetPath());
+    EXPECT_TRUE(DeviceGets("ATE1V1\r"));
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CPipeTest, OutputThatNobodyReads) {
+    m_output.CloseReader();
+    StartWith(-1, m_output.GetWriter(), -1, m_device.GetPath());
+    m_output.CloseWriter();
+    m_device.Send(std::string(200000, 'x'));
+    Type(kAltF4);
+    ASSERT_TRUE(Fulfils("the end", [this] { return m_program->HasEnded(); }));
+    EXPECT_TRUE(Ends(m_program->GetExit() == -SIGPIPE ? -SIGPIPE : 0));
+}
+
+TEST_F(CPipeTest, OutputOnAFullDisk) {
+    const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    StartPiped(m_device.GetPath(), full.Get());
+    m_device.Send(std::string(200000, 'x'));
+    Feed("AT\r");
+    EXPECT_TRUE(DeviceGets("ATE1V1\rAT\r"));
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CPipeTest, DeviceGone) {
+    StartPiped(m_device.GetPath(), m_output.GetWriter());
+    EXPECT_TRUE(DeviceGets("ATE1V1\r"));
+    m_device.Vanish();
+    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(m_pump.RunUntil([this] { return m_output.HasEnded(); }));
+    EXPECT_NE(m_output.GetText().find("The device " + m_device.GetPath() + " is gone"),
+              std::string::npos);
+}

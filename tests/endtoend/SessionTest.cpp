@@ -1,0 +1,141 @@
+#include "tests/endtoend/SessionTest.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+using ::testing::AssertionFailure;
+using ::testing::AssertionSuccess;
+
+namespace {
+
+// What a shell would print next; in the terminal's default colours.
+constexpr char kPrompt[] = "prompt>";
+
+std::string Quote(std::string_view bytes) {
+    return ::testing::PrintToString(std::string(bytes));
+}
+
+} // namespace
+
+CSessionTest::CSessionTest() {
+    m_pump.Add(m_terminal);
+    m_pump.Add(m_device);
+    SetVariable("TERM", "xterm-256color");
+    SetVariable("LANG", "C.UTF-8");
+    for (const char* name : {"PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
+        if (const char* value = std::getenv(name))
+            SetVariable(name, value);
+}
+
+void CSessionTest::SetVariable(const std::string& name, const std::string& value) {
+    std::erase_if(m_environment,
+                  [&](const std::string& entry) { return entry.starts_with(name + '='); });
+    m_environment.push_back(name + '=' + value);
+}
+
+void CSessionTest::Start(const std::string& device, const std::vector<std::string>& options) {
+    StartWith(-1, -1, -1, device, options);
+}
+
+void CSessionTest::StartWith(int input, int output, int error, const std::string& device,
+                             const std::vector<std::string>& options) {
+    m_terminalBefore = m_terminal.GetLine().GetSettings();
+    m_deviceBefore = m_device.GetLine().GetSettings();
+    const auto orTerminal = [this](int descriptor) {
+        return descriptor >= 0 ? descriptor : m_terminal.GetLine().GetSlave();
+    };
+
+    ProcessOptions process;
+    process.arguments = {WIRELET, device};
+    process.arguments.insert(process.arguments.end(), options.begin(), options.end());
+    process.environment = m_environment;
+    process.input = orTerminal(input);
+    process.output = orTerminal(output);
+    process.error = orTerminal(error);
+    process.terminal = m_terminal.GetLine().GetPath();
+    if (m_program)
+        m_pump.Remove(*m_program);
+    m_program = std::make_unique<CProcess>(process);
+    m_pump.Add(*m_program);
+}
+
+void CSessionTest::StartInteractive() {
+    Start(m_device.GetPath());
+    ASSERT_TRUE(Shows("Setting 19200 baud"));
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+}
+
+CSessionTest::Result CSessionTest::Fulfils(const char* what,
+                                           const std::function<bool()>& condition) {
+    if (m_pump.RunUntil(condition))
+        return AssertionSuccess();
+    return AssertionFailure() << "waited in vain: " << what << "; the screen shows\n"
+                              << Screen().GetText() << "\nthe device has "
+                              << Quote(m_device.GetReceived().substr(0, 300));
+}
+
+CSessionTest::Result CSessionTest::Shows(std::string_view text) {
+    return Fulfils(std::string(text).c_str(), [&] { return Screen().FindRow(text) >= 0; });
+}
+
+CSessionTest::Result CSessionTest::ShowsInRow(int row, const std::string& text) {
+    return Fulfils(text.c_str(), [&] { return Screen().GetRow(row) == text; });
+}
+
+CSessionTest::Result CSessionTest::DeviceGets(const std::string& bytes) {
+    std::string& received = m_device.GetReceived();
+    if (!m_pump.RunUntil([&] { return received.size() >= bytes.size(); }))
+        return Fulfils("bytes for the device", [] { return false; }) << Quote(bytes);
+    const auto [expected, actual] = std::mismatch(bytes.begin(), bytes.end(), received.begin());
+    if (expected != bytes.end()) {
+        const auto place = static_cast<std::size_t>(expected - bytes.begin());
+        return AssertionFailure() << "byte " << place
+                                  << " for the device: " << Quote(bytes.substr(place, 60))
+                                  << " came as " << Quote(received.substr(place, 60));
+    }
+    received.erase(0, bytes.size());
+    return AssertionSuccess();
+}
+
+CSessionTest::Result CSessionTest::Ends(int exit) {
+    if (const Result ended = Fulfils("the end", [this] { return m_program->HasEnded(); }); !ended)
+        return ended;
+    if (m_program->GetExit() != exit)
+        return AssertionFailure() << "ended with " << m_program->GetExit() << "; the screen shows\n"
+                                  << Screen().GetText();
+    if (m_terminal.GetDescriptor() < 0)
+        return AssertionSuccess();
+    if (const Result shown = ShowsPrompt(); !shown)
+        return shown;
+    return IsSane();
+}
+
+// The prompt goes the same way as the program's output did, so once it is there all of that is.
+CSessionTest::Result CSessionTest::ShowsPrompt() {
+    m_terminal.SetReading(true);
+    static_cast<void>(!write(m_terminal.GetLine().GetSlave(), kPrompt, sizeof(kPrompt) - 1));
+    return Fulfils("the prompt", [this] { return m_terminal.GetOutput().ends_with(kPrompt); });
+}
+
+CSessionTest::Result CSessionTest::IsSane() {
+    if (!(m_terminal.GetLine().GetSettings() == m_terminalBefore))
+        return AssertionFailure() << "the terminal's settings are not what they were";
+    if (m_device.GetDescriptor() >= 0 && !(m_device.GetLine().GetSettings() == m_deviceBefore))
+        return AssertionFailure() << "the device's settings are not what they were";
+
+    const std::string text = Screen().GetText();
+    const VTermScreenCell cell = Screen().GetCell(Screen().GetCursor().row, 0);
+    if (text != kPrompt && !text.ends_with(std::string("\n") + kPrompt))
+        return AssertionFailure() << "the cursor is not below the text:\n" << text;
+    if (!VTERM_COLOR_IS_DEFAULT_FG(&cell.fg) || !VTERM_COLOR_IS_DEFAULT_BG(&cell.bg) ||
+        cell.attrs.bold || cell.attrs.reverse)
+        return AssertionFailure() << "the prompt is not in the default colours";
+    if (!Screen().IsCursorVisible())
+        return AssertionFailure() << "the cursor is hidden";
+    if (!Screen().GetReplies().empty())
+        return AssertionFailure() << "the terminal was asked: " << Quote(Screen().GetReplies());
+    for (const std::string& oddity : Screen().GetOddities())
+        if (oddity != "CSI t")
+            return AssertionFailure() << "the terminal was told " << oddity;
+    return AssertionSuccess();
+}

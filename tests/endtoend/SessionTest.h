@@ -1,0 +1,63 @@
+// What the tests of a session share: a terminal with a user before it, a device, and the program.
+#pragma once
+
+#include "tests/endtoend/Collector.h"
+#include "tests/endtoend/Device.h"
+#include "tests/endtoend/Process.h"
+#include "tests/endtoend/Simulator.h"
+#include "tests/endtoend/TempFolder.h"
+#include "tests/endtoend/Terminal.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+// Keys as xterm sends them.
+inline constexpr char kAltF4[] = "\x1B[1;3S";
+inline constexpr char kF5[] = "\x1B[15~";
+inline constexpr char kF6[] = "\x1B[17~";
+inline constexpr char kCtrlBackslash[] = "\x1C";
+
+class CSessionTest : public ::testing::Test {
+  protected:
+    using Result = ::testing::AssertionResult;
+
+    CSessionTest();
+
+    // Runs the program on the terminal: a device and what else the command line holds.
+    void Start(const std::string& device, const std::vector<std::string>& options = {});
+    // Runs it on the test's device and waits until the interactive terminal is there.
+    void StartInteractive();
+    // Runs it with these descriptors instead of the terminal's; -1 is the terminal.
+    void StartWith(int input, int output, int error, const std::string& device,
+                   const std::vector<std::string>& options = {});
+    // Puts NAME=value in the program's environment, in place of what was there.
+    void SetVariable(const std::string& name, const std::string& value);
+
+    void Type(std::string_view bytes) { m_terminal.Type(bytes); }
+    CScreen& Screen() { return m_terminal.GetScreen(); }
+
+    // Wait until something is so; the failure tells what the screen shows instead.
+    Result Shows(std::string_view text);
+    Result ShowsInRow(int row, const std::string& text);
+    // The device has received exactly these bytes since it was last asked.
+    Result DeviceGets(const std::string& bytes);
+    Result Fulfils(const char* what, const std::function<bool()>& condition);
+
+    // The program ends with this exit code (or by minus this signal), the terminal is as it was
+    // before, and the prompt that a shell would print stands below the text.
+    Result Ends(int exit = 0);
+
+    CPump m_pump;
+    CTempFolder m_folder;
+    CTerminal m_terminal;
+    CDevice m_device;
+    std::vector<std::string> m_environment;
+    std::unique_ptr<CProcess> m_program;
+
+  private:
+    Result ShowsPrompt();
+    Result IsSane();
+
+    termios m_terminalBefore{};
+    termios m_deviceBefore{};
+};

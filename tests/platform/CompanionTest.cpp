@@ -1,0 +1,138 @@
+#include "platform/Clock.h"
+#include "platform/HandleObject.h"
+#include "tests/platform/TestHandle.h"
+
+#include <gtest/gtest.h>
+#include <sys/eventfd.h>
+
+#include <functional>
+
+using platform::CDescriptor;
+
+namespace {
+
+// Stands for the console: gathered output and one source of control events.
+class CFakeCompanion final : public platform::IWaitCompanion {
+  public:
+    CFakeCompanion() { platform::SetWaitCompanion(this); }
+    ~CFakeCompanion() { platform::SetWaitCompanion(nullptr); }
+    CFakeCompanion(const CFakeCompanion&) = delete;
+    CFakeCompanion& operator=(const CFakeCompanion&) = delete;
+
+    bool HasWork() const override { return m_nWork != 0; }
+    void DoWork() override {
+        ++m_nWorked;
+        if (!m_bStuck)
+            m_nWork = 0;
+    }
+    int Watch(pollfd* descriptors) override {
+        descriptors[0] = {m_control.Get(), POLLIN, 0};
+        return 1;
+    }
+    void Serve(const pollfd* descriptors, int count) override {
+        ASSERT_EQ(count, 1);
+        if (descriptors[0].revents == 0)
+            return;
+        eventfd_t value = 0;
+        eventfd_read(m_control.Get(), &value);
+        ++m_nServed;
+        if (m_handler)
+            m_handler();
+    }
+    void Raise() { eventfd_write(m_control.Get(), 1); }
+
+    int m_nWork = 0;
+    bool m_bStuck = false;
+    int m_nWorked = 0;
+    int m_nServed = 0;
+    std::function<void()> m_handler;
+
+  private:
+    CDescriptor m_control{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+};
+
+// What only poll() can tell, like a port.
+class CPolledObject final : public platform::CHandleObject {
+  public:
+    int WaitDescriptor() const override { return m_descriptor.Get(); }
+    bool TryAcquire(short events) override { return events != 0; }
+
+  private:
+    CDescriptor m_descriptor{eventfd(1, EFD_CLOEXEC)};
+};
+
+} // namespace
+
+TEST(Companion, WorksOnlyBeforeAWaitBlocks) {
+    CFakeCompanion companion;
+    companion.m_nWork = 1;
+    const CTestHandle ready = MakeEvent(true, true);
+    const CTestHandle silent = MakeEvent(true, false);
+    const CTestHandle polled(platform::RegisterHandle(std::make_shared<CPolledObject>()));
+    const HANDLE handles[] = {silent, ready};
+    EXPECT_EQ(WaitForMultipleObjects(2, handles, FALSE, INFINITE), WAIT_OBJECT_0 + 1);
+    EXPECT_EQ(WaitForSingleObject(polled, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(silent, 0), WAIT_TIMEOUT);
+    EXPECT_EQ(companion.m_nWorked, 0);
+    EXPECT_EQ(WaitForSingleObject(silent, 1), WAIT_TIMEOUT);
+    EXPECT_EQ(companion.m_nWorked, 1);
+    companion.m_nWork = 1;
+    Sleep(1);
+    EXPECT_EQ(companion.m_nWorked, 2);
+}
+
+// A terminal that holds the output back: the wait blocks with work left, and is not a loop.
+TEST(Companion, WorkThatCannotBeDoneDoesNotSpin) {
+    CFakeCompanion companion;
+    companion.m_nWork = 1;
+    companion.m_bStuck = true;
+    const CTestHandle silent = MakeEvent(true, false);
+    EXPECT_EQ(WaitForSingleObject(silent, 30), WAIT_TIMEOUT);
+    EXPECT_EQ(companion.m_nWorked, 1);
+}
+
+TEST(Companion, IsServedInWaitsThatNeedNotBlock) {
+    CFakeCompanion companion;
+    const CTestHandle ready = MakeEvent(true, true);
+    const CTestHandle silent = MakeEvent(true, false);
+    const HANDLE handles[] = {silent, ready};
+    companion.Raise();
+    EXPECT_EQ(WaitForMultipleObjects(2, handles, FALSE, INFINITE), WAIT_OBJECT_0 + 1);
+    EXPECT_EQ(companion.m_nServed, 1);
+    companion.Raise();
+    EXPECT_EQ(WaitForSingleObject(silent, 0), WAIT_TIMEOUT);
+    EXPECT_EQ(companion.m_nServed, 2);
+}
+
+TEST(Companion, AHandlerMaySignalGatherOutputWaitAndTakeTheCompanionAway) {
+    CFakeCompanion companion;
+    const CTestHandle signalled = MakeEvent(false, false);
+    companion.m_handler = [&] { SetEvent(signalled); };
+    companion.Raise();
+    EXPECT_EQ(WaitForSingleObject(signalled, INFINITE), WAIT_OBJECT_0);
+
+    companion.m_handler = [&] {
+        companion.m_nWork = 1;
+        EXPECT_EQ(WaitForSingleObject(signalled, 1), WAIT_TIMEOUT);
+        companion.m_nWork = 1;
+    };
+    companion.Raise();
+    EXPECT_EQ(WaitForSingleObject(signalled, 5), WAIT_TIMEOUT);
+    EXPECT_EQ(companion.m_nWorked, 2) << "what the handler left is let out before the wait blocks";
+
+    companion.m_handler = [&] { platform::SetWaitCompanion(nullptr); };
+    companion.m_nWork = 1;
+    companion.Raise();
+    EXPECT_EQ(WaitForSingleObject(signalled, 5), WAIT_TIMEOUT);
+    EXPECT_EQ(companion.m_nWorked, 2);
+}
+
+TEST(Companion, BelongsToOneThread) {
+    CFakeCompanion companion;
+    companion.m_nWork = 1;
+    auto sleep = [] { Sleep(1); };
+    const CTestHandle thread = StartThread(sleep);
+    platform::SetWaitCompanion(nullptr);
+    EXPECT_TRUE(AwaitEnd(thread));
+    EXPECT_EQ(companion.m_nWorked, 0);
+}

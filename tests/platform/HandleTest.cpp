@@ -1,0 +1,103 @@
+#include "platform/Clock.h"
+#include "platform/Error.h"
+#include "tests/platform/TestHandle.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <set>
+
+namespace {
+
+HANDLE HandleOf(std::uintptr_t value) {
+    return reinterpret_cast<HANDLE>(value);
+}
+
+void ExpectInvalid(HANDLE handle) {
+    const HANDLE handles[] = {handle};
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_FALSE(SetEvent(handle));
+    EXPECT_FALSE(ResetEvent(handle));
+    EXPECT_FALSE(SetThreadPriority(handle, THREAD_PRIORITY_NORMAL));
+    EXPECT_FALSE(TerminateThread(handle, 1));
+    EXPECT_EQ(WaitForSingleObject(handle, INFINITE), WAIT_FAILED);
+    EXPECT_EQ(WaitForMultipleObjects(1, handles, FALSE, INFINITE), WAIT_FAILED);
+    EXPECT_FALSE(CloseHandle(handle));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+
+} // namespace
+
+TEST(Handle, ClosedReusedAndInventedOnesAreRecognised) {
+    const HANDLE closed = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+    ASSERT_NE(closed, nullptr);
+    const auto value = reinterpret_cast<std::uintptr_t>(closed);
+    EXPECT_LE(value, 0xFFFFFFFFU);
+    EXPECT_EQ(value % 4, 0U);
+    for (const std::uintptr_t offset : {1, 2, 3})
+        ExpectInvalid(HandleOf(value + offset));
+    ExpectInvalid(HandleOf(value + (std::uintptr_t{1} << 32)));
+    EXPECT_TRUE(CloseHandle(closed));
+    ExpectInvalid(closed);
+
+    const CTestHandle successor = MakeEvent(true, true);
+    ExpectInvalid(closed);
+    ExpectInvalid(nullptr);
+    ExpectInvalid(INVALID_HANDLE_VALUE);
+    ExpectInvalid(HandleOf(0x7FFFFFFC));
+    EXPECT_EQ(WaitForSingleObject(successor, 0), WAIT_OBJECT_0);
+}
+
+TEST(Handle, AValueIsNotGivenOutAgainSoon) {
+    std::set<HANDLE> values;
+    for (int i = 0; i < 10000; ++i) {
+        const CTestHandle event = MakeEvent(false, false);
+        ASSERT_TRUE(values.insert(event).second);
+    }
+}
+
+TEST(Handle, OneOfAnotherKindIsRefused) {
+    const CTestHandle event = MakeEvent(true, true);
+    EXPECT_FALSE(TerminateThread(event, 1));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    auto nothing = [] {};
+    const CTestHandle thread = StartThread(nothing);
+    EXPECT_FALSE(SetEvent(thread));
+    EXPECT_TRUE(AwaitEnd(thread));
+}
+
+TEST(Handle, EachThreadHasItsOwnLastError) {
+    SetLastError(ERROR_HANDLE_EOF);
+    DWORD before = 1;
+    DWORD after = 0;
+    auto fail = [&] {
+        before = GetLastError();
+        SetEvent(nullptr);
+        after = GetLastError();
+    };
+    EXPECT_TRUE(AwaitEnd(StartThread(fail)));
+    EXPECT_EQ(before, ERROR_SUCCESS);
+    EXPECT_EQ(after, ERROR_INVALID_HANDLE);
+    EXPECT_EQ(GetLastError(), ERROR_HANDLE_EOF);
+}
+
+TEST(Handle, ClosingEndsTheWaitsOfOthers) {
+    for (int round = 0; round < 200; ++round) {
+        const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+        const CTestHandle other = MakeEvent(true, false);
+        DWORD result = WAIT_TIMEOUT;
+        DWORD error = ERROR_SUCCESS;
+        auto wait = [&] {
+            const HANDLE handles[] = {other, event};
+            result = WaitForMultipleObjects(2, handles, FALSE, INFINITE);
+            error = GetLastError();
+        };
+        const CTestHandle thread = StartThread(wait);
+        if (round % 2 != 0)
+            Sleep(0);
+        EXPECT_TRUE(CloseHandle(event));
+        EXPECT_TRUE(AwaitEnd(thread));
+        EXPECT_EQ(result, WAIT_FAILED);
+        EXPECT_EQ(error, ERROR_INVALID_HANDLE);
+    }
+}

@@ -1,0 +1,4 @@
+// A library for the tests of loading by name.
+extern "C" __attribute__((visibility("default"))) int WireletTestAnswer() {
+    return 42;
+}

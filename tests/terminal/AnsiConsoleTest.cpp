@@ -1,0 +1,305 @@
+#include "terminal/AnsiConsole.h"
+
+#include "modem/Modem.h"
+#include "tests/modem/SubstituteSerial.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using Calls = std::vector<std::string>;
+using std::string_view_literals::operator""sv;
+
+// A modem on a substitute channel, which records what is sent.
+class CTestModem : public CVModem {
+  public:
+    CTestModem() {
+        m_serial.m_bOpen = TRUE;
+        m_pSerial.Reset(&m_serial);
+    }
+    ~CTestModem() override { m_pSerial.Reset(); }
+    CSubstituteSerial m_serial;
+};
+
+// A screen that records what is done to it and has no console.
+class CRecordingScreen final : public CAnsiConsole {
+  public:
+    explicit CRecordingScreen(CVModem* modem = nullptr) { m_pModem = modem; }
+
+    void InsertChar() override { Record("InsertChar"); }
+    void CursorUp(int count) override { Record("CursorUp", {count}); }
+    void CursorDown(int count) override { Record("CursorDown", {count}); }
+    void CursorForward(int count) override { Record("CursorForward", {count}); }
+    void CursorBack(int count) override { Record("CursorBack", {count}); }
+    void SetCursorPosition(int row, int column) override {
+        Record("SetCursorPosition", {row, column});
+    }
+    void EraseToScreenStart() override { Record("EraseToScreenStart"); }
+    void ClearScreen() override { Record("ClearScreen"); }
+    void EraseToLineEnd() override { Record("EraseToLineEnd"); }
+    void EraseToScreenEnd() override { Record("EraseToScreenEnd"); }
+    void EraseToLineStart() override { Record("EraseToLineStart"); }
+    void DeleteLine() override { Record("DeleteLine"); }
+    void InsertLine() override { Record("InsertLine"); }
+    void DeleteChar() override { Record("DeleteChar"); }
+    void ScrollUp(int count) override { Record("ScrollUp", {count}); }
+    void ScrollDown(int count) override { Record("ScrollDown", {count}); }
+    void SetScrollRegion(int top, int left, int bottom, int right) override {
+        Record("SetScrollRegion", {top, left, bottom, right});
+    }
+    void SetColors(int foreground, int background) override {
+        CAnsiConsole::SetColors(foreground, background);
+        Record("SetColors", {foreground, background});
+    }
+    void SetAttributeFlags(WORD flags) override {
+        CAnsiConsole::SetAttributeFlags(flags);
+        Record("SetAttributeFlags", {flags});
+    }
+    BOOL ProcessEscape(BYTE finalCharacter) override {
+        m_bKnown = CAnsiConsole::ProcessEscape(finalCharacter);
+        return m_bKnown;
+    }
+    void PutChar(BYTE character) override {
+        CAnsiConsole::PutChar(character);
+        if (!m_bInEscape && character == '\n')
+            Record("line feed");
+    }
+
+    Calls Feed(std::string_view bytes) {
+        m_calls.clear();
+        for (const char byte : bytes)
+            PutChar(static_cast<BYTE>(byte));
+        return m_calls;
+    }
+
+    BOOL IsCollecting() const { return m_bInEscape; }
+    BYTE GetAttribute() const { return m_byAttribute; }
+
+    BOOL m_bKnown = FALSE;
+
+  private:
+    void Record(std::string call, std::initializer_list<int> numbers = {}) {
+        for (const int number : numbers)
+            call += " " + std::to_string(number);
+        m_calls.push_back(call);
+    }
+    Calls m_calls;
+};
+
+struct Sequence {
+    std::string_view bytes;
+    Calls calls;
+};
+
+const std::vector<Sequence> kSequences = {
+    {"\x1B[@", {"InsertChar"}},
+    {"\x1B[A", {"CursorUp 1"}},
+    {"\x1B[5B", {"CursorDown 5"}},
+    {"\x1B[12C", {"CursorForward 12"}},
+    {"\x1B[0D", {"CursorBack 0"}},
+    {"\x1B[3E", {"line feed", "line feed", "line feed"}},
+    {"\x1B[0E", {}},
+    {"\x1B[-5E", {}},
+    {"\x1B[5;10H", {"SetCursorPosition 4 9"}},
+    {"\x1B[5;10f", {"SetCursorPosition 4 9"}},
+    {"\x1B[5F", {"SetCursorPosition 4 0"}},
+    {"\x1B[H", {"SetCursorPosition 0 0"}},
+    {"\x1B[f", {"SetCursorPosition 0 0"}},
+    {"\x1B[;5H", {"SetCursorPosition 4 0"}},
+    {"\x1B[;;7;;8;9H", {"SetCursorPosition 6 7"}},
+    {"\x1B[0;0H", {"SetCursorPosition -1 -1"}},
+    {"\x1B[J", {"EraseToScreenEnd"}},
+    {"\x1B[0J", {"EraseToScreenEnd"}},
+    {"\x1B[1J", {"EraseToScreenStart"}},
+    {"\x1B[2J", {"ClearScreen"}},
+    {"\x1B[29J", {"ClearScreen"}},
+    {"\x1B[;2J", {"EraseToScreenEnd"}},
+    {"\x1B[K", {"EraseToLineEnd"}},
+    {"\x1B[1K", {"EraseToLineStart"}},
+    {"\x1B[2K", {"SetCursorPosition 0 0", "EraseToLineEnd", "SetCursorPosition 0 0"}},
+    {"\x1B[9L", {"InsertLine"}},
+    {"\x1B[M", {"DeleteLine"}},
+    {"\x1B[P", {"DeleteChar"}},
+    {"\x1B[7S", {"ScrollUp 1"}},
+    {"\x1B[7T", {"ScrollDown 1"}},
+    {"\x1B[U", {"ClearScreen"}},
+    {"\x1B[Z", {}},
+    {"\x1B[6n", {}}, // no modem
+    {"\x1B[r", {"SetScrollRegion 1 0 23 0"}},
+    {"\x1B[3;20r", {"SetScrollRegion 2 0 19 0"}},
+    {"\x1B[1;25r", {"SetScrollRegion 1 0 24 0"}},
+    {"\x1B[5;1r", {"SetScrollRegion 4 0 24 0"}},
+    {"\x1B[5;26r", {}},
+    {"\x1B[9;9r", {}},
+    {"\x1B[9;4r", {}},
+    {"\x1B[s", {}},
+    {"\x1B[u", {"SetCursorPosition 0 0"}},
+    // A value of three characters is as good as none, and ends the list it stands in.
+    {"\x1B[100C", {"CursorForward 1"}},
+    {"\x1B[005C", {"CursorForward 1"}},
+    {"\x1B[5;3A", {"CursorUp 1"}},
+    {"\x1B[5;A", {"CursorUp 5"}},
+    {"\x1B[;5A", {"CursorUp 0"}},
+    {"\x1B[100;5H", {"SetCursorPosition 0 0"}},
+    {"\x1B[5;100H", {"SetCursorPosition 4 0"}},
+    // Whatever stands among the parameters is text for the decimal conversion.
+    {"\x1B[?5C", {"CursorForward 0"}},
+    {"\x1B[-3C", {"CursorForward -3"}},
+    {"\x1B[+3C", {"CursorForward 3"}},
+    {"\x1B[ 3C", {"CursorForward 3"}},
+    {"\x1B[3xC", {}},
+    {"\x1B[4\0C"sv, {"CursorForward 4"}},
+    {"\x1B[\0m"sv, {}},
+    {"\x1B[[A", {"CursorUp 0"}},
+    // An ESC begins anew, '!' abandons.
+    {"\x1B[12\x1B[3C", {"CursorForward 3"}},
+    {"\x1B\x1B[A", {"CursorUp 1"}},
+    {"\x1B[12!C", {}},
+    {"\x1B[!p\x1B[B", {"CursorDown 1"}},
+    {"\x1B[?25h", {}},
+    {"\x1BH", {}},
+};
+
+TEST(AnsiConsole, ActsOnSequences) {
+    for (const Sequence& sequence : kSequences) {
+        CRecordingScreen screen;
+        EXPECT_EQ(screen.Feed(sequence.bytes), sequence.calls) << sequence.bytes;
+        EXPECT_FALSE(screen.IsCollecting()) << sequence.bytes;
+    }
+}
+
+TEST(AnsiConsole, KnowsItsFinalCharacters) {
+    for (int character = 0; character < 256; ++character) {
+        CRecordingScreen screen;
+        const bool known =
+            character != 0 && std::strchr("@ABCDEFHJKLMPSTUZfmnrsu", character) != nullptr;
+        EXPECT_EQ(screen.ProcessEscape(static_cast<BYTE>(character)), known) << character;
+    }
+    CRecordingScreen screen;
+    screen.Feed("\x1B[5Z");
+    EXPECT_TRUE(screen.m_bKnown);
+    screen.Feed("\x1B[?25h");
+    EXPECT_FALSE(screen.m_bKnown);
+}
+
+struct Rendition {
+    std::string_view bytes;
+    BYTE attribute;
+    WORD flags;
+};
+
+constexpr Rendition kRenditions[] = {
+    {"\x1B[31m", 0x04, 0},
+    {"\x1B[1;31m", 0x0C, ATTR_BOLD},
+    {"\x1B[31;1m", 0x0C, ATTR_BOLD},
+    {"\x1B[1;33;44m", 0x1E, ATTR_BOLD},
+    {"\x1B[1;33;44m\x1B[0m", 0x07, 0},
+    {"\x1B[1;33;44m\x1B[m", 0x07, 0},
+    {"\x1B[1m\x1B[1m", 0x0F, ATTR_BOLD},
+    {"\x1B[32;43m", 0x62, 0},
+    {"\x1B[34;45m", 0x51, 0},
+    {"\x1B[36;47m", 0x73, 0},
+    {"\x1B[30;41m", 0x40, 0},
+    {"\x1B[37;46m", 0x37, 0},
+    {"\x1B[4;5m", 0x07, ATTR_UNDERLINE | ATTR_BLINK},
+    {"\x1B[6;8m", 0x07, ATTR_BLINK | ATTR_CONCEALED},
+    {"\x1B[33;44;7m", 0x61, ATTR_REVERSE},
+    {"\x1B[1;7m", 0x78, ATTR_BOLD | ATTR_REVERSE},
+    {"\x1B[1;44;7m", 0x79, ATTR_BOLD | ATTR_REVERSE},
+    {"\x1B[7;7m", 0x07, ATTR_REVERSE},
+    {"\x1B[2;3;9;22;27;38;39;48;49;90;97m", 0x07, 0},
+    {"\x1B[31;;42m", 0x24, 0},
+    {"\x1B[;31m", 0x04, 0},
+    {"\x1B[;m", 0x07, 0},
+    {"\x1B[31;100;42m", 0x04, 0},
+    {"\x1B[031m", 0x07, 0},
+    {"\x1B[31;x42m", 0x07, 0},
+};
+
+TEST(AnsiConsole, SelectsColours) {
+    for (const Rendition& rendition : kRenditions) {
+        CRecordingScreen screen;
+        screen.Feed(rendition.bytes);
+        EXPECT_EQ(screen.GetAttribute(), rendition.attribute) << rendition.bytes;
+        EXPECT_EQ(screen.GetAttributeFlags(), rendition.flags) << rendition.bytes;
+    }
+    CRecordingScreen screen;
+    EXPECT_EQ(screen.Feed("\x1B[1;31m"), (Calls{"SetColors 15 0", "SetAttributeFlags 1",
+                                                "SetColors 12 0", "SetAttributeFlags 1"}));
+    EXPECT_EQ(screen.Feed("\x1B[m"), (Calls{"SetColors 7 0", "SetAttributeFlags 0"}));
+}
+
+TEST(AnsiConsole, DropsAnOverlongSequence) {
+    for (const std::size_t parameters : {253U, 254U, 255U, 299U}) {
+        CRecordingScreen screen;
+        const std::string beginning = "\x1B[" + std::string(parameters, '1');
+        const bool fits = parameters < 254;
+        EXPECT_EQ(screen.Feed(beginning + "C"), fits ? Calls{"CursorForward 1"} : Calls{});
+        EXPECT_FALSE(screen.IsCollecting());
+        EXPECT_EQ(screen.Feed("\x1B[2C"), Calls{"CursorForward 2"});
+    }
+}
+
+TEST(AnsiConsole, ReportsTheCursorWhenThereIsRoom) {
+    CTestModem modem;
+    CRecordingScreen screen(&modem);
+    screen.Feed("\x1B[6n\x1B[5n\x1B[n\x1B[66n");
+    EXPECT_EQ(modem.m_serial.m_calls, (Calls{"write \x1B[1;1R", "write \x1B[1;1R"}));
+    modem.m_serial.m_dwRoom = 5;
+    screen.Feed("\x1B[6n");
+    EXPECT_EQ(modem.m_serial.m_calls.size(), 2U);
+    modem.m_serial.m_dwRoom = 6;
+    screen.Feed("\x1B[6n");
+    EXPECT_EQ(modem.m_serial.m_calls.size(), 3U);
+}
+
+TEST(AnsiConsole, SendsTheSequencesOfKeys) {
+    struct Key {
+        WORD code;
+        const char* bytes;
+    };
+    constexpr Key keys[] = {{0x21, "\x1B[I"}, {0x22, "\x1B[G"}, {0x23, "\x1B[F"}, {0x24, "\x1B[H"},
+                            {0x25, "\x1B[D"}, {0x26, "\x1B[A"}, {0x27, "\x1B[C"}, {0x28, "\x1B[B"},
+                            {0x2D, "\x1B[L"}, {0x2E, "\x7F"},   {0x70, "\x1BOP"}, {0x71, "\x1BOQ"},
+                            {0x72, "\x1BOR"}, {0x73, "\x1BOS"}};
+    CTestModem modem;
+    CRecordingScreen screen(&modem);
+    BYTE character = 'x';
+    for (const Key& key : keys) {
+        modem.m_serial.m_calls.clear();
+        EXPECT_FALSE(screen.OnKey(0xABCD0000U | key.code, &character));
+        EXPECT_EQ(modem.m_serial.m_calls, Calls{"write " + std::string(key.bytes)}) << key.code;
+    }
+    modem.m_serial.m_calls.clear();
+    for (const DWORD key : {0U, 0x20U, 0x29U, 0x74U, 0x75U, 0x76U, 0xFFFFU})
+        EXPECT_FALSE(screen.OnKey(key, &character));
+    EXPECT_TRUE(modem.m_serial.m_calls.empty());
+    EXPECT_EQ(character, 'x');
+    EXPECT_FALSE(CRecordingScreen().OnKey(0x26, &character));
+}
+
+// Bytes that look like sequences often enough to reach every branch.
+TEST(AnsiConsole, OutlivesAnyBytes) {
+    constexpr std::string_view likely = "\x1B\x1B\x1B[[[[;;;0123456789?!@ABCEHJKmnrsufF\n\0"sv;
+    std::mt19937 random(20261);
+    CTestModem modem;
+    CRecordingScreen screen(&modem);
+    std::string bytes(4096, '\0');
+    for (int round = 0; round < 50; ++round) {
+        for (char& byte : bytes)
+            byte = random() % 4 == 0 ? static_cast<char>(random() & 0xFF)
+                                     : likely[random() % likely.size()];
+        screen.Feed(bytes);
+        EXPECT_EQ(screen.Feed("\x1B[3C"), Calls{"CursorForward 3"});
+        EXPECT_FALSE(screen.IsCollecting());
+    }
+    screen.Feed(std::string(1000000, '\x1B'));
+    EXPECT_EQ(screen.Feed("[3C"), Calls{"CursorForward 3"});
+}
+
+} // namespace

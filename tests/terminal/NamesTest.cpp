@@ -1,0 +1,104 @@
+// Device names and the command line: what the user types, and what the program makes of it.
+
+#include "terminal/CaptureFile.h"
+#include "terminal/CommandLine.h"
+#include "terminal/Decimal.h"
+#include "terminal/DeviceName.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <initializer_list>
+#include <vector>
+
+namespace {
+
+TEST(DeviceName, TypedNamesBecomeDevicesAndTitles) {
+    const struct {
+        const char* typed;
+        const char* device;
+        BOOL isComPort;
+        const char* display;
+    } rows[] = {
+        {"COM1", "COM1:", TRUE, "COM1"},
+        {"com9", "COM9:", TRUE, "COM9"},
+        {"com12", "\\\\.\\COM12", TRUE, "COM12"},
+        {"COMx", "COM0:", TRUE, "COM0"},
+        {"Compaq Modem", "COM0:", TRUE, "COM0"},
+        {"COM 3", "COM3:", TRUE, "COM3"},
+        {"COM-5", "COM-5:", FALSE, "COM-5"},
+        {"COM99999999999", "\\\\.\\COM2147483647", TRUE, "COM2147483647"},
+        {"Standard Modem", "Standard Modem", FALSE, "Standard Modem"},
+        {"-B:9600", "-B:9600", FALSE, "-B:9600"},
+        {"/dev/ttyUSB0", "/dev/ttyUSB0", TRUE, "/dev/ttyUSB0"},
+        {"/dev/COM7:", "/dev/COM7:", TRUE, "/dev/COM7:"},
+        {"", "", FALSE, ""},
+        {"CO", "CO", FALSE, "CO"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.typed);
+        const std::string device = MakeDeviceName(row.typed);
+        EXPECT_EQ(device, row.device);
+        EXPECT_EQ(IsComPort(device), row.isComPort);
+        EXPECT_EQ(GetPortDisplayName(device), row.display);
+    }
+    EXPECT_TRUE(IsComPort("com3x"));
+    EXPECT_FALSE(IsComPort("\\\\.\\com12"));
+}
+
+TEST(Decimal, FollowsTheLibraryAndStaysInBounds) {
+    const struct {
+        const char* text;
+        int value;
+    } rows[] = {
+        {"", 0},      {"x1", 0},   {" \t42", 42},          {"+7", 7},
+        {"-12z", -12}, {"- 1", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN},
+        {"2147483648", INT_MAX},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(ParseDecimal(row.text), row.value) << row.text;
+}
+
+CommandLine Parse(std::initializer_list<const char*> arguments) {
+    g_strCommandFile.clear();
+    g_strOutputFile.clear();
+    g_strScriptFile.clear();
+    std::vector<const char*> vector{"wirelet"};
+    vector.insert(vector.end(), arguments);
+    return ParseCommandLine(static_cast<int>(vector.size()), vector.data());
+}
+
+TEST(CommandLine, SwitchesCountInEitherCaseAndFilesKeepTheirs) {
+    const CommandLine line = Parse({"COM1", "-b:57600", "/a:Test.dat", "-O:Out.TXT", "-s:run.scr"});
+    EXPECT_EQ(line.port, "COM1");
+    EXPECT_EQ(line.baudRate, 57600);
+    EXPECT_EQ(g_strCommandFile, "Test.dat");
+    EXPECT_EQ(g_strOutputFile, "Out.TXT");
+    EXPECT_EQ(g_strScriptFile, "run.scr");
+}
+
+TEST(CommandLine, LaterSwitchesWinAndStrangersAreIgnored) {
+    EXPECT_EQ(Parse({"COM1", "-B:1200", "-B:2400"}).baudRate, 2400);
+    EXPECT_EQ(Parse({"COM1", "-B:"}).baudRate, 0);
+    EXPECT_EQ(Parse({"COM1", "B:9600", "-X:foo", "-B", "-", "", "--B:1"}).baudRate, 0);
+    EXPECT_EQ(Parse({"COM1", "-A:x", "-A:"}).baudRate, 0);
+    EXPECT_EQ(g_strCommandFile, "");
+}
+
+TEST(CommandLine, OnlyTheFirstArgumentAsksForUsage) {
+    EXPECT_TRUE(Parse({"-?"}).wantsUsage);
+    EXPECT_TRUE(Parse({"/?", "COM1"}).wantsUsage);
+    EXPECT_FALSE(Parse({"COM1", "-?"}).wantsUsage);
+    const CommandLine line = Parse({"-B:9600"});
+    EXPECT_EQ(line.port, "-B:9600");
+    EXPECT_EQ(line.baudRate, 0);
+}
+
+TEST(CaptureFile, EveryLineBreakIsCrLf) {
+    EXPECT_EQ(ToCaptureText("AT\r"), "AT\r\n");
+    EXPECT_EQ(ToCaptureText("AT\r\r\nOK\r\n"), "AT\r\n\r\nOK\r\n");
+    EXPECT_EQ(ToCaptureText("a\nb"), "ab");
+    EXPECT_EQ(ToCaptureText(""), "");
+}
+
+} // namespace

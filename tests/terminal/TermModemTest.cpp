@@ -1,0 +1,90 @@
+// One line of a command file: what is sent, and what counts as its answer.
+
+#include "terminal/TermModem.h"
+
+#include "platform/Clock.h"
+#include "tests/modem/SubstituteSerial.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+class CTestTermModem : public CTermModem {
+  public:
+    explicit CTestTermModem(ISerial* serial) {
+        serial->AddRef();
+        m_pSerial.Reset(serial);
+    }
+    using CVModem::m_dwLastResponse;
+};
+
+constexpr DWORD kMinute = 60000;
+
+TEST(TermModem, KnowsFinalResultsOfCommandFiles) {
+    const struct {
+        const char* name;
+        std::vector<std::string> reads;
+        BOOL final;
+        std::string response;
+    } rows[] = {
+        {"whole", {"ATI\r\r\nOK\r\n"}, TRUE, "ATI\r\r\nOK\r\n"},
+        {"split", {"\r", "\nO", "K\r", "\n"}, TRUE, "\r\nOK\r\n"},
+        {"error", {"\r\nERROR\r\n"}, TRUE, "\r\nERROR\r\n"},
+        {"all of the last read", {"\r\nOK\r\nRING"}, TRUE, "\r\nOK\r\nRING"},
+        {"extended", {"\r\n+CME ERROR: 10\r\n"}, FALSE, "\r\n+CME ERROR: 10\r\n"},
+        {"no leading line end", {"OK\r\n"}, FALSE, "OK\r\n"},
+        {"behind a NUL", {std::string("a\0\r\nOK\r\n", 8)}, FALSE, "a"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CSubstituteSerial serial;
+        CTestTermModem modem(&serial);
+        serial.m_reads.assign(row.reads.begin(), row.reads.end());
+        std::string response = "left over";
+        EXPECT_EQ(modem.WaitForFinalResult(response, row.final ? kMinute : 30), row.final);
+        EXPECT_EQ(response, row.response);
+    }
+}
+
+TEST(TermModem, AFullBufferWaitsOutTheTimeWithoutReadingOn) {
+    CWaitableSerial serial;
+    serial.m_bOpen = TRUE;
+    CTestTermModem modem(&serial);
+    serial.Arrive(std::string(3000, 'x') + "\r\nOK\r\n");
+    std::string response;
+    const DWORD start = GetTickCount();
+    EXPECT_FALSE(modem.WaitForFinalResult(response, 50));
+    EXPECT_GE(GetTickCount() - start, 50u);
+    EXPECT_EQ(response, std::string(1023, 'x'));
+    EXPECT_LE(serial.m_nReads, 3);
+}
+
+TEST(TermModem, AnsweredLinesAreSentOnceAfterAFlushAndAPause) {
+    CSubstituteSerial serial;
+    CTestTermModem modem(&serial);
+    serial.m_answer = "\r\nERROR\r\n";
+    modem.m_dwLastResponse = GetTickCount();
+    const DWORD start = modem.m_dwLastResponse;
+    std::string response;
+    EXPECT_TRUE(modem.SendLineWaitFinal("ATX\r", response));
+    EXPECT_EQ(response, "\r\nERROR\r\n");
+    EXPECT_EQ(serial.m_calls, (std::vector<std::string>{"flush 1", "flush 2", "write ATX\r"}));
+    EXPECT_GE(serial.m_dwWriteTick - start, 100u);
+}
+
+TEST(TermModem, AVanishedDeviceEndsTheAttempts) {
+    CWaitableSerial serial;
+    serial.m_bOpen = TRUE;
+    CTestTermModem modem(&serial);
+    serial.m_answer = "\r\nhalf an ans";
+    serial.Vanish();
+    std::string response;
+    serial.Arrive("");
+    EXPECT_FALSE(modem.SendLineWaitFinal("ATI\r", response));
+    EXPECT_EQ(response, "\r\nhalf an ans");
+    EXPECT_LE(std::count(serial.m_calls.begin(), serial.m_calls.end(), "write ATI\r"), 1);
+}
+
+} // namespace

@@ -1,0 +1,51 @@
+// What the simulated modem is told once, at its start: how it behaves, what happens to it by itself
+// and which faults it shows. Plain values; whoever owns one may copy and share it freely.
+#pragma once
+
+#include "tools/ResultCode.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace modemsim {
+
+// Milliseconds of any clock that only goes forward; the simulated modem reads no clock itself.
+using TimeMs = std::int64_t;
+
+// A dialled number that ends in these digits gives this result.
+struct SDialRule {
+    std::string ending;
+    EResult result = EResult::NoCarrier;
+};
+
+struct SFaults {
+    bool silent = false; // takes input, never answers
+    std::optional<std::uint64_t>
+        silentAfter;            // goes silent once so many command lines were answered
+    TimeMs delay = 0;           // before each answer
+    bool split = false;         // one byte a write
+    std::uint32_t garbage = 0;  // random bytes before each answer
+    std::uint32_t seed = 1;     // of those random bytes
+    std::uint64_t longLine = 0; // characters of an extra line before each final result
+    std::optional<std::uint64_t> vanishAfter; // the device goes away after so many bytes sent
+    bool flood = false;                       // endless bytes without a line end
+};
+
+struct SSimulatorProfile {
+    bool echo = true;
+    bool sim = true;
+    std::string version = "0";
+    std::int64_t startSeconds = 0; // calendar time at time 0, in seconds since 1970 (UTC)
+    TimeMs dialTime = 1000;
+    TimeMs hangUpAfter = 0; // the far end hangs up so long after CONNECT; 0: never
+    TimeMs ringPeriod = 0;  // the periods: 0 is off
+    std::optional<std::uint64_t> ringCount;
+    TimeMs messagePeriod = 0;
+    TimeMs registrationPeriod = 0;
+    std::vector<SDialRule> dialRules; // asked in this order, before the built-in ones
+    SFaults faults;
+};
+
+} // namespace modemsim
