@@ -17,6 +17,6 @@ elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
     # A terminal is started often and waits long: one small binary that loads and relocates little.
     target_compile_options(wirelet_flags INTERFACE -flto=auto -ffunction-sections -fdata-sections
         -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
-    target_link_options(wirelet_flags INTERFACE -flto=auto -O2 -static-libstdc++ -static-libgcc
+    target_link_options(wirelet_flags INTERFACE -flto=auto -O3 -static-libstdc++ -static-libgcc
         -Wl,--gc-sections -Wl,-O1 -Wl,--as-needed)
 endif()

@@ -5,7 +5,7 @@
 namespace {
 
 // A typical command file is taken in one read.
-constexpr std::size_t READ_SIZE = 16 * 1024;
+constexpr std::size_t READ_SIZE = std::size_t{16} * 1024;
 
 } // namespace
 

@@ -16,7 +16,7 @@ class CTextFile {
   public:
     // No text anybody means to have read has a longer line; this bounds the memory that a file
     // takes.
-    static constexpr std::size_t MAX_LINE_LENGTH = 16 * 1024 * 1024;
+    static constexpr std::size_t MAX_LINE_LENGTH = std::size_t{16} * 1024 * 1024;
 
     // Opens the file for reading, in place of the one that was open. FALSE when that fails; the
     // last error tells why (see CreateFileA).

@@ -168,7 +168,9 @@ BOOL GetCommState(HANDLE hFile, DCB* lpDCB);
 // Gives the driver other line settings and reads them back, because drivers replace what they
 // cannot do without a word. ERROR_INVALID_PARAMETER when the speed in place is off by more than 3
 // %, or the data format or flow control is not the one asked for; the driver's former settings are
-// then put back. One and a half stop bits exist with 5 data bits only, two with 6 to 8.
+// then put back. The same for what the kernel does not have: flow control by DSR or DTR, CTS flow
+// control without RTS handshake or the reverse, speed 0. One and a half stop bits exist with 5 data
+// bits only, two with 6 to 8. DTR and RTS move only when their control is another one than before.
 BOOL SetCommState(HANDLE hFile, DCB* lpDCB);
 
 BOOL SetCommTimeouts(HANDLE hFile, COMMTIMEOUTS* lpCommTimeouts);

@@ -95,7 +95,7 @@ BOOL CCommDriver::Release() {
         return TRUE;
     m_bHeld = false;
     // Closing waits up to half a minute for output that the other side holds back.
-    ioctl(m_descriptor.Get(), TCFLSH, TCOFLUSH);
+    Flush(TCOFLUSH);
     const BOOL restored = Call(TCSETS2, &m_found) || IsGone();
     ioctl(m_descriptor.Get(), TIOCNXCL);
     flock(m_descriptor.Get(), LOCK_UN);
@@ -190,6 +190,10 @@ BOOL CCommDriver::CountOutput(DWORD& count) {
 BOOL CCommDriver::Flush(int queue) {
     if (IsGone())
         return FailWith(ERROR_DEVICE_NOT_CONNECTED);
+    // A pseudo-terminal has no output queue: what it took is the other end's input already, and
+    // discarding it there would lose what counts as sent.
+    if (m_bPseudoTerminal && queue == TCOFLUSH)
+        return TRUE;
     return ioctl(m_descriptor.Get(), TCFLSH, queue) == 0 ? TRUE : FailCall(errno);
 }
 

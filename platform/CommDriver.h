@@ -45,7 +45,8 @@ class CCommDriver {
     BOOL CountInput(DWORD& count);
     BOOL CountOutput(DWORD& count);
 
-    // Discards the bytes of the driver's queues: TCIFLUSH, TCOFLUSH or TCIOFLUSH.
+    // Discards the bytes of one of the driver's queues: TCIFLUSH or TCOFLUSH. A pseudo-terminal
+    // holds no output.
     BOOL Flush(int queue);
 
     // The CE_ bits of the errors since the last call; none when the driver does not count.

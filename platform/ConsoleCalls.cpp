@@ -32,10 +32,6 @@ constinit HANDLE g_hOutput = &g_hOutput;
 constexpr DWORD MODE_TAKEN_OVER = 0;
 constexpr DWORD MODE_SHELL = 7; // line by line, echoed, with keys that are signals
 
-HANDLE RegisterImmortal(CHandleObject& object) {
-    return RegisterHandle(std::shared_ptr<CHandleObject>(&object, [](CHandleObject*) {}));
-}
-
 bool RegisterBoth() {
     static const bool registered = [] {
         g_session.value.Use(STDIN_FILENO, STDOUT_FILENO, std::getenv("TERM"));

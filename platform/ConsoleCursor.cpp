@@ -77,6 +77,9 @@ void CConsoleCursor::MoveTerminal(int column, int row) {
     const bool sameRow = m_terminal.row == row;
     if (sameRow && m_terminal.column == column && !m_terminal.wraps)
         return;
+    // Some terminals end a pending wrap only when the cursor really moves.
+    if (sameRow && m_terminal.wraps && column != 0)
+        m_gather.Put('\r');
     if (sameRow && column == 0)
         m_gather.Put('\r');
     else if (sameRow)

@@ -21,21 +21,37 @@ bool IsPrintable(std::uint8_t byte) {
 
 } // namespace
 
+std::size_t CConsoleOutput::EasyRoom() const {
+    const int columns = m_cursor.EasyColumns();
+    if ((m_dwObstacles | m_cursor.Obstacles()) != 0 || !m_colours.IsEasy() || columns <= 0)
+        return 0;
+    return std::min(static_cast<std::size_t>(columns), m_gather.EasyRoom());
+}
+
 bool CConsoleOutput::Write(const std::uint8_t* bytes, std::size_t count) {
+    EndEasy();
     const std::uint8_t* const end = bytes + count;
     while (bytes != end) {
-        const auto most = std::min(EasyRoom(), static_cast<std::size_t>(end - bytes));
-        const auto* const stop = std::find_if_not(bytes, bytes + most, IsPrintable);
-        const auto run = static_cast<std::size_t>(stop - bytes);
-        m_gather.Put({reinterpret_cast<const char*>(bytes), run});
-        m_cursor.Advance(static_cast<int>(run));
-        bytes = stop;
+        if (IsPrintable(*bytes))
+            bytes = WriteRun(bytes, end);
         if (bytes != end && !WriteByte(*bytes++))
             return false;
     }
+    m_nEasy = EasyRoom();
     if ((m_dwObstacles & DIRECT) != 0)
         return m_gather.Drain(-1);
     return true;
+}
+
+const std::uint8_t* CConsoleOutput::WriteRun(const std::uint8_t* bytes, const std::uint8_t* end) {
+    const auto most = std::min(EasyRoom(), static_cast<std::size_t>(end - bytes));
+    if (most == 0)
+        return bytes;
+    const auto* const stop = std::find_if_not(bytes, bytes + most, IsPrintable);
+    const auto run = static_cast<std::size_t>(stop - bytes);
+    m_gather.Put({reinterpret_cast<const char*>(bytes), run});
+    m_cursor.Advance(static_cast<int>(run));
+    return stop;
 }
 
 bool CConsoleOutput::WriteByte(std::uint8_t byte) {
@@ -99,12 +115,14 @@ void CConsoleOutput::WriteControl(std::uint8_t byte) {
 }
 
 void CConsoleOutput::WritePlainControl(std::uint8_t byte) {
+    if (byte == CARRIAGE_RETURN) { // several of them, as modems echo one, do what one does
+        m_dwObstacles |= HELD_RETURN;
+        return;
+    }
     if (byte == LINE_FEED) // takes the place of a CR before it
         m_dwObstacles &= ~static_cast<unsigned>(HELD_RETURN);
     EndHeldReturn();
-    if (byte == CARRIAGE_RETURN)
-        m_dwObstacles |= HELD_RETURN;
-    else if (byte == LINE_FEED || byte == BACKSPACE || byte == TAB)
+    if (byte == LINE_FEED || byte == BACKSPACE || byte == TAB)
         m_gather.Put(byte);
     else
         Draw(PictureOf(byte), 1);
@@ -179,6 +197,7 @@ void CConsoleOutput::EndHeldReturn() {
 }
 
 void CConsoleOutput::SetAttribute(std::uint8_t attribute) {
+    EndEasy();
     if (!m_bTerminal)
         return;
     EndSequence();
@@ -187,11 +206,13 @@ void CConsoleOutput::SetAttribute(std::uint8_t attribute) {
 }
 
 void CConsoleOutput::SetTitle(std::string_view title) {
+    EndEasy();
     if (m_bTitle && (m_dwObstacles & DIRECT) == 0 && EnsureRoom())
         m_title.Set(title);
 }
 
 bool CConsoleOutput::SetPosition(COORD position) {
+    EndEasy();
     if (!m_bTerminal)
         return true;
     FollowSize();
@@ -217,6 +238,7 @@ void CConsoleOutput::GetInfo(CONSOLE_SCREEN_BUFFER_INFO& info) {
 }
 
 int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
+    EndEasy();
     if (!m_bTerminal)
         return static_cast<int>(std::min<DWORD>(length, INT32_MAX));
     FollowSize();
@@ -234,6 +256,7 @@ int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
 }
 
 bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD start) {
+    EndEasy();
     if (!m_bTerminal || length == 0)
         return true;
     const int first = start.Y * m_cursor.Columns() + start.X;

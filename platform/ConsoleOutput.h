@@ -37,8 +37,9 @@ class CConsoleOutput final : public CHandleObject {
 
     // The short way of a single byte: FALSE, and nothing done, when it does not go that way.
     bool WriteEasy(std::uint8_t byte) {
-        if (byte - 0x20U >= 0x5FU || !IsEasy())
+        if (byte - 0x20U >= 0x5FU || m_nEasy == 0)
             return false;
+        --m_nEasy;
         m_gather.Put(byte);
         m_cursor.Advance(1);
         return true;
@@ -82,8 +83,12 @@ class CConsoleOutput final : public CHandleObject {
         DIRECT = 8,      // nothing is gathered
     };
 
-    bool IsEasy() const;
     std::size_t EasyRoom() const;
+    // Everything that touches the screen, but for Write, ends the short way.
+    void EndEasy() { m_nEasy = 0; }
+    // Writes printable characters from the front as far as they need nothing else; returns where it
+    // stopped.
+    const std::uint8_t* WriteRun(const std::uint8_t* bytes, const std::uint8_t* end);
     bool WriteByte(std::uint8_t byte);
     void WriteControl(std::uint8_t byte);
     void WritePlainControl(std::uint8_t byte);
@@ -105,6 +110,8 @@ class CConsoleOutput final : public CHandleObject {
     bool m_bTitle = false;
     bool m_bSizeNews = false;
     unsigned m_dwObstacles = DIRECT;
+    // How many printable characters need nothing but their byte in the buffer and the next column.
+    std::size_t m_nEasy = 0;
     CConsoleGather m_gather;
     CConsoleCursor m_cursor{m_gather};
     CConsoleColours m_colours{m_gather};
@@ -112,19 +119,5 @@ class CConsoleOutput final : public CHandleObject {
     CConsoleTitle m_title{m_gather};
     CUtf8Decoder m_decoder;
 };
-
-// The next printable character needs nothing but its byte in the buffer and the next column.
-inline bool CConsoleOutput::IsEasy() const {
-    return (m_dwObstacles | m_cursor.Obstacles()) == 0 && m_colours.IsEasy() &&
-           m_cursor.EasyColumns() > 0 && m_gather.EasyRoom() != 0;
-}
-
-// How many of them.
-inline std::size_t CConsoleOutput::EasyRoom() const {
-    if (!IsEasy())
-        return 0;
-    const auto columns = static_cast<std::size_t>(m_cursor.EasyColumns());
-    return columns < m_gather.EasyRoom() ? columns : m_gather.EasyRoom();
-}
 
 } // namespace platform

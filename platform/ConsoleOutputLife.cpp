@@ -45,6 +45,7 @@ void CConsoleOutput::FollowSize() {
     ReadSize(columns, rows);
     if (columns == m_cursor.Columns() && rows == m_cursor.Rows())
         return;
+    EndEasy();
     EndFill();
     m_cursor.Resize(columns, rows);
     m_bSizeNews = true;
@@ -56,6 +57,7 @@ bool CConsoleOutput::TakeSizeChange() {
 }
 
 void CConsoleOutput::Begin() {
+    EndEasy();
     m_gather.Channel().Open();
     m_dwObstacles &= ~static_cast<unsigned>(DIRECT);
     m_fill.KeepScreenOnce();
@@ -85,6 +87,7 @@ void CConsoleOutput::Suspend() {
 }
 
 void CConsoleOutput::Resume() {
+    EndEasy();
     if (!m_bTerminal)
         return;
     NoteSizeChange();
@@ -96,13 +99,18 @@ void CConsoleOutput::Resume() {
 // Begins with an empty buffer, so that nothing here waits in a way that serves the console: this
 // may be part of serving it. FALSE when the terminal takes nothing any more.
 bool CConsoleOutput::LeaveTerminal() {
+    EndEasy();
     if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
         return false;
     EndSequence();
     EndFill();
     EndHeldReturn();
-    if (!m_bTerminal)
+    if (!m_bTerminal) {
+        // A terminal that gets plain text needs its shell's prompt on a line of its own as well.
+        if (isatty(m_gather.Channel().Descriptor()) != 0)
+            m_gather.Put('\n');
         return true;
+    }
     m_colours.Sync(CConsoleColours::DEFAULT);
     m_cursor.GoBelow();
     return true;
@@ -115,6 +123,7 @@ bool CConsoleOutput::HasWork() const {
 }
 
 void CConsoleOutput::LetOut() {
+    EndEasy();
     EndFill();
     if (m_cursor.NeedsSync() && m_gather.HasRoom())
         m_cursor.Sync();
@@ -123,6 +132,7 @@ void CConsoleOutput::LetOut() {
 }
 
 void CConsoleOutput::ContinueAfterStall() {
+    EndEasy();
     m_gather.EndStall();
     m_gather.TryWrite();
 }

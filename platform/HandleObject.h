@@ -47,6 +47,10 @@ class CHandleObject {
 // Puts an object into the table; null when the table is full (ERROR_NOT_ENOUGH_MEMORY).
 HANDLE RegisterHandle(std::shared_ptr<CHandleObject> object);
 
+// The same for one of the few objects that live as long as the process: it is found without a lock
+// and its handle cannot be closed.
+HANDLE RegisterImmortal(CHandleObject& object);
+
 // The object that a handle names; null, with ERROR_INVALID_HANDLE set, for any other value.
 std::shared_ptr<CHandleObject> FindHandle(HANDLE handle);
 

@@ -2,6 +2,7 @@
 #include "platform/HandleObject.h"
 #include "platform/Wait.h"
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <new>
@@ -99,6 +100,18 @@ CHandleTable& Table() {
     return table;
 }
 
+// The objects that live as long as the process. Their handles are slots of generation 0, which the
+// table does not have; slot 0 is left out, because no handle is null.
+constexpr std::size_t IMMORTALS_MAX = 4;
+constinit std::atomic<CHandleObject*> g_immortals[IMMORTALS_MAX + 1] = {};
+
+CHandleObject* FindImmortal(HANDLE handle) {
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
+    if (value > IMMORTALS_MAX << SLOT_SHIFT || (value & ((1U << SLOT_SHIFT) - 1)) != 0)
+        return nullptr;
+    return g_immortals[value >> SLOT_SHIFT].load(std::memory_order_acquire);
+}
+
 std::shared_ptr<CHandleObject> OrInvalid(std::shared_ptr<CHandleObject> object) {
     if (!object)
         SetInvalidHandleError();
@@ -116,7 +129,20 @@ HANDLE RegisterHandle(std::shared_ptr<CHandleObject> object) {
     return handle;
 }
 
+HANDLE RegisterImmortal(CHandleObject& object) {
+    for (std::uintptr_t slot = 1; slot <= IMMORTALS_MAX; ++slot) {
+        CHandleObject* none = nullptr;
+        if (g_immortals[slot].compare_exchange_strong(none, &object))
+            return reinterpret_cast<HANDLE>(slot << SLOT_SHIFT);
+    }
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
 std::shared_ptr<CHandleObject> FindHandle(HANDLE handle) {
+    // Nobody owns an immortal, so the pointer to it counts nothing.
+    if (CHandleObject* const immortal = FindImmortal(handle))
+        return {std::shared_ptr<CHandleObject>(), immortal};
     return OrInvalid(Table().Find(handle));
 }
 

@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr std::size_t kLongestSequence = 255;
 constexpr BYTE kIntroducer = '[';
 constexpr BYTE kAbandon = '!';
 

@@ -19,9 +19,12 @@ class CAnsiConsole : public CConsoleScreen {
 
     // Shows a byte, or collects it when it belongs to a control sequence.
     void PutChar(BYTE character) override {
-        if (character != kEscape && !m_bInEscape)
-            return CConsoleScreen::PutChar(character);
-        Collect(character);
+        if (m_bInEscape && IsParameter(character) && m_nEscapeLength - 1 < kLongestSequence - 1)
+            m_szEscape[m_nEscapeLength++] = static_cast<char>(character);
+        else if (m_bInEscape || character == kEscape)
+            Collect(character);
+        else
+            CConsoleScreen::PutChar(character);
     }
 
     // Acts on the sequence collected. FALSE for a final character that has no meaning.
@@ -40,6 +43,13 @@ class CAnsiConsole : public CConsoleScreen {
     static constexpr BYTE kEscape = 0x1B;
     static constexpr BYTE kFirstFinal = '@';
     static constexpr BYTE kLastFinal = 'u';
+
+    static constexpr std::size_t kLongestSequence = 255;
+
+    // The digits and separators that most sequences consist of.
+    static constexpr bool IsParameter(BYTE character) {
+        return character >= '0' && character <= ';';
+    }
 
     static const Command kCommands[];
     static const std::array<Action, kLastFinal - kFirstFinal + 1> kActions;

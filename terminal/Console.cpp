@@ -33,6 +33,7 @@ BOOL CConsole::Init() {
     m_bActive = TRUE;
     g_pActiveConsole = this;
     m_bInputEnded = FALSE;
+    m_bOutputGone = FALSE;
     if (!m_hReleased)
         m_hReleased.Reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
     ResetEvent(m_hReleased);

@@ -39,7 +39,10 @@ class CConsole {
         if (!m_bActive)
             return FALSE;
         DWORD written = 0;
-        return WriteConsoleA(m_hOutput, bytes, count, &written, nullptr);
+        if (WriteConsoleA(m_hOutput, bytes, count, &written, nullptr))
+            return TRUE;
+        m_bOutputGone = TRUE;
+        return FALSE;
     }
 
     // For waits: the console's two handles (null before Init), and an event that is signalled while
@@ -50,6 +53,9 @@ class CConsole {
 
     // TRUE once ReadKey has met the end of the input: no key will come any more.
     BOOL IsInputEnded() const { return m_bInputEnded; }
+
+    // TRUE once a write has failed: the terminal or the pipe's reader is gone, or the disk is full.
+    BOOL IsOutputGone() const { return m_bOutputGone; }
 
   protected:
     ~CConsole();
@@ -68,6 +74,7 @@ class CConsole {
 
     CUniqueHandle m_hReleased;
     BOOL m_bInputEnded = FALSE;
+    BOOL m_bOutputGone = FALSE;
 };
 
 // The console that is taken over, or null: the control handler has no other way to find it.

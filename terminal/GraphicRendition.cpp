@@ -64,14 +64,21 @@ constexpr std::array kRows = {
     Row{40, 47, SetBackground},
 };
 
+// The changes by their parameter, so that a parameter costs no search.
+constexpr std::array kChanges = [] {
+    std::array<const Row*, kRows.back().last + 1> changes{};
+    for (const Row& row : kRows)
+        for (int parameter = row.first; parameter <= row.last; ++parameter)
+            changes[static_cast<std::size_t>(parameter)] = &row;
+    return changes;
+}();
+
 } // namespace
 
 GraphicRendition ApplyGraphicRendition(int parameter, GraphicRendition rendition) {
-    for (const Row& row : kRows) {
-        if (parameter < row.first || parameter > row.last)
-            continue;
-        row.change(rendition, static_cast<std::size_t>(parameter - row.first));
-        break;
-    }
+    const auto index = static_cast<std::size_t>(parameter);
+    const Row* const row = index < kChanges.size() ? kChanges[index] : nullptr;
+    if (row)
+        row->change(rendition, static_cast<std::size_t>(parameter - row->first));
     return rendition;
 }

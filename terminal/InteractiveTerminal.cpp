@@ -69,6 +69,14 @@ void CInteractiveTerminal::Turn() {
     const bool anythingShown = ShowReceived();
     if (!anythingShown && signalled == WAIT_OBJECT_0 + 2)
         m_deviceGone = m_modem.IsDeviceGone();
+    if (m_console.IsOutputGone())
+        EndUnseen();
+}
+
+// Nobody would see what the device says from now on.
+void CInteractiveTerminal::EndUnseen() {
+    TellUser(m_console, "wirelet: standard output takes no more; the terminal ends\n");
+    m_console.Restore();
 }
 
 void CInteractiveTerminal::TakeKeys() {

@@ -56,9 +56,11 @@ BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) 
         m_dwLastResponse = GetTickCount();
         if (HoldsFinalResult(gathered.data()))
             return TRUE;
-        if (count == kGatherSize - 1)
+        if (count == kGatherSize - 1) {
             // Nothing can be read any more, so bytes that wait must not end the wait.
             WaitWithoutReading(deadline);
+            return FALSE;
+        }
     } while (WaitForBytes(deadline));
     return FALSE;
 }

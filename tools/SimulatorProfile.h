@@ -22,15 +22,16 @@ struct SDialRule {
 
 struct SFaults {
     bool silent = false; // takes input, never answers
-    std::optional<std::uint64_t>
-        silentAfter;            // goes silent once so many command lines were answered
+    // Goes silent once so many command lines were answered.
+    std::optional<std::uint64_t> silentAfter = {};
     TimeMs delay = 0;           // before each answer
     bool split = false;         // one byte a write
     std::uint32_t garbage = 0;  // random bytes before each answer
     std::uint32_t seed = 1;     // of those random bytes
     std::uint64_t longLine = 0; // characters of an extra line before each final result
-    std::optional<std::uint64_t> vanishAfter; // the device goes away after so many bytes sent
-    bool flood = false;                       // endless bytes without a line end
+    // The device goes away after so many bytes sent.
+    std::optional<std::uint64_t> vanishAfter = {};
+    bool flood = false; // endless bytes without a line end
 };
 
 struct SSimulatorProfile {

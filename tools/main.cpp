@@ -3,6 +3,9 @@
 #include "tools/SimulatorLoop.h"
 #include "tools/SimulatorOptions.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <ctime>
 
@@ -22,6 +25,9 @@ int Print(const std::string& text) {
 }
 
 int Simulate(const modemsim::SSimulatorOptions& options) {
+    // The device would take the place of a closed standard output and be told its own path.
+    if (fcntl(STDOUT_FILENO, F_GETFD) < 0)
+        return Complain("there is no standard output for the device's path", exitFailure);
     std::string error;
     modemsim::CPtyDevice device;
     if (!device.Open(error))

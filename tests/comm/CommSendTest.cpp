@@ -9,7 +9,7 @@ const std::string MUCH = MakePattern(300'000);
 
 class CommSendTest : public CommTest {
   protected:
-    // The device must not echo what it is sent; it hears only when told to.
+    // The device listens only when the test does.
     void StartSending() {
         DWORD written = 1;
         ASSERT_FALSE(WriteFile(m_port, MUCH.data(), static_cast<DWORD>(MUCH.size()), &written,

@@ -45,8 +45,9 @@ TEST(ConsoleText, NoByteIsAControlFunction) {
         EXPECT_EQ(Shown(one + "[2J" + one + "]0;t\a" + one + "c|"),
                   picture + "[2J" + picture + "]0;t" + picture + "c|")
             << value;
-        if (undecided)
+        if (undecided) {
             EXPECT_EQ(Shown("[" + one), "[") << value;
+        }
     }
 }
 

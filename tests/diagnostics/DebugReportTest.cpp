@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <algorithm>
 
 #define EXPANDS_TO_ZERO 0
 
@@ -32,27 +32,6 @@ TEST(DebugReport, CutsLongTextsBeforeTheLineEnd) {
         DebugReport("%s", std::string(length, 'x').c_str());
         const std::string expected = std::string(std::min<std::size_t>(length, 510), 'x') + '\n';
         EXPECT_EQ(log.Take(), Texts{expected}) << length;
-    }
-}
-
-TEST(DebugReport, ReportsOfSeveralThreadsArriveWhole) {
-    CReportLog log;
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([thread] {
-            const std::string text(100 + 100 * static_cast<std::size_t>(thread),
-                                   'a' + static_cast<char>(thread));
-            for (int i = 0; i < 100; ++i)
-                DebugReport("%s", text.c_str());
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    const Texts texts = log.Texts();
-    ASSERT_EQ(texts.size(), 400u);
-    for (const std::string& text : texts) {
-        const std::size_t length = 100 + 100 * static_cast<std::size_t>(text[0] - 'a');
-        EXPECT_EQ(text, std::string(length, text[0]) + '\n');
     }
 }
 

@@ -39,8 +39,7 @@ TEST_F(CCommandFileTest, SendsLineByLineAndCaptures) {
                              "AT+LAST\r\n\r\nOK\r\n");
     // The start is still there, so the answer's sequence did not clear the screen.
     const std::string text = Screen().GetText();
-    EXPECT_NE(text.find("Setting 19200 baud\nATI\nATI\n\nModem\nModel\n\nOK\nATZ"),
-              std::string::npos)
+    EXPECT_NE(text.find("Setting 19200 baud\nATI\nATI\nModem\nModel\n\nOK\nATZ"), std::string::npos)
         << text;
     EXPECT_NE(text.find("\u2190[2J\u2190]2;stolen"), std::string::npos) << text;
     EXPECT_EQ(Screen().GetTitle(), "Corvane - " + m_device.GetPath());

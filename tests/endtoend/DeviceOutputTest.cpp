@@ -67,12 +67,12 @@ TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
     m_device.Send("\x1B[uZ\x1B[?25h\x1B[14;1H\x1Bx\x1BH\x1B[15;1Hcut here\x1B[15;4H\x1B[Kend");
 
     ASSERT_TRUE(ShowsInRow(14, "cutend"));
-    EXPECT_EQ(Screen().GetText(), "\n\n\n\n         herehot cold\n\n\nreverse\n\nabc YZ\n\n"
+    EXPECT_EQ(Screen().GetText(), "\n\n\n\n         herehot cold\n\n\nreverse\n\nabYZX\n\n"
                                   "  split\n\n\u2190x\u2190H\ncutend");
     EXPECT_EQ(GetColours(4, 12), std::make_pair(-1, -1));
     EXPECT_EQ(GetColours(4, 13), std::make_pair(11, 4));
     EXPECT_EQ(GetColours(4, 17), std::make_pair(-1, -1));
-    EXPECT_EQ(GetColours(7, 0), std::make_pair(8, 7));
+    EXPECT_EQ(GetColours(7, 0), std::make_pair(0, 7));
     Type(kAltF4);
     EXPECT_TRUE(Ends());
 }
@@ -98,7 +98,7 @@ TEST_F(CDeviceOutputTest, KnowsWhereTheCursorIs) {
         {"\x1B[10;1H\xF0\x9F\x99\x82", "10;3"},              //
         {"\x1B[11;1H\xFF\xC3(\x80", "11;5"},                 // invalid bytes, one column each
         {"\x1B[24;5Hx\n", "24;1"},                           // scrolls
-        {"\x1B[24;1H" + std::string(200, 'w'), "24;40"},     //
+        {"\x1B[24;1H" + std::string(200, 'w'), "24;41"},     //
         {"\x1B[99;99H", "24;80"},                            //
     };
     for (const auto& row : rows) {

@@ -34,6 +34,37 @@ TEST_F(CEndTest, Signals) {
     m_program->Kill(SIGKILL);
 }
 
+TEST_F(CEndTest, StoppedForAWhile) {
+    const termios before = m_terminal.GetLine().GetSettings();
+    StartColoured();
+    m_program->Kill(SIGTSTP);
+    ASSERT_TRUE(Fulfils("the terminal given back",
+                        [&] { return m_terminal.GetLine().GetSettings() == before; }));
+    m_pump.RunFor(std::chrono::milliseconds(200));
+    m_program->Kill(SIGCONT);
+    ASSERT_TRUE(Fulfils("the terminal taken over",
+                        [&] { return !(m_terminal.GetLine().GetSettings() == before); }));
+    Type("typed\x03");
+    ASSERT_TRUE(DeviceGets("typed\x03"));
+    m_device.Send("\x1B[2J\x1B[Hafterwards");
+    ASSERT_TRUE(ShowsInRow(0, "afterwards"));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CEndTest, SequencesCutShort) {
+    StartInteractive();
+    m_device.Send("text\x1B[1;3");
+    ASSERT_TRUE(Shows("text"));
+    Type(kAltF4);
+    ASSERT_TRUE(Ends());
+    StartInteractive();
+    m_device.Send("text\xF0\x9F\x99");
+    ASSERT_TRUE(ShowsInRow(2, "text"));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
 TEST_F(CEndTest, Crash) {
     for (const char* options : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
         SetVariable(options, "handle_segv=0:handle_abort=0");
@@ -85,7 +116,8 @@ TEST_F(CEndTest, DeviceThatTakesNothingDoesNotHoldTheEndUp) {
 
 TEST_F(CEndTest, TerminalClosed) {
     StartInteractive();
-    m_device.Send("some output\r\n");
+    // However busy the device is.
+    m_device.SendEndlessly("some output\r\n");
     m_terminal.CloseWindow();
     EXPECT_TRUE(Ends());
 }

@@ -1,6 +1,7 @@
 // What the user types and pastes, as the device gets it.
 #include "tests/endtoend/SessionTest.h"
 
+#include <algorithm>
 #include <random>
 
 class CKeysTest : public CSessionTest {
@@ -85,6 +86,28 @@ TEST_F(CKeysTest, PasteIsExactOnADeviceThatEchoes) {
     Type(paste);
     ASSERT_TRUE(DeviceGets(paste));
     ASSERT_TRUE(Shows("\u2665the echo's end"));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CKeysTest, PasteIsExactInACall) {
+    CSimulator modem(m_pump, {"--dial-time", "1"});
+    Start(modem.GetPath());
+    ASSERT_TRUE(Shows("OK"));
+    Type("ATD5551\r");
+    ASSERT_TRUE(Shows("CONNECT"));
+    // The far end echoes each line; a number tells them apart.
+    std::string lines;
+    for (int line = 0; line < 10000; ++line)
+        lines += "line " + std::to_string(line) + " of the call\r\n";
+    Type(lines + "the end");
+    ASSERT_TRUE(Shows("the end"));
+    const std::vector<std::string>& scrollback = Screen().GetScrollback();
+    auto row = std::find(scrollback.begin(), scrollback.end(), "line 0 of the call");
+    int line = 0;
+    for (; row != scrollback.end(); ++row)
+        ASSERT_EQ(*row, "line " + std::to_string(line++) + " of the call");
+    EXPECT_EQ(line, 10001 - CTerminal::kRows);
     Type(kAltF4);
     EXPECT_TRUE(Ends());
 }

@@ -80,8 +80,9 @@ TEST_F(CPipeTest, InputFromAPipeOutputOnTheTerminal) {
 TEST_F(CPipeTest, InputFromTheTerminalOutputToAPipe) {
     StartWith(-1, m_output.GetWriter(), -1, m_device.GetPath());
     m_output.CloseWriter();
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
     Type("A");
-    EXPECT_TRUE(DeviceGets("ATE1V1\rA"));
+    EXPECT_TRUE(DeviceGets("A"));
     m_device.Send("A\x1B[2J\r\n\x1B[6n");
     // There is no screen, so the report says so; it must not keep the device waiting.
     EXPECT_TRUE(Fulfils("a report", [this] { return m_device.GetReceived().ends_with('R'); }));
@@ -99,22 +100,22 @@ TEST_F(CPipeTest, EmptyInput) {
 }
 
 TEST_F(CPipeTest, OutputThatNobodyReads) {
-    m_output.CloseReader();
     StartWith(-1, m_output.GetWriter(), -1, m_device.GetPath());
     m_output.CloseWriter();
-    m_device.Send(std::string(200000, 'x'));
-    Type(kAltF4);
-    ASSERT_TRUE(Fulfils("the end", [this] { return m_program->HasEnded(); }));
-    EXPECT_TRUE(Ends(m_program->GetExit() == -SIGPIPE ? -SIGPIPE : 0));
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+    m_output.CloseReader();
+    // Without a reader there is nobody to type for: it ends by itself, and says why.
+    m_device.SendEndlessly("unseen ");
+    ASSERT_TRUE(Ends());
+    EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
 }
 
 TEST_F(CPipeTest, OutputOnAFullDisk) {
     const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
     StartPiped(m_device.GetPath(), full.Get());
     m_device.Send(std::string(200000, 'x'));
-    Feed("AT\r");
-    EXPECT_TRUE(DeviceGets("ATE1V1\rAT\r"));
-    EXPECT_TRUE(Ends());
+    ASSERT_TRUE(Ends());
+    EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
 }
 
 TEST_F(CPipeTest, DeviceGone) {

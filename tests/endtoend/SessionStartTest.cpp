@@ -45,14 +45,17 @@ TEST_F(CSessionStartTest, ShowsTheSessionAndLeavesTheTerminalAsItWas) {
 }
 
 TEST_F(CSessionStartTest, SetsTheBaudRateAskedFor) {
+    m_device.Send("said before\r\n");
+    ASSERT_TRUE(m_pump.RunUntil([this] { return m_device.IsAllSent(); }));
     Start(m_device.GetPath(), {"-b:115200"});
     ASSERT_TRUE(ShowsInRow(1, "Setting 115200 baud"));
+    ASSERT_TRUE(ShowsInRow(2, "said before"));
     ASSERT_TRUE(DeviceGets("ATE1V1\r"));
     // A bare device does not echo, and the terminal shows nothing of its own.
     Type("AT\r");
     ASSERT_TRUE(DeviceGets("AT\r"));
     m_device.Send("answer");
-    ASSERT_TRUE(ShowsInRow(2, "answer"));
+    ASSERT_TRUE(ShowsInRow(3, "answer"));
     Type(kAltF4);
     ASSERT_TRUE(Ends());
 

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
-#include <thread>
 
 namespace {
 
@@ -116,33 +114,6 @@ TEST(CommBuffer, NullPointersAreReported) {
     ASSERT_EQ(texts.size(), 2u);
     for (const std::string& text : texts)
         EXPECT_NE(text.find("\n\tFile: CommBuffer\n\tExp: lpBuffer\n"), std::string::npos);
-}
-
-TEST(CommBuffer, TwoThreadsMeetThroughTheEvents) {
-    constexpr DWORD TOTAL = 300000;
-    CVCommBuffer buffer;
-    std::thread writer([&buffer] {
-        BYTE piece[700];
-        for (DWORD sent = 0; sent < TOTAL;) {
-            const DWORD count = std::min<DWORD>(sizeof(piece), TOTAL - sent);
-            for (DWORD i = 0; i < count; ++i)
-                piece[i] = static_cast<BYTE>((sent + i) % 251);
-            WaitForSingleObject(buffer.GetSpaceEvent(), INFINITE);
-            sent += buffer.Write(piece, count);
-        }
-    });
-    DWORD wrong = 0;
-    for (DWORD received = 0; received < TOTAL;) {
-        BYTE piece[1024];
-        WaitForSingleObject(buffer.GetDataEvent(), INFINITE);
-        const DWORD count = buffer.Read(piece, sizeof(piece), TRUE);
-        for (DWORD i = 0; i < count; ++i)
-            wrong += piece[i] != (received + i) % 251;
-        received += count;
-    }
-    writer.join();
-    EXPECT_EQ(wrong, 0u);
-    EXPECT_EQ(StateOf(buffer), (SState{4096, 0, false, true}));
 }
 
 } // namespace

@@ -5,9 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fcntl.h>
 #include <random>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -300,6 +303,65 @@ TEST(AnsiConsole, OutlivesAnyBytes) {
     }
     screen.Feed(std::string(1000000, '\x1B'));
     EXPECT_EQ(screen.Feed("[3C"), Calls{"CursorForward 3"});
+}
+
+// Replaces standard input by an empty one and standard output by a file.
+class CPlainStreams {
+  public:
+    CPlainStreams() : m_nSavedInput(dup(STDIN_FILENO)), m_nSavedOutput(dup(STDOUT_FILENO)) {
+        const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        dup2(input, STDIN_FILENO);
+        dup2(fileno(m_pFile), STDOUT_FILENO);
+        close(input);
+    }
+    CPlainStreams(const CPlainStreams&) = delete;
+    CPlainStreams& operator=(const CPlainStreams&) = delete;
+    ~CPlainStreams() {
+        dup2(m_nSavedInput, STDIN_FILENO);
+        dup2(m_nSavedOutput, STDOUT_FILENO);
+        close(m_nSavedInput);
+        close(m_nSavedOutput);
+        std::fclose(m_pFile);
+    }
+    std::string ReadOutput() {
+        std::string output(1000, '\0');
+        const ssize_t count = pread(fileno(m_pFile), output.data(), output.size(), 0);
+        output.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return output;
+    }
+
+  private:
+    std::FILE* m_pFile = std::tmpfile();
+    int m_nSavedInput;
+    int m_nSavedOutput;
+};
+
+class CPlainConsole final : public CAnsiConsole {
+  public:
+    void Show(std::string_view bytes) {
+        for (const char byte : bytes)
+            PutChar(static_cast<BYTE>(byte));
+    }
+};
+
+TEST(AnsiConsole, ShowsWhatIsNoSequenceAsText) {
+    std::string output;
+    BOOL isInputEnded = FALSE;
+    {
+        CPlainStreams streams;
+        CPlainConsole console;
+        console.Attach(nullptr);
+        console.Show("a\x1BHb\x1B[?25hc\x1B[1;31md\x1B[12!e\x1B[");
+        console.Show(std::string(300, '1'));
+        BYTE key = 0;
+        console.ReadKey(&key);
+        isInputEnded = console.IsInputEnded();
+        console.Restore();
+        output = streams.ReadOutput();
+    }
+    // The 256th byte behind the last ESC is lost with what was collected; 300 - 255 bytes remain.
+    EXPECT_EQ(output, "a\xE2\x86\x90Hbcde" + std::string(45, '1'));
+    EXPECT_TRUE(isInputEnded);
 }
 
 } // namespace

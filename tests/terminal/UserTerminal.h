@@ -7,30 +7,25 @@
 #include <fcntl.h>
 #include <pty.h>
 #include <stdexcept>
-#include <string>
 #include <string_view>
 #include <unistd.h>
 
 class CUserTerminal {
   public:
     CUserTerminal() {
-        setenv("TERM", "xterm-256color", 1);
-        winsize size = {};
-        size.ws_row = 24;
-        size.ws_col = 80;
-        if (openpty(&m_nMaster, &m_nSlave, nullptr, nullptr, &size) != 0)
-            throw std::runtime_error("no pseudo-terminal");
-        fcntl(m_nMaster, F_SETFL, O_NONBLOCK);
-        m_nSavedInput = Replace(STDIN_FILENO, m_nSlave);
-        m_nSavedOutput = Replace(STDOUT_FILENO, m_nSlave);
+        static const Pair pair = MakePair();
+        m_nMaster = pair.master;
+        m_nSavedInput = Replace(STDIN_FILENO, pair.slave);
+        m_nSavedOutput = Replace(STDOUT_FILENO, pair.slave);
     }
     CUserTerminal(const CUserTerminal&) = delete;
     CUserTerminal& operator=(const CUserTerminal&) = delete;
     ~CUserTerminal() {
+        TakeOutput();
         dup2(m_nSavedInput, STDIN_FILENO);
         dup2(m_nSavedOutput, STDOUT_FILENO);
-        for (const int descriptor : {m_nSavedInput, m_nSavedOutput, m_nSlave, m_nMaster})
-            close(descriptor);
+        close(m_nSavedInput);
+        close(m_nSavedOutput);
     }
 
     // What the user types.
@@ -39,16 +34,31 @@ class CUserTerminal {
             throw std::runtime_error("the keys do not fit");
     }
 
-    // What has been sent to the terminal so far.
-    std::string TakeOutput() {
-        std::string output;
+    // Takes what has been sent to the terminal, so that there is room for more.
+    void TakeOutput() {
         char buffer[4096];
-        for (ssize_t count; (count = read(m_nMaster, buffer, sizeof(buffer))) > 0;)
-            output.append(buffer, static_cast<std::size_t>(count));
-        return output;
+        while (read(m_nMaster, buffer, sizeof(buffer)) > 0)
+            ;
     }
 
   private:
+    struct Pair {
+        int master;
+        int slave;
+    };
+
+    static Pair MakePair() {
+        setenv("TERM", "xterm-256color", 1);
+        winsize size = {};
+        size.ws_row = 24;
+        size.ws_col = 80;
+        Pair pair;
+        if (openpty(&pair.master, &pair.slave, nullptr, nullptr, &size) != 0)
+            throw std::runtime_error("no pseudo-terminal");
+        fcntl(pair.master, F_SETFL, O_NONBLOCK);
+        return pair;
+    }
+
     static int Replace(int descriptor, int replacement) {
         const int saved = dup(descriptor);
         dup2(replacement, descriptor);
@@ -56,7 +66,6 @@ class CUserTerminal {
     }
 
     int m_nMaster = -1;
-    int m_nSlave = -1;
     int m_nSavedInput = -1;
     int m_nSavedOutput = -1;
 };

@@ -87,7 +87,7 @@ BOOL CVSerial::StopWriteThread() {
 
 DWORD CVSerial::WriteThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return static_cast<CVSerial*>(pObject)->RunWriteThread();
+    return pObject ? static_cast<CVSerial*>(pObject)->RunWriteThread() : 0;
 }
 
 DWORD CVSerial::RunWriteThread() {

@@ -64,7 +64,8 @@ DWORD CVSerial::Read(LPVOID pBuffer, DWORD dwCount) {
     if (m_bOverlapped)
         return ReadOverlapped(pBuffer, dwCount);
     DWORD dwRead = 0;
-    DEBUG_VERIFY(::ReadFile(m_hPort, pBuffer, dwCount, &dwRead, NULL));
+    // The report carries this very text.
+    DEBUG_VERIFY(::ReadFile(m_hPort, pBuffer, dwCount, &dwRead, NULL)); // NOLINT(*-use-nullptr)
     return dwRead;
 }
 

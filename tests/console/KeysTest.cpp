@@ -1,0 +1,266 @@
+// The keys in the bytes that terminals send.
+#include "platform/Console.h"
+#include "platform/ConsoleInput.h"
+#include "platform/ConsoleKeyTable.h"
+#include "platform/Wait.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <string>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace platform;
+
+namespace {
+
+constexpr DWORD SHIFT = SHIFT_PRESSED;
+constexpr DWORD ALT = LEFT_ALT_PRESSED;
+constexpr DWORD CTRL = LEFT_CTRL_PRESSED;
+
+struct Sequence {
+    const char* bytes;
+    WORD key;
+    DWORD held;
+};
+
+const Sequence SEQUENCES[] = {
+    // xterm, in both cursor key modes, and with modifiers
+    {"\x1b[A", VK_UP, 0},
+    {"\x1b[B", VK_DOWN, 0},
+    {"\x1b[C", VK_RIGHT, 0},
+    {"\x1b[D", VK_LEFT, 0},
+    {"\x1b[H", VK_HOME, 0},
+    {"\x1b[F", VK_END, 0},
+    {"\x1bOA", VK_UP, 0},
+    {"\x1bOD", VK_LEFT, 0},
+    {"\x1bOH", VK_HOME, 0},
+    {"\x1bOF", VK_END, 0},
+    {"\x1b[2~", VK_INSERT, 0},
+    {"\x1b[3~", VK_DELETE, 0},
+    {"\x1b[5~", VK_PRIOR, 0},
+    {"\x1b[6~", VK_NEXT, 0},
+    {"\x1bOP", VK_F1, 0},
+    {"\x1bOQ", VK_F2, 0},
+    {"\x1bOR", VK_F3, 0},
+    {"\x1bOS", VK_F4, 0},
+    {"\x1b[15~", VK_F5, 0},
+    {"\x1b[17~", VK_F6, 0},
+    {"\x1b[1;2A", VK_UP, SHIFT},
+    {"\x1b[1;3B", VK_DOWN, ALT},
+    {"\x1b[1;5C", VK_RIGHT, CTRL},
+    {"\x1b[1;8D", VK_LEFT, SHIFT | ALT | CTRL},
+    {"\x1b[1;9F", VK_END, ALT}, // Meta
+    {"\x1b[1;3S", VK_F4, ALT},
+    {"\x1b[1;2P", VK_F1, SHIFT},
+    {"\x1b[3;5~", VK_DELETE, CTRL},
+    {"\x1b[17;16~", VK_F6, SHIFT | ALT | CTRL},
+    {"\x1bO3S", VK_F4, ALT}, // older ones
+    {"\x1b[5A", VK_UP, CTRL},
+    // Linux console
+    {"\x1b[[A", VK_F1, 0},
+    {"\x1b[[D", VK_F4, 0},
+    {"\x1b[[E", VK_F5, 0},
+    // Linux console, screen, tmux
+    {"\x1b[1~", VK_HOME, 0},
+    {"\x1b[4~", VK_END, 0},
+    // rxvt
+    {"\x1b[7~", VK_HOME, 0},
+    {"\x1b[8~", VK_END, 0},
+    {"\x1b[11~", VK_F1, 0},
+    {"\x1b[14~", VK_F4, 0},
+    {"\x1b[a", VK_UP, SHIFT},
+    {"\x1bOd", VK_LEFT, CTRL},
+    {"\x1b[7^", VK_HOME, CTRL},
+    {"\x1b[3$", VK_DELETE, SHIFT},
+    {"\x1b[5@", VK_PRIOR, SHIFT | CTRL},
+};
+
+// The keyboard at the end of a pipe.
+struct Keyboard {
+    explicit Keyboard(const char* type = "no-such-terminal") {
+        int ends[2] = {-1, -1};
+        EXPECT_EQ(pipe(ends), 0);
+        reading.Reset(ends[0]);
+        writing.Reset(ends[1]);
+        input->Use(reading.Get(), type);
+        handle = RegisterHandle(input);
+    }
+    ~Keyboard() { CloseHandle(handle); }
+
+    void Type(std::string_view bytes) const {
+        ASSERT_EQ(write(writing.Get(), bytes.data(), bytes.size()),
+                  static_cast<ssize_t>(bytes.size()));
+    }
+    // Waits for the next record, at most a long time; one of type 0 at the end of the input.
+    INPUT_RECORD Take() const {
+        INPUT_RECORD record{};
+        while (input->Take(record) == CConsoleInput::Taken::NOTHING)
+            EXPECT_EQ(WaitForSingleObject(handle, 10'000), WAIT_OBJECT_0);
+        return record;
+    }
+    // What is there now is read, and nothing can be taken of it.
+    bool IsSilent() const { return WaitForSingleObject(handle, 0) == WAIT_TIMEOUT; }
+
+    CDescriptor reading;
+    CDescriptor writing;
+    std::shared_ptr<CConsoleInput> input = std::make_shared<CConsoleInput>();
+    HANDLE handle;
+};
+
+void ExpectKey(const INPUT_RECORD& record, const Sequence& sequence, DWORD held) {
+    const KEY_EVENT_RECORD& key = record.Event.KeyEvent;
+    EXPECT_EQ(record.EventType, KEY_EVENT);
+    EXPECT_EQ(key.uChar.AsciiChar, 0);
+    EXPECT_EQ(key.wVirtualKeyCode, sequence.key) << sequence.bytes + 1;
+    EXPECT_EQ(key.wVirtualScanCode, ScanCodeOf(sequence.key));
+    EXPECT_EQ(key.dwControlKeyState, held) << sequence.bytes + 1;
+}
+
+// The characters until the input ends; a key is told as its code in brackets.
+std::string TakeAll(const Keyboard& keyboard) {
+    std::string text;
+    for (;;) {
+        const INPUT_RECORD record = keyboard.Take();
+        if (record.EventType == 0)
+            return text;
+        const KEY_EVENT_RECORD& key = record.Event.KeyEvent;
+        if (key.uChar.AsciiChar != 0 || key.wVirtualKeyCode == 0x32)
+            text += key.uChar.AsciiChar;
+        else
+            text += "<" + std::to_string(key.wVirtualKeyCode) + ">";
+    }
+}
+
+} // namespace
+
+TEST(ConsoleKeys, EverySequenceWholeAndSplit) {
+    const Keyboard keyboard;
+    for (const Sequence& sequence : SEQUENCES) {
+        const std::string_view bytes = sequence.bytes;
+        keyboard.Type(bytes);
+        ExpectKey(keyboard.Take(), sequence, sequence.held);
+        keyboard.Type("\x1b" + std::string(bytes));
+        ExpectKey(keyboard.Take(), sequence, sequence.held | ALT);
+        for (std::size_t split = 1; split < bytes.size(); ++split) {
+            keyboard.Type(bytes.substr(0, split));
+            WaitForSingleObject(keyboard.handle, 0); // reads the first part
+            keyboard.Type(bytes.substr(split));
+            ExpectKey(keyboard.Take(), sequence, sequence.held);
+        }
+    }
+}
+
+TEST(ConsoleKeys, WhatIsNoKeyArrivesByteByByte) {
+    static constexpr std::string_view TYPED[] = {
+        "plain text \xC3\xA9\xFF",
+        std::string_view("\0\x01\x03\x1A\x11\x13\x7F", 7),
+        "\x1b[18~\x1b[200~pasted\x1b[201~\x1b[<0;1;1M", // F7, a bracketed paste, a mouse
+        "\x1b[1;17A\x1b[1;A\x1b[;5A\x1b[99~\x1b[[F\x1bOZ",
+        "\x1b\x1b\x1bx\x1b[\x1b]\x1bO",
+        "\x1b"
+        "a\x1b[",
+    };
+    for (const std::string_view typed : TYPED) {
+        Keyboard keyboard;
+        keyboard.Type(typed);
+        keyboard.writing.Reset();
+        EXPECT_EQ(TakeAll(keyboard), typed);
+    }
+    Keyboard keyboard; // the rest of a broken sequence may begin a key
+    keyboard.Type("\x1b[\x1b[A\x1b[1;\x1b\x1bOBz");
+    keyboard.writing.Reset();
+    EXPECT_EQ(TakeAll(keyboard), "\x1b[<38>\x1b[1;<40>z");
+}
+
+TEST(ConsoleKeys, ALoneEscapeIsAKeyAfterAWhile) {
+    const Keyboard keyboard;
+    keyboard.Type("\x1b");
+    EXPECT_TRUE(keyboard.IsSilent());
+    EXPECT_EQ(keyboard.Take().Event.KeyEvent.uChar.AsciiChar, '\x1b');
+    EXPECT_TRUE(keyboard.IsSilent());
+    keyboard.Type("\x1b[1;");
+    for (const char expected : std::string_view("\x1b[1;"))
+        EXPECT_EQ(keyboard.Take().Event.KeyEvent.uChar.AsciiChar, expected);
+}
+
+TEST(ConsoleKeys, ALongPasteIsExact) {
+    std::mt19937 random(3);
+    std::string pasted;
+    while (pasted.size() < 1 << 20) {
+        const auto byte = static_cast<char>(random() & 0xFF);
+        pasted += byte == '[' || byte == 'O' ? '.' : byte; // so that no key begins
+    }
+    Keyboard keyboard;
+    const pid_t typist = fork();
+    if (typist == 0) {
+        for (std::size_t from = 0; from < pasted.size();) {
+            const std::size_t count = 1 + random() % 5000;
+            const ssize_t written = write(keyboard.writing.Get(), pasted.data() + from,
+                                          std::min(count, pasted.size() - from));
+            from += static_cast<std::size_t>(written);
+        }
+        _exit(0);
+    }
+    keyboard.writing.Reset();
+    EXPECT_TRUE(TakeAll(keyboard) == pasted);
+    int status = 0;
+    EXPECT_EQ(waitpid(typist, &status, 0), typist);
+}
+
+TEST(ConsoleKeys, AKeyAcrossTheEndOfTheBuffer) {
+    for (std::size_t before = 4090; before <= 4097; ++before) {
+        Keyboard keyboard;
+        keyboard.Type(std::string(before, 'x') + "\x1b[15~\x1b[A");
+        keyboard.writing.Reset();
+        EXPECT_EQ(TakeAll(keyboard), std::string(before, 'x') + "<116><38>");
+    }
+}
+
+TEST(ConsoleKeys, TheTerminalsOwnSequencesGoFirst) {
+    const Keyboard keyboard("st-256color"); // has CSI P for Delete and CSI 4 h for Insert
+    keyboard.Type("\x1b[P\x1b[4h\x1bOP");
+    const WORD first = keyboard.Take().Event.KeyEvent.wVirtualKeyCode;
+    if (first == VK_F1)
+        GTEST_SKIP() << "no terminfo entry of that type here";
+    EXPECT_EQ(first, VK_DELETE);
+    EXPECT_EQ(keyboard.Take().Event.KeyEvent.wVirtualKeyCode, VK_INSERT);
+    EXPECT_EQ(keyboard.Take().Event.KeyEvent.wVirtualKeyCode, VK_F1);
+}
+
+TEST(ConsoleKeys, TheTableRefusesWhatIsNoSequence) {
+    auto keys = std::make_unique<CConsoleKeys>();
+    EXPECT_FALSE(keys->Add("\x7F", VK_DELETE, 0));
+    EXPECT_FALSE(keys->Add("\x1b", VK_HOME, 0));
+    EXPECT_FALSE(keys->Add("\x1b\x1bO", VK_HOME, 0));
+    EXPECT_FALSE(keys->Add("\x1b[234567890123456", VK_HOME, 0));
+    EXPECT_TRUE(keys->Add("\x1b[23456789012345", VK_HOME, 0));
+    AddKnownKeys(*keys);
+    EXPECT_TRUE(keys->Add("\x1b[zyxwvutsrqponm", VK_HOME, 0)) << "the table is full";
+}
+
+TEST(ConsoleInput, EventsComeBeforeKeysAndTheEndStays) {
+    Keyboard keyboard;
+    keyboard.Type("a");
+    keyboard.input->AddSizeEvent({100, 30});
+    keyboard.input->AddMenuEvent();
+    EXPECT_EQ(keyboard.Take().EventType, MENU_EVENT);
+    const INPUT_RECORD size = keyboard.Take();
+    EXPECT_EQ(size.EventType, WINDOW_BUFFER_SIZE_EVENT);
+    EXPECT_EQ(size.Event.WindowBufferSizeEvent.X, 100);
+    EXPECT_EQ(keyboard.Take().Event.KeyEvent.uChar.AsciiChar, 'a');
+    keyboard.writing.Reset();
+    for (int time = 0; time < 2; ++time) {
+        INPUT_RECORD record{};
+        EXPECT_EQ(WaitForSingleObject(keyboard.handle, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(keyboard.input->Take(record), CConsoleInput::Taken::END);
+    }
+    CConsoleInput closed;
+    closed.Use(-1, nullptr);
+    INPUT_RECORD record{};
+    EXPECT_EQ(closed.Take(record), CConsoleInput::Taken::END);
+}
