@@ -1,5 +1,5 @@
-// The yardstick: poll() on the keyboard and the port, copying both ways, interpreting nothing. What a
-// terminal takes more than this is what its work costs.
+// The yardstick: poll() on the keyboard and the port, copying both ways, interpreting nothing. What
+// a terminal takes more than this is what its work costs.
 
 #include <array>
 #include <cerrno>

@@ -1,5 +1,5 @@
-// The whole program beside the copy loop, in one run: bytes from the device to the screen. The ratio is
-// the figure to compare; bytes per second depend on the machine and its load.
+// The whole program beside the copy loop, in one run: bytes from the device to the screen. The
+// ratio is the figure to compare; bytes per second depend on the machine and its load.
 
 #include "bench/Payload.h"
 #include "tests/endtoend/Process.h"
@@ -44,12 +44,9 @@ class CStation {
         termios settings = m_device.GetSettings();
         cfmakeraw(&settings);
         m_device.ApplySettings(settings);
-        return {{program, m_device.GetPath()},
-                {"TERM=xterm-256color", "LANG=C.UTF-8"},
-                m_screen.GetSlave(),
-                m_screen.GetSlave(),
-                m_screen.GetSlave(),
-                m_screen.GetPath()};
+        return {{program, m_device.GetPath()}, {"TERM=xterm-256color", "LANG=C.UTF-8"},
+                m_screen.GetSlave(),           m_screen.GetSlave(),
+                m_screen.GetSlave(),           m_screen.GetPath()};
     }
 
     void Send(std::string bytes) { m_unsent += bytes; }

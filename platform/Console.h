@@ -1,21 +1,21 @@
 // The console: the user's terminal as a screen and a keyboard.
 //
-// One thread, the one that calls SetConsoleMode with 0, takes the console over and is the only one to
-// use it from then on. Control handlers are called on that thread, while it waits. The handles are
-// those of GetStdHandle; other handles give FALSE with ERROR_INVALID_HANDLE.
+// One thread, the one that calls SetConsoleMode with 0, takes the console over and is the only one
+// to use it from then on. Control handlers are called on that thread, while it waits. The handles
+// are those of GetStdHandle; other handles give FALSE with ERROR_INVALID_HANDLE.
 //
-// Output is processed: CR, LF (to the first column of the next line), BS, TAB and BEL act, every other
-// control character is drawn as the picture that code page 437 has for it, invalid UTF-8 as U+FFFD. No
-// byte that is written ever reaches the terminal as a control function. Output is gathered and goes
-// out when the thread next has to wait, when 64 KiB have gathered, and before the console is given
-// back; writing blocks only while the terminal holds back more than that. The cursor is known without
-// asking the terminal. When standard output is no terminal, text goes out plain: control sequences are
-// left out, and CR LF becomes LF.
+// Output is processed: CR, LF (to the first column of the next line), BS, TAB and BEL act, every
+// other control character is drawn as the picture that code page 437 has for it, invalid UTF-8 as
+// U+FFFD. No byte that is written ever reaches the terminal as a control function. Output is
+// gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before the
+// console is given back; writing blocks only while the terminal holds back more than that. The
+// cursor is known without asking the terminal. When standard output is no terminal, text goes out
+// plain: control sequences are left out, and CR LF becomes LF.
 //
 // Keys arrive as the bytes typed, one record a byte; the arrow, paging, Insert, Delete and function
-// keys are recognised as xterm, the Linux console, screen, tmux and rxvt send them and as the terminal's
-// terminfo entry has them. A lone ESC becomes a key after at most 50 ms. When standard input is no
-// terminal its bytes are the keys.
+// keys are recognised as xterm, the Linux console, screen, tmux and rxvt send them and as the
+// terminal's terminfo entry has them. A lone ESC becomes a key after at most 50 ms. When standard
+// input is no terminal its bytes are the keys.
 #pragma once
 
 #include "platform/Types.h"
@@ -106,18 +106,18 @@ HANDLE GetStdHandle(DWORD nStdHandle);
 // understands.
 BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode);
 
-// Mode 0 on the input takes the console over: raw keys, no echo; Ctrl+C, Ctrl+Z, Ctrl+S and Ctrl+Q are
-// keys, Ctrl+\ is the break signal. From now on whatever ends the process, a crash included, leaves the
-// terminal sane. The saved mode gives the console back: gathered output goes out (as long as the
-// terminal takes it, at most 2 s without progress), attributes and title return, the cursor stands
-// below the text.
+// Mode 0 on the input takes the console over: raw keys, no echo; Ctrl+C, Ctrl+Z, Ctrl+S and Ctrl+Q
+// are keys, Ctrl+\ is the break signal. From now on whatever ends the process, a crash included,
+// leaves the terminal sane. The saved mode gives the console back: gathered output goes out (as
+// long as the terminal takes it, at most 2 s without progress), attributes and title return, the
+// cursor stands below the text.
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 
-// Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails with
-// ERROR_NOT_ENOUGH_MEMORY. While one is there, Ctrl+\ (SIGQUIT) is CTRL_BREAK_EVENT, SIGHUP is
+// Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails
+// with ERROR_NOT_ENOUGH_MEMORY. While one is there, Ctrl+\ (SIGQUIT) is CTRL_BREAK_EVENT, SIGHUP is
 // CTRL_CLOSE_EVENT, SIGTERM is CTRL_SHUTDOWN_EVENT, SIGINT is CTRL_C_EVENT; with none, signals have
-// their usual effect. Each control event also becomes a MENU_EVENT record, so that a wait for the input
-// ends.
+// their usual effect. Each control event also becomes a MENU_EVENT record, so that a wait for the
+// input ends.
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE HandlerRoutine, BOOL Add);
 
 // The title of the terminal's window, control characters left out. TRUE also where the terminal has
@@ -129,14 +129,14 @@ BOOL SetConsoleTitleA(LPCSTR lpConsoleTitle);
 BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLength,
                        LPDWORD lpNumberOfEventsRead);
 
-// Writes bytes, processed as above. TRUE and the count; FALSE with ERROR_WRITE_FAULT once the terminal
-// is gone (the bytes are then dropped).
+// Writes bytes, processed as above. TRUE and the count; FALSE with ERROR_WRITE_FAULT once the
+// terminal is gone (the bytes are then dropped).
 BOOL WriteConsoleA(HANDLE hConsoleOutput, LPCVOID lpBuffer, DWORD nNumberOfCharsToWrite,
                    LPDWORD lpNumberOfCharsWritten, LPVOID lpReserved);
 
-// Size, cursor (at the right edge: the last column), attribute. The window is the whole terminal, 80
-// by 25 when there is none; a size change of the terminal shows at once. FALSE when standard output
-// is no terminal.
+// Size, cursor (at the right edge: the last column), attribute. The window is the whole terminal,
+// 80 by 25 when there is none; a size change of the terminal shows at once. FALSE when standard
+// output is no terminal.
 BOOL GetConsoleScreenBufferInfo(HANDLE hConsoleOutput, CONSOLE_SCREEN_BUFFER_INFO* lpInfo);
 
 // FALSE with ERROR_INVALID_PARAMETER for a position outside of the window; the cursor then stays.
@@ -146,15 +146,15 @@ BOOL SetConsoleCursorPosition(HANDLE hConsoleOutput, COORD dwCursorPosition);
 // top left corner, else ERROR_INVALID_PARAMETER.
 BOOL SetConsoleWindowInfo(HANDLE hConsoleOutput, BOOL bAbsolute, const SMALL_RECT* lpConsoleWindow);
 
-// Fills cells with a character, left to right and on to the next rows, then, with the second call for
-// the same cells, gives them an attribute; the cursor stays. The first fill of the whole window after
-// the console was taken over moves what was on the screen into the scrollback. The second call fails
-// with ERROR_NOT_SUPPORTED for cells other than those just filled.
+// Fills cells with a character, left to right and on to the next rows, then, with the second call
+// for the same cells, gives them an attribute; the cursor stays. The first fill of the whole window
+// after the console was taken over moves what was on the screen into the scrollback. The second
+// call fails with ERROR_NOT_SUPPORTED for cells other than those just filled.
 BOOL FillConsoleOutputCharacterA(HANDLE hConsoleOutput, char cCharacter, DWORD nLength,
                                  COORD dwWriteCoord, LPDWORD lpNumberOfCharsWritten);
 BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nLength,
                                 COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten);
 
-// The attribute of text written from now on: background * 16 + foreground, four bits each (1 blue, 2
-// green, 4 red, 8 bright). 0x07 is the terminal's own default colours.
+// The attribute of text written from now on: background * 16 + foreground, four bits each (1 blue,
+// 2 green, 4 red, 8 bright). 0x07 is the terminal's own default colours.
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes);

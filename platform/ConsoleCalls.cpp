@@ -6,24 +6,33 @@
 #include "platform/Wait.h"
 
 #include <cstdlib>
+#include <new>
 
 #include <unistd.h>
 
 namespace platform {
 namespace {
 
-// An object that outlives the last user of the console, static objects included.
-template <class Object> union Immortal {
-    template <class... Arguments>
-    constexpr explicit Immortal(Arguments&... arguments) : value(arguments...) {}
-    ~Immortal() {}
-    Object value;
+// Room for an object that is made when the console is first asked for and outlives its last user,
+// static objects included. It lies in memory that takes nothing until it is used.
+template <class Object> class CImmortal {
+  public:
+    template <class... Arguments> void Make(Arguments&... arguments) {
+        if constexpr (sizeof...(Arguments) == 0)
+            new (m_room) Object; // without (), which would write over all of it
+        else
+            new (m_room) Object(arguments...);
+    }
+    Object& Get() { return *std::launder(reinterpret_cast<Object*>(m_room)); }
+
+  private:
+    alignas(Object) unsigned char m_room[sizeof(Object)];
 };
 
 // At fixed addresses, without a lock or a look-up: the screen is written byte by byte.
-constinit Immortal<CConsoleInput> g_input;
-constinit Immortal<CConsoleOutput> g_output;
-constinit Immortal<CConsoleSession> g_session(g_input.value, g_output.value);
+constinit CImmortal<CConsoleInput> g_input;
+constinit CImmortal<CConsoleOutput> g_output;
+constinit CImmortal<CConsoleSession> g_session;
 
 // Until the handles are given out, values that no caller can have.
 constinit HANDLE g_hInput = &g_hInput;
@@ -34,14 +43,17 @@ constexpr DWORD MODE_SHELL = 7; // line by line, echoed, with keys that are sign
 
 bool RegisterBoth() {
     static const bool registered = [] {
-        g_session.value.Use(STDIN_FILENO, STDOUT_FILENO, std::getenv("TERM"));
-        const HANDLE hInput = RegisterImmortal(g_input.value);
-        const HANDLE hOutput = RegisterImmortal(g_output.value);
+        g_input.Make();
+        g_output.Make();
+        g_session.Make(g_input.Get(), g_output.Get());
+        g_session.Get().Use(STDIN_FILENO, STDOUT_FILENO, std::getenv("TERM"));
+        const HANDLE hInput = RegisterImmortal(g_input.Get());
+        const HANDLE hOutput = RegisterImmortal(g_output.Get());
         if (hInput == nullptr || hOutput == nullptr)
             return false;
         g_hInput = hInput;
         g_hOutput = hOutput;
-        std::atexit([] { g_session.value.GiveBackAtExit(); });
+        std::atexit([] { g_session.Get().GiveBackAtExit(); });
         return true;
     }();
     return registered;
@@ -52,7 +64,7 @@ bool RegisterBoth() {
                                   LPDWORD written) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    if (!g_output.value.Write(bytes, count))
+    if (!g_output.Get().Write(bytes, count))
         return FailWith(ERROR_WRITE_FAULT);
     if (written != nullptr)
         *written = count;
@@ -85,7 +97,7 @@ BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode) {
         return FailWith(ERROR_INVALID_HANDLE);
     if (lpMode == nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
-    *lpMode = g_session.value.IsTakenOver() ? MODE_TAKEN_OVER : MODE_SHELL;
+    *lpMode = g_session.Get().IsTakenOver() ? MODE_TAKEN_OVER : MODE_SHELL;
     return TRUE;
 }
 
@@ -95,26 +107,30 @@ BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode) {
     if (dwMode != MODE_TAKEN_OVER && dwMode != MODE_SHELL)
         return FailWith(ERROR_INVALID_PARAMETER);
     if (dwMode == MODE_TAKEN_OVER)
-        g_session.value.TakeOver();
+        g_session.Get().TakeOver();
     else
-        g_session.value.GiveBack();
+        g_session.Get().GiveBack();
     return TRUE;
 }
 
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE HandlerRoutine, BOOL Add) {
-    const PHANDLER_ROUTINE present = g_session.value.Handler();
+    if (!RegisterBoth())
+        return FALSE;
+    const PHANDLER_ROUTINE present = g_session.Get().Handler();
     if (HandlerRoutine == nullptr || (!Add && HandlerRoutine != present))
         return FailWith(ERROR_INVALID_PARAMETER);
     if (Add && present != nullptr)
         return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    g_session.value.SetHandler(Add ? HandlerRoutine : nullptr);
+    g_session.Get().SetHandler(Add ? HandlerRoutine : nullptr);
     return TRUE;
 }
 
 BOOL SetConsoleTitleA(LPCSTR lpConsoleTitle) {
     if (lpConsoleTitle == nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
-    g_session.value.SetTitle(lpConsoleTitle);
+    if (!RegisterBoth())
+        return FALSE;
+    g_session.Get().SetTitle(lpConsoleTitle);
     return TRUE;
 }
 
@@ -125,7 +141,7 @@ BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLeng
     if (lpBuffer == nullptr || nLength == 0)
         return FailWith(ERROR_INVALID_PARAMETER);
     for (;;) {
-        const CConsoleInput::Taken taken = g_input.value.Take(*lpBuffer);
+        const CConsoleInput::Taken taken = g_input.Get().Take(*lpBuffer);
         if (taken == CConsoleInput::Taken::RECORD)
             return Report(lpNumberOfEventsRead, 1);
         if (taken == CConsoleInput::Taken::END)
@@ -139,7 +155,7 @@ BOOL WriteConsoleA(HANDLE hConsoleOutput, LPCVOID lpBuffer, DWORD nNumberOfChars
                    LPDWORD lpNumberOfCharsWritten, LPVOID) {
     const auto* const bytes = static_cast<const BYTE*>(lpBuffer);
     if (hConsoleOutput == g_hOutput && nNumberOfCharsToWrite == 1 &&
-        g_output.value.WriteEasy(*bytes)) {
+        g_output.Get().WriteEasy(*bytes)) {
         if (lpNumberOfCharsWritten != nullptr)
             *lpNumberOfCharsWritten = 1;
         return TRUE;
@@ -148,18 +164,18 @@ BOOL WriteConsoleA(HANDLE hConsoleOutput, LPCVOID lpBuffer, DWORD nNumberOfChars
 }
 
 BOOL GetConsoleScreenBufferInfo(HANDLE hConsoleOutput, CONSOLE_SCREEN_BUFFER_INFO* lpInfo) {
-    if (hConsoleOutput != g_hOutput || !g_output.value.IsTerminal())
+    if (hConsoleOutput != g_hOutput || !g_output.Get().IsTerminal())
         return FailWith(ERROR_INVALID_HANDLE);
     if (lpInfo == nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
-    g_output.value.GetInfo(*lpInfo);
+    g_output.Get().GetInfo(*lpInfo);
     return TRUE;
 }
 
 BOOL SetConsoleCursorPosition(HANDLE hConsoleOutput, COORD dwCursorPosition) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    return g_output.value.SetPosition(dwCursorPosition) ? TRUE : FailWith(ERROR_INVALID_PARAMETER);
+    return g_output.Get().SetPosition(dwCursorPosition) ? TRUE : FailWith(ERROR_INVALID_PARAMETER);
 }
 
 BOOL SetConsoleWindowInfo(HANDLE hConsoleOutput, BOOL, const SMALL_RECT* lpConsoleWindow) {
@@ -174,7 +190,7 @@ BOOL FillConsoleOutputCharacterA(HANDLE hConsoleOutput, char cCharacter, DWORD n
                                  COORD dwWriteCoord, LPDWORD lpNumberOfCharsWritten) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    const int count = g_output.value.Fill(cCharacter, nLength, dwWriteCoord);
+    const int count = g_output.Get().Fill(cCharacter, nLength, dwWriteCoord);
     return count < 0 ? FailWith(ERROR_INVALID_PARAMETER) : Report(lpNumberOfCharsWritten, count);
 }
 
@@ -182,7 +198,7 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
                                 COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    if (!g_output.value.ColourFill(static_cast<BYTE>(wAttribute), nLength, dwWriteCoord))
+    if (!g_output.Get().ColourFill(static_cast<BYTE>(wAttribute), nLength, dwWriteCoord))
         return FailWith(ERROR_NOT_SUPPORTED);
     return Report(lpNumberOfAttrsWritten, static_cast<int>(nLength));
 }
@@ -190,6 +206,6 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    g_output.value.SetAttribute(static_cast<BYTE>(wAttributes));
+    g_output.Get().SetAttribute(static_cast<BYTE>(wAttributes));
     return TRUE;
 }

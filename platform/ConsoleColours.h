@@ -14,7 +14,7 @@ class CConsoleColours {
     // The terminal's own default colours.
     static constexpr std::uint8_t DEFAULT = 0x07;
 
-    constexpr explicit CConsoleColours(CConsoleGather& gather) : m_gather(gather) {}
+    explicit CConsoleColours(CConsoleGather& gather) : m_gather(gather) {}
 
     std::uint8_t Wanted() const { return m_byWanted; }
     void Want(std::uint8_t attribute) { m_byWanted = attribute; }

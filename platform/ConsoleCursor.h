@@ -14,7 +14,7 @@ namespace platform {
 
 class CConsoleCursor {
   public:
-    constexpr explicit CConsoleCursor(CConsoleGather& gather) : m_gather(gather) {}
+    explicit CConsoleCursor(CConsoleGather& gather) : m_gather(gather) {}
 
     // A terminal of this size, its cursor in the first column of an unknown row.
     void Begin(int columns, int rows);

@@ -9,7 +9,7 @@ namespace platform {
 
 class CConsoleFill {
   public:
-    constexpr CConsoleFill(CConsoleGather& gather, CConsoleCursor& cursor, CConsoleColours& colours)
+    CConsoleFill(CConsoleGather& gather, CConsoleCursor& cursor, CConsoleColours& colours)
         : m_gather(gather), m_cursor(cursor), m_colours(colours) {}
 
     // The console was taken over: the next fill of the whole window must not lose what it shows.

@@ -6,6 +6,38 @@
 #include <charconv>
 
 namespace platform {
+namespace {
+
+// Whether one of eight bytes is below 0x20 or above 0x7E: the high bit of each byte tells, set by
+// a borrow, by a carry, or from the start. A borrow or a carry into a neighbour comes only from a
+// byte that is itself one.
+constexpr bool HoldsUnprintable(std::uint64_t eight) {
+    constexpr std::uint64_t EACH = 0x0101010101010101;
+    return (((eight - EACH * 0x20) | (eight + EACH) | eight) & EACH * 0x80) != 0;
+}
+static_assert(!HoldsUnprintable(0x7E207E207E207E20));
+static_assert(HoldsUnprintable(0x7E207E207E207E1F) && HoldsUnprintable(0x7F20202020202020));
+static_assert(HoldsUnprintable(0x2020202080202020) && HoldsUnprintable(0x20202020201B2020));
+
+} // namespace
+
+std::size_t CConsoleGather::PutPrintable(const std::uint8_t* bytes, std::size_t most) {
+    std::uint8_t* const room = m_bytes + m_nEnd;
+    std::size_t count = 0;
+    // Eight at a time: pieces of text between sequences are short, and a loop that ends at another
+    // byte each time costs more than the bytes do.
+    for (; count + sizeof(std::uint64_t) <= most; count += sizeof(std::uint64_t)) {
+        std::uint64_t eight;
+        std::memcpy(&eight, bytes + count, sizeof eight);
+        if (HoldsUnprintable(eight))
+            break;
+        std::memcpy(room + count, &eight, sizeof eight);
+    }
+    for (; count < most && bytes[count] >= 0x20 && bytes[count] < 0x7F; ++count)
+        room[count] = bytes[count];
+    m_nEnd += count;
+    return count;
+}
 
 void CConsoleGather::PutNumber(int number) {
     constexpr std::size_t MOST_DIGITS = 11;

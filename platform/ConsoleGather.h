@@ -43,6 +43,9 @@ class CConsoleGather {
         std::memcpy(m_bytes + m_nEnd, text.data(), text.size());
         m_nEnd += text.size();
     }
+    // Appends the printable ASCII characters at the front of the bytes, at most the given number;
+    // returns how many.
+    std::size_t PutPrintable(const std::uint8_t* bytes, std::size_t most);
     // CSI, the numbers and the final character.
     void PutSequence(int first, char final);
     void PutSequence(int first, int second, char final);
@@ -74,7 +77,7 @@ class CConsoleGather {
     unsigned m_nAbandoned = 0; // how often the console was given back
     bool m_bStalled = false;
     bool m_bGone = false;
-    std::uint8_t m_bytes[HIGH_WATER + SLACK] = {};
+    std::uint8_t m_bytes[HIGH_WATER + SLACK]; // not cleared: its pages are used as they are needed
 };
 
 } // namespace platform

@@ -18,7 +18,7 @@ namespace platform {
 
 class CConsoleInput final : public CHandleObject {
   public:
-    constexpr CConsoleInput() = default;
+    CConsoleInput() = default;
 
     // Takes the descriptor of standard input and the terminal's type (TERM; null: unknown), which
     // must stay valid.
@@ -69,7 +69,7 @@ class CConsoleInput final : public CHandleObject {
     bool m_bKeysLoaded = false;
     COORD m_size = {0, 0};
     const char* m_terminalType = nullptr;
-    std::uint8_t m_bytes[4096] = {};
+    std::uint8_t m_bytes[4096];
     CConsoleKeys m_keys; // loaded when the first ESC is typed: starting up needs none of it
 };
 

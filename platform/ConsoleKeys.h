@@ -14,6 +14,8 @@ namespace platform {
 
 class CConsoleKeys {
   public:
+    CConsoleKeys() { m_nodes[0] = {}; }
+
     enum class Kind {
         BYTE, // a character
         KEY,  // a special key
@@ -53,7 +55,7 @@ class CConsoleKeys {
     std::uint16_t MakeChild(std::uint16_t node, std::uint8_t byte);
     Match Walk(const std::uint8_t* bytes, std::size_t count, bool final) const;
 
-    Node m_nodes[MOST_NODES] = {}; // the first is the ESC that every sequence begins with
+    Node m_nodes[MOST_NODES]; // the first is the ESC that every sequence begins with
     std::uint16_t m_nNodes = 1;
 };
 

@@ -44,14 +44,13 @@ bool CConsoleOutput::Write(const std::uint8_t* bytes, std::size_t count) {
 }
 
 const std::uint8_t* CConsoleOutput::WriteRun(const std::uint8_t* bytes, const std::uint8_t* end) {
+    // A change of colours alone is no reason for the long way.
+    if (!m_colours.IsEasy() && (m_dwObstacles | m_cursor.Obstacles()) == 0 && EnsureRoom())
+        m_colours.Sync();
     const auto most = std::min(EasyRoom(), static_cast<std::size_t>(end - bytes));
-    if (most == 0)
-        return bytes;
-    const auto* const stop = std::find_if_not(bytes, bytes + most, IsPrintable);
-    const auto run = static_cast<std::size_t>(stop - bytes);
-    m_gather.Put({reinterpret_cast<const char*>(bytes), run});
+    const std::size_t run = m_gather.PutPrintable(bytes, most);
     m_cursor.Advance(static_cast<int>(run));
-    return stop;
+    return bytes + run;
 }
 
 bool CConsoleOutput::WriteByte(std::uint8_t byte) {

@@ -20,7 +20,7 @@ namespace platform {
 
 class CConsoleOutput final : public CHandleObject {
   public:
-    constexpr CConsoleOutput() = default;
+    CConsoleOutput() = default;
 
     // Takes the descriptor of standard output and the terminal's type (TERM; null: unknown) and
     // decides between terminal and plain text.

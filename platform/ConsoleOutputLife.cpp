@@ -77,6 +77,7 @@ void CConsoleOutput::End() {
     if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
         m_colours.Forget();
     m_gather.Abandon();
+    m_decoder.Drop();
     m_gather.Channel().Close();
     m_dwObstacles = DIRECT;
 }

@@ -17,7 +17,7 @@ namespace platform {
 
 class CConsoleSession final : public IWaitCompanion {
   public:
-    constexpr CConsoleSession(CConsoleInput& input, CConsoleOutput& output)
+    CConsoleSession(CConsoleInput& input, CConsoleOutput& output)
         : m_input(input), m_output(output) {}
 
     // Takes the descriptors; the operations below work on them from then on. Done once.

@@ -10,7 +10,7 @@ namespace platform {
 
 class CConsoleTitle {
   public:
-    constexpr explicit CConsoleTitle(CConsoleGather& gather) : m_gather(gather) {}
+    explicit CConsoleTitle(CConsoleGather& gather) : m_gather(gather) {}
 
     // Whether a terminal of this type has a title that can be set and brought back.
     static bool IsPossible(std::string_view terminalType);

@@ -21,7 +21,7 @@ class CUtf8Decoder {
     Result Feed(std::uint8_t byte);
 
     // No sequence is in progress.
-    constexpr bool IsIdle() const { return m_nMissing == 0; }
+    bool IsIdle() const { return m_nMissing == 0; }
     // Gives the sequence in progress up.
     void Drop() { m_nMissing = 0; }
 

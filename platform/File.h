@@ -33,8 +33,8 @@ struct OVERLAPPED {
 //
 // Errors: ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED (no permission; a
 // directory; a port in use), ERROR_SHARING_VIOLATION (a file in use), ERROR_NOT_SUPPORTED (a port's
-// name leads to something that is no serial device), ERROR_DEVICE_NOT_CONNECTED (a device node whose
-// device is gone).
+// name leads to something that is no serial device), ERROR_DEVICE_NOT_CONNECTED (a device node
+// whose device is gone).
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    SECURITY_ATTRIBUTES* lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile);
@@ -53,5 +53,5 @@ BOOL WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite,
 // with the bytes moved; FALSE with ERROR_IO_INCOMPLETE (not done, bWait FALSE),
 // ERROR_OPERATION_ABORTED (purged, closed, or the waiting thread was terminated),
 // ERROR_DEVICE_NOT_CONNECTED.
-BOOL GetOverlappedResult(HANDLE hFile, OVERLAPPED* lpOverlapped,
-                         LPDWORD lpNumberOfBytesTransferred, BOOL bWait);
+BOOL GetOverlappedResult(HANDLE hFile, OVERLAPPED* lpOverlapped, LPDWORD lpNumberOfBytesTransferred,
+                         BOOL bWait);

@@ -11,9 +11,9 @@
 
 namespace platform {
 
-// Something a handle names. A wait polls WaitDescriptor() for WaitEvents() and then asks TryAcquire,
-// in the order of the handles. Objects are shared: a call in progress on another thread keeps the
-// object alive after its handle was closed.
+// Something a handle names. A wait polls WaitDescriptor() for WaitEvents() and then asks
+// TryAcquire, in the order of the handles. Objects are shared: a call in progress on another thread
+// keeps the object alive after its handle was closed.
 class CHandleObject {
   public:
     virtual ~CHandleObject() = default;
@@ -36,8 +36,8 @@ class CHandleObject {
     // caller only.
     virtual bool TryAcquire(short events) = 0;
 
-    // CloseHandle calls this once, after the handle is out of the table: ends pending transfers, gives
-    // the system's resource back. FALSE with the last error set when that failed.
+    // CloseHandle calls this once, after the handle is out of the table: ends pending transfers,
+    // gives the system's resource back. FALSE with the last error set when that failed.
     virtual BOOL Close() { return TRUE; }
 
   protected:
@@ -60,8 +60,8 @@ template <class Object> std::shared_ptr<Object> FindHandleOf(HANDLE handle);
 // Takes the handle out of the table without closing the object; null as FindHandle.
 std::shared_ptr<CHandleObject> RemoveHandle(HANDLE handle);
 
-// Something that must be served while its thread waits: the console, for its gathered output and its
-// control events. A thread has at most one.
+// Something that must be served while its thread waits: the console, for its gathered output and
+// its control events. A thread has at most one.
 class IWaitCompanion {
   public:
     // True when there is work that must be done before the thread may block. The wait then first
@@ -85,15 +85,15 @@ class IWaitCompanion {
 // until then.
 void SetWaitCompanion(IWaitCompanion* companion);
 
-// Blocks until the descriptor shows one of the events or the time is up (INFINITE: no limit), as part
-// of a call that waits on behalf of an object, with the companion served and thread termination
-// noticed. Returns poll()'s events (POLLHUP and POLLERR included), 0 when the time is up, -1 with the
-// last error set when the thread was terminated. descriptor2, when not -1, is watched for POLLIN
-// beside the first and reported as POLLPRI.
+// Blocks until the descriptor shows one of the events or the time is up (INFINITE: no limit), as
+// part of a call that waits on behalf of an object, with the companion served and thread
+// termination noticed. Returns poll()'s events (POLLHUP and POLLERR included), 0 when the time is
+// up, -1 with the last error set when the thread was terminated. descriptor2, when not -1, is
+// watched for POLLIN beside the first and reported as POLLPRI.
 int WaitForDescriptor(int descriptor, short events, DWORD milliseconds, int descriptor2 = -1);
 
-// The calling thread's descriptor that shows POLLIN once TerminateThread has named the thread; -1 on a
-// thread that CreateThread did not start.
+// The calling thread's descriptor that shows POLLIN once TerminateThread has named the thread; -1
+// on a thread that CreateThread did not start.
 int TerminationDescriptor();
 
 // A file descriptor that closes itself.

@@ -13,7 +13,8 @@ namespace platform {
 class CTransferObject : public CHandleObject {
   public:
     virtual BOOL Read(void* buffer, DWORD count, LPDWORD read, OVERLAPPED* overlapped) = 0;
-    virtual BOOL Write(const void* buffer, DWORD count, LPDWORD written, OVERLAPPED* overlapped) = 0;
+    virtual BOOL Write(const void* buffer, DWORD count, LPDWORD written,
+                       OVERLAPPED* overlapped) = 0;
     virtual BOOL GetResult(OVERLAPPED* overlapped, LPDWORD transferred, BOOL wait) = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/Error.h"
 #include "platform/HandleObject.h"
+#include "platform/ThreadObject.h"
 #include "platform/WaitLoop.h"
 
 #include <array>
@@ -80,6 +81,11 @@ int WaitForDescriptor(int descriptor, short events, DWORD milliseconds, int desc
 } // namespace platform
 
 DWORD WaitForSingleObject(HANDLE hHandle, DWORD dwMilliseconds) {
+    // The short way of an object that is known to be signalled: each key and each write goes it.
+    const auto object = platform::FindHandle(hHandle);
+    if (object && object->IsReady() && !platform::CThreadObject::IsCurrentTerminated() &&
+        object->TryAcquire(0))
+        return WAIT_OBJECT_0;
     return platform::WaitForHandles<1>(1, &hHandle, dwMilliseconds);
 }
 

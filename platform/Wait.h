@@ -1,9 +1,9 @@
 // Handles, events and waits.
 //
 // A handle names an object of this layer: an event, a thread, a serial port, a file, a library, the
-// console's input or output. Everything that can be waited for has a file descriptor, so that a wait
-// for one object, for several, or for several with the console's own needs beside them is one poll().
-// Any thread may call these. Deadlines run on the monotonic clock.
+// console's input or output. Everything that can be waited for has a file descriptor, so that a
+// wait for one object, for several, or for several with the console's own needs beside them is one
+// poll(). Any thread may call these. Deadlines run on the monotonic clock.
 #pragma once
 
 #include "platform/Types.h"

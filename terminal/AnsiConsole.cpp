@@ -5,7 +5,6 @@
 #include "terminal/GraphicRendition.h"
 
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -111,12 +110,11 @@ BOOL CAnsiConsole::ProcessEscape(BYTE finalCharacter) {
     return TRUE;
 }
 
-// What stands between '[' and the final character, up to a NUL among it.
+// What stands between '[' and the final character; a NUL among it ends the parameters.
 std::string_view CAnsiConsole::ParameterText() const {
     if (m_nEscapeLength < 2)
         return {};
-    const char* text = m_szEscape.data() + 1;
-    return {text, strnlen(text, m_nEscapeLength - 2)};
+    return {m_szEscape.data() + 1, m_nEscapeLength - 2};
 }
 
 int CAnsiConsole::Count() const {

@@ -33,6 +33,8 @@ class CAnsiConsole : public CConsoleScreen {
   protected:
     ~CAnsiConsole() = default;
 
+    static constexpr BYTE kEscape = 0x1B;
+
   private:
     using Action = void (CAnsiConsole::*)();
     struct Command {
@@ -40,7 +42,6 @@ class CAnsiConsole : public CConsoleScreen {
         Action action;
     };
 
-    static constexpr BYTE kEscape = 0x1B;
     static constexpr BYTE kFirstFinal = '@';
     static constexpr BYTE kLastFinal = 'u';
 

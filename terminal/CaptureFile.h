@@ -1,7 +1,7 @@
 // The capture file of a command file run (-O): commands and answers, every line ended with CR LF.
 //
-// Owned by the run, used from its thread. Closes itself when it goes; Close tells whether all that was
-// written is safe.
+// Owned by the run, used from its thread. Closes itself when it goes; Close tells whether all that
+// was written is safe.
 #pragma once
 
 #include "common/UniqueHandle.h"
@@ -18,11 +18,13 @@ class CCaptureFile {
 
     BOOL IsOpen() const { return m_hFile ? TRUE : FALSE; }
 
-    // Writes a text with its LFs removed and each CR made CR LF. TRUE also when the file is not open:
-    // there is nothing to capture then. FALSE, with the last error set, when the file did not take all.
+    // Writes a text with its LFs removed and each CR made CR LF. TRUE also when the file is not
+    // open: there is nothing to capture then. FALSE, with the last error set, when the file did not
+    // take all.
     BOOL WriteCapture(std::string_view text);
 
-    // FALSE, with the last error set, when what was written could not be kept. Harmless when closed.
+    // FALSE, with the last error set, when what was written could not be kept. Harmless when
+    // closed.
     BOOL Close();
 
   private:

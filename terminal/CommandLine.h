@@ -5,8 +5,8 @@
 
 #include <string>
 
-// The file settings of the program; empty when the switch was not given. Set by ParseCommandLine, read
-// by the session.
+// The file settings of the program; empty when the switch was not given. Set by ParseCommandLine,
+// read by the session.
 extern std::string g_strCommandFile; // -A
 extern std::string g_strOutputFile;  // -O
 extern std::string g_strScriptFile;  // -S
@@ -17,9 +17,9 @@ struct CommandLine {
     int baudRate = 0;        // -B; 0 when absent or no number
 };
 
-// Reads the arguments as main gets them. Never fails: what is no switch, and what is an unknown one,
-// is ignored; of a switch given twice the later one counts; a switch's letter counts in either case.
-// File names keep the case as typed.
+// Reads the arguments as main gets them. Never fails: what is no switch, and what is an unknown
+// one, is ignored; of a switch given twice the later one counts; a switch's letter counts in either
+// case. File names keep the case as typed.
 CommandLine ParseCommandLine(int argumentCount, const char* const* arguments);
 
 // The usage text, with its line ends.

@@ -20,7 +20,9 @@ bool BeginsWithCom(std::string_view name) {
            std::equal(kPortPrefix.begin(), kPortPrefix.end(), name.begin(), sameLetter);
 }
 
-bool IsPath(std::string_view name) { return name.starts_with('/'); }
+bool IsPath(std::string_view name) {
+    return name.starts_with('/');
+}
 
 } // namespace
 

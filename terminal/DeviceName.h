@@ -9,7 +9,8 @@
 #include <string_view>
 
 // Turns what the user typed into a device name. A name that begins with "COM" in any case becomes a
-// port name ("COM1:" up to 9, "\\.\COM12" above); any other name, a path among them, stays as it is.
+// port name ("COM1:" up to 9, "\\.\COM12" above); any other name, a path among them, stays as it
+// is.
 std::string MakeDeviceName(std::string_view name);
 
 // TRUE for port names: five characters that begin with "COM" in any case, a name that holds

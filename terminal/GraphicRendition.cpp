@@ -8,77 +8,66 @@
 namespace {
 
 constexpr int kBright = 8;
+constexpr int kReverse = 7;
 
 // Console colours count blue, green, red from the low bit up, the sequences' colours the other way.
 constexpr std::array<int, 8> kConsoleColours = {0, 4, 2, 6, 1, 5, 3, 7};
 
-// The offset is the parameter's place in its row's range.
-using Change = void (*)(GraphicRendition& rendition, std::size_t offset);
+// What a parameter does: of each value the bits to keep and the bits to set. Masks and no branches,
+// because coloured output has a parameter for every few characters and no order that a processor
+// could foresee.
+struct Change {
+    int keepForeground = 0x0F;
+    int setForeground = 0;
+    int keepBackground = 0x0F;
+    int setBackground = 0;
+    WORD keepFlags = 0xFFFF;
+    WORD setFlags = 0;
+    WORD brightFlags = 0; // with one of these flags the foreground is bright
+};
 
-void Reset(GraphicRendition& rendition, std::size_t) {
-    rendition = {7, 0, 0};
+constexpr Change SetFlag(WORD flag) {
+    return {.setFlags = flag};
 }
 
-void SetBold(GraphicRendition& rendition, std::size_t) {
-    rendition.flags |= ATTR_BOLD;
-    if (rendition.foreground < kBright)
-        rendition.foreground += kBright;
-}
-
-template <WORD flag> void SetFlag(GraphicRendition& rendition, std::size_t) {
-    rendition.flags |= flag;
-}
+constexpr std::array kChanges = [] {
+    std::array<Change, 48> changes{};
+    changes[0] = {.keepForeground = 0, .setForeground = 7, .keepBackground = 0, .keepFlags = 0};
+    changes[1] = {.setForeground = kBright, .setFlags = ATTR_BOLD};
+    changes[4] = SetFlag(ATTR_UNDERLINE);
+    changes[5] = changes[6] = SetFlag(ATTR_BLINK);
+    changes[8] = SetFlag(ATTR_CONCEALED);
+    for (std::size_t colour = 0; colour < kConsoleColours.size(); ++colour) {
+        changes[30 + colour] = {.keepForeground = 0,
+                                .setForeground = kConsoleColours[colour],
+                                .brightFlags = ATTR_BOLD};
+        changes[40 + colour] = {.keepBackground = 0, .setBackground = kConsoleColours[colour]};
+    }
+    return changes;
+}();
 
 // The brightness stays with the foreground.
-void SetReverse(GraphicRendition& rendition, std::size_t) {
-    rendition.flags |= ATTR_REVERSE;
+GraphicRendition Reverse(GraphicRendition rendition) {
     const int moved = rendition.foreground < kBright ? 0 : kBright;
     std::swap(rendition.foreground, rendition.background);
     rendition.foreground += moved;
     rendition.background -= moved;
+    rendition.flags |= ATTR_REVERSE;
+    return rendition;
 }
-
-void SetForeground(GraphicRendition& rendition, std::size_t offset) {
-    const bool bold = (rendition.flags & ATTR_BOLD) != 0;
-    rendition.foreground = kConsoleColours[offset] + (bold ? kBright : 0);
-}
-
-void SetBackground(GraphicRendition& rendition, std::size_t offset) {
-    rendition.background = kConsoleColours[offset];
-}
-
-struct Row {
-    int first;
-    int last;
-    Change change;
-};
-
-constexpr std::array kRows = {
-    Row{0, 0, Reset},
-    Row{1, 1, SetBold},
-    Row{4, 4, SetFlag<ATTR_UNDERLINE>},
-    Row{5, 6, SetFlag<ATTR_BLINK>},
-    Row{7, 7, SetReverse},
-    Row{8, 8, SetFlag<ATTR_CONCEALED>},
-    Row{30, 37, SetForeground},
-    Row{40, 47, SetBackground},
-};
-
-// The changes by their parameter, so that a parameter costs no search.
-constexpr std::array kChanges = [] {
-    std::array<const Row*, kRows.back().last + 1> changes{};
-    for (const Row& row : kRows)
-        for (int parameter = row.first; parameter <= row.last; ++parameter)
-            changes[static_cast<std::size_t>(parameter)] = &row;
-    return changes;
-}();
 
 } // namespace
 
 GraphicRendition ApplyGraphicRendition(int parameter, GraphicRendition rendition) {
     const auto index = static_cast<std::size_t>(parameter);
-    const Row* const row = index < kChanges.size() ? kChanges[index] : nullptr;
-    if (row)
-        row->change(rendition, static_cast<std::size_t>(parameter - row->first));
-    return rendition;
+    if (index >= kChanges.size())
+        return rendition;
+    if (parameter == kReverse)
+        return Reverse(rendition);
+    const Change& change = kChanges[index];
+    const bool bright = (rendition.flags & change.brightFlags) != 0;
+    return {(rendition.foreground & change.keepForeground) | change.setForeground |
+                kBright * static_cast<int>(bright),
+            (rendition.background & change.keepBackground) | change.setBackground,
+            static_cast<WORD>((rendition.flags & change.keepFlags) | change.setFlags)};
 }

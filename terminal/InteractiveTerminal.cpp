@@ -98,8 +98,7 @@ bool CInteractiveTerminal::ShowReceived() {
     for (int reads = 0; reads < kReadsPerTurn; ++reads) {
         if (!m_modem.Read(bytes.data(), kReadSize, count))
             return reads > 0;
-        for (DWORD index = 0; index < count; ++index)
-            m_console.PutChar(bytes[index]);
+        m_console.PutText({bytes.data(), count});
         if (count < kReadSize)
             break;
     }

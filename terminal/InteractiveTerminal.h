@@ -2,9 +2,9 @@
 //
 // Owned by the session; runs on its thread until the console is given back (Alt+F4, a control
 // event), the device is gone, standard input has ended, or standard output takes no more. It blocks
-// on the keyboard and the port together and never wakes without a reason. Keys are taken only as the
-// transmit buffer has room, and bytes are read only as the console takes them, so neither side can
-// stop the other.
+// on the keyboard and the port together and never wakes without a reason. Keys are taken only as
+// the transmit buffer has room, and bytes are read only as the console takes them, so neither side
+// can stop the other.
 #pragma once
 
 #include "platform/Types.h"
@@ -36,8 +36,8 @@ class CInteractiveTerminal {
     // Shows what has arrived; false when there was nothing.
     bool ShowReceived();
     void EndUnseen();
-    // Gives the console back when the input has ended, all that was typed is with the device, and the
-    // device has been silent since.
+    // Gives the console back when the input has ended, all that was typed is with the device, and
+    // the device has been silent since.
     void EndWhenQuiet();
 
     CVModem& m_modem;

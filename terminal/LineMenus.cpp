@@ -85,8 +85,8 @@ void FlowMenu(CVModem& modem, CTermConsole& console) {
 
 void ApplyBaudRate(CVModem& modem, CTermConsole& console, int baudRate) {
     // No driver has a negative rate, and as a DWORD one of them would mean "keep the rate".
-    const bool applied = baudRate > 0 && modem.SetDataFormat(static_cast<DWORD>(baudRate),
-                                                             KEEP_SETTING, KEEP_SETTING,
-                                                             KEEP_SETTING);
+    const bool applied =
+        baudRate > 0 &&
+        modem.SetDataFormat(static_cast<DWORD>(baudRate), KEEP_SETTING, KEEP_SETTING, KEEP_SETTING);
     ShowUser(console, applied ? "Setting %d baud\n" : "Error setting %d baud\n", baudRate);
 }

@@ -1,8 +1,8 @@
 // The two menus of the interactive terminal, and the baud rate they and the session set.
 //
 // Called on the session's thread. A menu waits for one character; meanwhile the device's bytes stay
-// where they are. It ends without a word when the console is given back, the input ends, or the device
-// is gone.
+// where they are. It ends without a word when the console is given back, the input ends, or the
+// device is gone.
 #pragma once
 
 #include "platform/Types.h"

@@ -6,7 +6,7 @@
 
 #include <string>
 
-// Opens the device and works with it: a script (-S), a command file (-A) or the interactive terminal.
-// A baud rate of 0 is the default: 19200 for a port. A device that cannot be opened is reported, with
-// what helps, and ends the session after Enter.
+// Opens the device and works with it: a script (-S), a command file (-A) or the interactive
+// terminal. A baud rate of 0 is the default: 19200 for a port. A device that cannot be opened is
+// reported, with what helps, and ends the session after Enter.
 void RunSession(const std::string& deviceName, int baudRate);

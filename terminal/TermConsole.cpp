@@ -4,6 +4,8 @@
 #include "platform/Console.h"
 #include "terminal/LineMenus.h"
 
+#include <cstring>
+
 namespace {
 
 // F5 and F6 open a menu inside a menu. Nobody types that many; a paste might.
@@ -24,6 +26,25 @@ BOOL CTermConsole::OnKey(DWORD dwKey, BYTE* pbyChar) {
         --m_nMenuDepth;
     }
     return CAnsiConsole::OnKey(dwKey, pbyChar);
+}
+
+void CTermConsole::PutText(std::span<const BYTE> bytes) {
+    const BYTE* next = bytes.data();
+    const BYTE* const end = next + bytes.size();
+    while (next != end) {
+        if (!m_bInEscape) {
+            const BYTE* const text = next;
+            const void* const escape =
+                std::memchr(text, kEscape, static_cast<std::size_t>(end - text));
+            next = escape ? static_cast<const BYTE*>(escape) : end;
+            WriteText(text, static_cast<DWORD>(next - text));
+        }
+        while (next != end) {
+            PutChar(*next++);
+            if (!m_bInEscape)
+                break;
+        }
+    }
 }
 
 void CTermConsole::TypeChar(BYTE byChar) {

@@ -46,8 +46,7 @@ BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) 
     std::array<char, kGatherSize> gathered;
     DWORD count = 0;
     do {
-        const DWORD arrived =
-            m_pSerial->Read(gathered.data() + count, kGatherSize - 1 - count);
+        const DWORD arrived = m_pSerial->Read(gathered.data() + count, kGatherSize - 1 - count);
         if (arrived == 0)
             continue;
         count += arrived;

@@ -35,7 +35,8 @@ std::string Format(const char* format, va_list arguments) {
     return text;
 }
 
-// Standard error may be the user's terminal: a name that holds control characters must not act there.
+// Standard error may be the user's terminal: a name that holds control characters must not act
+// there.
 void WriteToStandardError(std::string text) {
     for (char& letter : text)
         if (letter != '\n' && (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F))

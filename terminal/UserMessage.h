@@ -11,8 +11,8 @@ class CConsole;
 // given back it is dropped.
 void ShowUser(CConsole& console, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-// The same for failures, which must reach the user: on standard error once the console has been given
-// back.
+// The same for failures, which must reach the user: on standard error once the console has been
+// given back.
 void TellUser(CConsole& console, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // Says that the device is gone, by the name that the user knows it by.

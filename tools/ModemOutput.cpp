@@ -101,7 +101,9 @@ bool CModemOutput::HasRoom(TimeMs now) const {
 }
 
 std::optional<TimeMs> CModemOutput::Deadline(TimeMs now) const {
-    return Vanishing() ? m_tVanish : m_Queue.Deadline(now);
+    if (Vanishing())
+        return Vanished(now) ? std::nullopt : m_tVanish;
+    return m_Queue.Deadline(now);
 }
 
 } // namespace modemsim

@@ -247,7 +247,8 @@ void CModemSimulator::LetHappen(const SEvent& event) {
 void CModemSimulator::RingByTimer() {
     if (m_nRingsLeft == 0) {
         m_RingTimer.Stop();
-        EndFarCall();
+        if (m_Modem.call.State() == ECallState::Ringing)
+            m_Modem.call.HangUp();
         return;
     }
     if (Ring() && m_nRingsLeft)

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <string>
@@ -15,6 +16,8 @@
 #include <fcntl.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -78,10 +81,11 @@ void Echo() {
 }
 
 // A child that says nothing for this long is stuck.
-bool IsReadable(int descriptor) {
-    constexpr int STUCK_MILLISECONDS = 30'000;
+constexpr int STUCK_MILLISECONDS = 30'000;
+
+bool IsReadable(int descriptor, int milliseconds = STUCK_MILLISECONDS) {
     pollfd polled = {descriptor, POLLIN, 0};
-    return poll(&polled, 1, STUCK_MILLISECONDS) > 0;
+    return poll(&polled, 1, milliseconds) > 0;
 }
 
 class CChild {
@@ -101,11 +105,8 @@ class CChild {
                   ssize_t{sizeof(pid_t)});
     }
     ~CChild() {
-        if (m_leader > 0) {
-            kill(m_process, SIGKILL);
-            kill(m_leader, SIGKILL);
-            waitpid(m_leader, nullptr, 0);
-        }
+        kill(m_leader, SIGKILL); // which takes its child with it
+        waitpid(m_leader, nullptr, 0);
     }
 
     // Reads until the text has come; what came before it and with it.
@@ -133,6 +134,9 @@ class CChild {
         EXPECT_TRUE(IsReadable(m_numbers.reading.Get()));
         EXPECT_EQ(read(m_numbers.reading.Get(), &status, sizeof status), ssize_t{sizeof status});
         return status;
+    }
+    bool HasStatus(int milliseconds) const {
+        return IsReadable(m_numbers.reading.Get(), milliseconds);
     }
     bool IsModeAsFound() const {
         termios mode{};
@@ -166,6 +170,7 @@ class CChild {
     // The session's leader, in the place of a shell: tells what becomes of its child. A process
     // without such a parent could not be stopped.
     [[noreturn]] void Lead(const std::function<void()>& work) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         setsid();
         ioctl(m_slave.Get(), TIOCSCTTY, 0);
         signal(SIGHUP, SIG_IGN);
@@ -187,6 +192,7 @@ class CChild {
     }
 
     [[noreturn]] void Work(const std::function<void()>& work) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         setpgid(0, 0);
         tcsetpgrp(m_slave.Get(), getpid());
         for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTTOU, SIGTSTP})
@@ -209,6 +215,13 @@ class CChild {
     pid_t m_leader = -1;
     pid_t m_process = -1;
 };
+
+// Ends in an overflow of the stack.
+[[gnu::noinline]] int Recurse(int depth) {
+    volatile char room[1024];
+    room[0] = static_cast<char>(depth & 1);
+    return depth < 0 ? 0 : Recurse(depth + 1) + room[0];
+}
 
 constexpr const char* TITLE_BACK = "\x1b[23;0t";
 
@@ -248,7 +261,8 @@ TEST(ConsoleProcess, HangUpAndTerminationGiveTheConsoleBack) {
 TEST(ConsoleProcess, AfterwardsASignalHasItsUsualEffect) {
     CChild child([] {
         Echo();
-        static_cast<void>(write(STDOUT_FILENO, "after;", 6) + 0);
+        std::puts("after;");
+        std::fflush(stdout);
         for (;;)
             pause();
     });
@@ -264,7 +278,11 @@ TEST(ConsoleProcess, AfterwardsASignalHasItsUsualEffect) {
 TEST(ConsoleProcess, WhateverEndsItTheTerminalIsSane) {
     const std::function<void()> ends[] = {
         [] { raise(SIGSEGV); },
-        [] { *static_cast<volatile int*>(nullptr) = 1; },
+        [] {
+            void* const page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+            *static_cast<volatile int*>(page) = 1;
+        },
+        [] { Recurse(0); },
         [] { std::abort(); },
         [] { raise(SIGALRM); },
         [] { raise(SIGUSR1); },
@@ -276,21 +294,37 @@ TEST(ConsoleProcess, WhateverEndsItTheTerminalIsSane) {
     };
     for (const auto& end : ends) {
         CChild child([&] {
-            std::freopen("/dev/null", "w", stderr); // a sanitizer's report of the crash
+            dup2(open("/dev/null", O_WRONLY), STDERR_FILENO); // a sanitizer's report of the crash
             TakeOver();
             SetConsoleTitleA("crash");
             SetConsoleTextAttribute(g_hOutput, 0x1E);
             Say("ready");
-            WaitForSingleObject(g_hInput, 0);
+            WaitForSingleObject(g_hInput, 1); // lets it out
             end();
         });
-        child.ReadUntil("ready");
-        const std::string last = child.ReadUntil(TITLE_BACK);
-        EXPECT_NE(last.find("\x1b[0m"), std::string::npos);
+        const std::string text = child.ReadUntil(TITLE_BACK);
+        EXPECT_LT(text.find("ready"), text.rfind("\x1b[0m"));
         const int status = child.Status();
         EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) != 7);
         EXPECT_TRUE(child.IsModeAsFound());
     }
+}
+
+TEST(ConsoleProcess, AThreadThatNeverWaitsIsEnded) {
+    CChild child([] {
+        TakeOver();
+        Say("ready");
+        WaitForSingleObject(g_hInput, 1);
+        for (;;)
+            pause();
+    });
+    child.ReadUntil("ready");
+    do
+        child.Signal(SIGTERM);
+    while (!child.HasStatus(1000));
+    const int status = child.Status();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+    EXPECT_TRUE(child.IsModeAsFound());
 }
 
 TEST(ConsoleProcess, StopsAndGoesOn) {

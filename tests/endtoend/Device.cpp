@@ -16,25 +16,25 @@ CDevice::CDevice() {
 }
 
 short CDevice::GetEvents() const {
-    const bool reads = m_nReadLimit != 0 && (!m_bEcho || m_toSend.size() < kEchoMemory);
-    const bool writes = !m_toSend.empty() || !m_endless.empty();
+    const bool reads = m_nReadLimit != 0 && (!m_bEcho || m_toSend.GetSize() < kEchoMemory);
+    const bool writes = !m_toSend.IsEmpty() || !m_endless.empty();
     return static_cast<short>((reads ? POLLIN : 0) | (writes ? POLLOUT : 0));
 }
 
 void CDevice::OnReady(short events) {
     if (events & POLLOUT) {
-        if (m_toSend.empty())
-            m_toSend = m_endless;
-        const std::size_t waiting = m_toSend.size();
+        if (m_toSend.IsEmpty())
+            m_toSend.Append(m_endless);
+        const std::size_t waiting = m_toSend.GetSize();
         m_line.Write(m_toSend);
-        m_nSent += waiting - m_toSend.size();
+        m_nSent += waiting - m_toSend.GetSize();
     }
     if (!(events & POLLIN))
         return;
     const std::string bytes = m_line.Read(m_nReadLimit);
     m_received += bytes;
     if (m_bEcho)
-        m_toSend += bytes;
+        m_toSend.Append(bytes);
     if (m_nReadLimit != kNoLimit)
         usleep(500);
 }

@@ -8,8 +8,8 @@ class CDevice : public IPollable {
   public:
     CDevice();
 
-    void Send(std::string_view bytes) { m_toSend += bytes; }
-    bool IsAllSent() const { return m_toSend.empty(); }
+    void Send(std::string_view bytes) { m_toSend.Append(bytes); }
+    bool IsAllSent() const { return m_toSend.IsEmpty(); }
     // Sends this text over and over, from now on.
     void SendEndlessly(std::string text) { m_endless = std::move(text); }
     std::size_t GetSentCount() const { return m_nSent; }
@@ -35,7 +35,7 @@ class CDevice : public IPollable {
     static constexpr std::size_t kNoLimit = 65536;
 
     CPseudoTerminal m_line;
-    std::string m_toSend;
+    CByteQueue m_toSend;
     std::string m_endless;
     std::string m_received;
     std::size_t m_nSent = 0;

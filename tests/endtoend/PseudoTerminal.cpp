@@ -44,11 +44,11 @@ std::string CPseudoTerminal::Read(std::size_t limit) {
     return bytes;
 }
 
-void CPseudoTerminal::Write(std::string& bytes) {
-    const ssize_t count =
-        write(m_master.Get(), bytes.data(), std::min<std::size_t>(bytes.size(), 4096));
+void CPseudoTerminal::Write(CByteQueue& bytes) {
+    const std::string_view front = bytes.GetFront(4096);
+    const ssize_t count = write(m_master.Get(), front.data(), front.size());
     if (count > 0)
-        bytes.erase(0, static_cast<std::size_t>(count));
+        bytes.Take(static_cast<std::size_t>(count));
 }
 
 bool operator==(const termios& left, const termios& right) {

@@ -2,6 +2,7 @@
 // read after the program has gone; both close when it goes.
 #pragma once
 
+#include "tests/endtoend/ByteQueue.h"
 #include "tests/endtoend/Descriptor.h"
 
 #include <string>
@@ -25,8 +26,8 @@ class CPseudoTerminal {
 
     // Reads what is there without waiting.
     std::string Read(std::size_t limit);
-    // Takes from the front of the bytes what fits now.
-    void Write(std::string& bytes);
+    // Takes from the front of the queue what fits now.
+    void Write(CByteQueue& bytes);
 
   private:
     CDescriptor m_master;

@@ -12,7 +12,7 @@ void CTerminal::Resize(int rows, int columns) {
 }
 
 short CTerminal::GetEvents() const {
-    return static_cast<short>((m_bReading ? POLLIN : 0) | (m_typed.empty() ? 0 : POLLOUT));
+    return static_cast<short>((m_bReading ? POLLIN : 0) | (m_typed.IsEmpty() ? 0 : POLLOUT));
 }
 
 void CTerminal::OnReady(short events) {

@@ -12,8 +12,8 @@ class CTerminal : public IPollable {
 
     CTerminal();
 
-    void Type(std::string_view bytes) { m_typed += bytes; }
-    bool IsAllTyped() const { return m_typed.empty(); }
+    void Type(std::string_view bytes) { m_typed.Append(bytes); }
+    bool IsAllTyped() const { return m_typed.IsEmpty(); }
 
     // While it is off, the terminal takes no output, as one does whose user pressed Ctrl+S.
     void SetReading(bool reading) { m_bReading = reading; }
@@ -33,7 +33,7 @@ class CTerminal : public IPollable {
   private:
     CPseudoTerminal m_line;
     CScreen m_screen;
-    std::string m_typed;
+    CByteQueue m_typed;
     std::string m_output;
     bool m_bReading = true;
 };

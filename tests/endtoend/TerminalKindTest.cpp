@@ -8,6 +8,10 @@ struct TerminalKind {
     const char* keys; // Up, Delete, F1, Home
 };
 
+std::ostream& operator<<(std::ostream& stream, const TerminalKind& kind) {
+    return stream << kind.name;
+}
+
 class CTerminalKindTest : public CSessionTest,
                           public ::testing::WithParamInterface<TerminalKind> {};
 

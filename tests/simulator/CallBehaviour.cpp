@@ -151,9 +151,11 @@ TEST(Ringing, IsAnsweredRejectedAndGivenUp) {
 TEST(Ringing, AutomaticAnswer) {
     SSimulatorProfile profile = QuietProfile();
     profile.ringPeriod = 2000;
+    profile.ringCount = 2;
     CTestModem modem(profile);
     modem.Type("ATS0=2V0\r");
     EXPECT_EQ(modem.Wait(5000), "2\r2\r1\r");
+    EXPECT_EQ(modem.Wait(60000), ""); // no more rings, and their end is not the call's
     EXPECT_EQ(modem.Type("AT\r"), "AT\r");
 }
 

@@ -33,8 +33,8 @@ TEST(CommandAnswers, LineEditing) {
         {"ATX\b\b\b\b\b\bAT+GMI\x7FI\r", "\r\nWirelet\r\n\r\nOK\r\n"},
         {"AT+GMI\rA/", "\r\nWirelet\r\n\r\nOK\r\n\r\nWirelet\r\n\r\nOK\r\n"},
         {"A/", "\r\nOK\r\n"},
-        {"data/A/\r", ""},
-        {"ATS3=33\rAT!ATS3?!", "\r\nOK!\n!\nOK!\n!\n033!\n!\nOK!\n"},
+        {"dada/A/\r", ""},
+        {"ATS3=33\rAT!ATS3?!", "!\nOK!\n!\nOK!\n!\n033!\n!\nOK!\n"},
         {"AT+CS\n\x01\x02Q\r", "\r\n+CSQ: 18,99\r\n\r\nOK\r\n"},
     };
     for (const SDialogue& dialogue : dialogues)
@@ -53,7 +53,7 @@ TEST(CommandAnswers, EchoShowsWhatIsTyped) {
 TEST(CommandAnswers, FormsOfResults) {
     constexpr SDialogue dialogues[] = {
         {"ATV0\r", "0\r"},
-        {"ATV0+CSQ\r", "\r\n+CSQ: 18,99\r\n0\r"},
+        {"ATV0+CSQ\r", "+CSQ: 18,99\r\n0\r"},
         {"ATV0\rAT+CSQ\r", "0\r+CSQ: 18,99\r\n0\r"},
         {"ATV0\rATB\rATO\r", "0\r4\r3\r"},
         {"ATQ1\rAT+CSQ\rATY\r", "\r\n+CSQ: 18,99\r\n"},

@@ -51,8 +51,14 @@ TEST(Decimal, FollowsTheLibraryAndStaysInBounds) {
         const char* text;
         int value;
     } rows[] = {
-        {"", 0},      {"x1", 0},   {" \t42", 42},          {"+7", 7},
-        {"-12z", -12}, {"- 1", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN},
+        {"", 0},
+        {"x1", 0},
+        {" \t42", 42},
+        {"+7", 7},
+        {"-12z", -12},
+        {"- 1", 0},
+        {"99999999999", INT_MAX},
+        {"-99999999999", INT_MIN},
         {"2147483648", INT_MAX},
     };
     for (const auto& row : rows)
