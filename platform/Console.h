@@ -115,9 +115,9 @@ BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 
 // Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails
 // with ERROR_NOT_ENOUGH_MEMORY. While one is there, Ctrl+\ (SIGQUIT) is CTRL_BREAK_EVENT, SIGHUP is
-// CTRL_CLOSE_EVENT, SIGTERM is CTRL_SHUTDOWN_EVENT, SIGINT is CTRL_C_EVENT; with none, signals have
-// their usual effect. Each control event also becomes a MENU_EVENT record, so that a wait for the
-// input ends.
+// CTRL_CLOSE_EVENT, SIGTERM is CTRL_SHUTDOWN_EVENT, SIGINT is CTRL_C_EVENT (CTRL_BREAK_EVENT when
+// standard input is no terminal, since Ctrl+C is no key then); with none, signals have their usual
+// effect. Each control event also becomes a MENU_EVENT record, so that a wait for the input ends.
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE HandlerRoutine, BOOL Add);
 
 // The title of the terminal's window, control characters left out. TRUE also where the terminal has

@@ -30,9 +30,9 @@ template <class Object> class CImmortal {
 };
 
 // At fixed addresses, without a lock or a look-up: the screen is written byte by byte.
-constinit CImmortal<CConsoleInput> g_input;
-constinit CImmortal<CConsoleOutput> g_output;
-constinit CImmortal<CConsoleSession> g_session;
+CImmortal<CConsoleInput> g_input;
+CImmortal<CConsoleOutput> g_output;
+CImmortal<CConsoleSession> g_session;
 
 // Until the handles are given out, values that no caller can have.
 constinit HANDLE g_hInput = &g_hInput;

@@ -19,8 +19,8 @@ namespace platform {
 
 class CConsoleGather {
   public:
-    static constexpr std::size_t HIGH_WATER = 64 * 1024;
-    static constexpr std::size_t SLACK = 32 * 1024;
+    static constexpr std::size_t HIGH_WATER = std::size_t{64} * 1024;
+    static constexpr std::size_t SLACK = std::size_t{32} * 1024;
     // Room that one call of HasRoom or MakeRoom vouches for: more than any unit of output (a
     // character with the colours and the movement before it, a title) takes.
     static constexpr std::size_t UNIT = 512;

@@ -2,6 +2,8 @@
 
 #include "platform/ConsoleSignals.h"
 
+#include <unistd.h>
+
 namespace platform {
 namespace {
 
@@ -113,7 +115,9 @@ void CConsoleSession::ServeControlEvents(unsigned signals) {
     for (const ControlEvent& control : CONTROL_EVENTS) {
         if ((signals & control.signal) == 0 || m_handler == nullptr)
             continue;
-        m_handler(control.event);
+        // Without a keyboard Ctrl+C cannot be meant for the device.
+        const bool isKey = control.event == CTRL_C_EVENT && isatty(m_nInput) != 0;
+        m_handler(control.event == CTRL_C_EVENT && !isKey ? CTRL_BREAK_EVENT : control.event);
         m_input.AddMenuEvent();
     }
 }

@@ -57,7 +57,7 @@ constexpr int SIGNAL_COUNT = sizeof SIGNALS / sizeof *SIGNALS;
 // the process.
 constexpr time_t PATIENCE_SECONDS = 2;
 
-constexpr std::size_t CRASH_STACK_BYTES = 32 * 1024;
+constexpr std::size_t CRASH_STACK_BYTES = std::size_t{32} * 1024;
 
 struct State {
     CConsoleMode* mode = nullptr;
@@ -156,15 +156,14 @@ bool IsWanted(const Entry& entry, const struct sigaction& before) {
 
 void InstallOne(int index) {
     const Entry& entry = SIGNALS[index];
-    sigaction(entry.number, nullptr, &g_state.before[index]);
-    g_state.installed[index] = IsWanted(entry, g_state.before[index]);
-    if (!g_state.installed[index])
-        return;
     struct sigaction action {};
     action.sa_sigaction = OnSignal;
     action.sa_flags = SA_SIGINFO | SA_RESTART | (entry.role == Role::CRASH ? SA_ONSTACK : 0);
     sigemptyset(&action.sa_mask);
-    sigaction(entry.number, &action, nullptr);
+    sigaction(entry.number, &action, &g_state.before[index]);
+    g_state.installed[index] = IsWanted(entry, g_state.before[index]);
+    if (!g_state.installed[index])
+        sigaction(entry.number, &g_state.before[index], nullptr);
 }
 
 // An overflown stack has no room for a handler. Other threads go without: their overflow ends the

@@ -12,7 +12,7 @@ constexpr char cancelKey = 0x1B; // ESC
 constexpr char deleteKey = 0x7F;
 
 // Two digits for each octet of the longest PDU (164 on the way out) and of its service centre (12).
-constexpr std::size_t pduDigitLimit = 2 * (164 + 12);
+constexpr std::size_t pduDigitLimit = std::size_t{2} * (164 + 12);
 
 } // namespace
 

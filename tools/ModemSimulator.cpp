@@ -285,7 +285,7 @@ bool CModemSimulator::MayInterrupt() const {
 }
 
 // The network keeps a message that finds no place, and nothing is told of it.
-void CModemSimulator::Receive(std::string text, std::string number) {
+void CModemSimulator::Receive(const std::string& text, std::string number) {
     const std::int64_t seconds = m_Modem.CalendarSeconds();
     SMessage message;
     message.number = number.empty() ? std::string(farNumber) : std::move(number);

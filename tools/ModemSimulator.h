@@ -67,7 +67,7 @@ class CModemSimulator {
     void LetHappen(const SEvent& event);
     void RingByTimer();
     bool Ring();
-    void Receive(std::string text, std::string number);
+    void Receive(const std::string& text, std::string number);
     void Register(int state);
     void EndFarCall();
     bool MayInterrupt() const;

@@ -13,7 +13,6 @@ class CTerminal : public IPollable {
     CTerminal();
 
     void Type(std::string_view bytes) { m_typed.Append(bytes); }
-    bool IsAllTyped() const { return m_typed.IsEmpty(); }
 
     // While it is off, the terminal takes no output, as one does whose user pressed Ctrl+S.
     void SetReading(bool reading) { m_bReading = reading; }
