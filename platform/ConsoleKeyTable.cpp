@@ -17,35 +17,35 @@ constexpr char NONE = 0;
 // One key of every family. Sequences are: CSI letter and SS3 letter (xterm and most others), CSI
 // number ~ (the VT220's editing keypad and function keys; Home and End have other numbers on rxvt),
 // CSI [ letter (the Linux console's first function keys), lower-case letters with Shift and Ctrl
-// (rxvt's arrows). Other is the number that rxvt uses beside Number.
+// (rxvt's arrows). OtherNumber is the one that rxvt uses.
 struct KeyOfFamilies {
     WORD virtualKey;
     WORD scanCode;
-    char letter;      // after CSI and SS3, and with modifiers
     int number;       // before ~
     int otherNumber;  // before ~
+    int terminfo;     // unibi_string
+    char letter;      // after CSI and SS3, and with modifiers
     char linuxLetter; // after CSI [
     char rxvtLetter;  // after CSI with Shift, after SS3 with Ctrl
-    int terminfo;     // unibi_string
 };
 
 constexpr KeyOfFamilies KEYS[] = {
-    {VK_UP, 0x48, 'A', 0, 0, NONE, 'a', unibi_key_up},
-    {VK_DOWN, 0x50, 'B', 0, 0, NONE, 'b', unibi_key_down},
-    {VK_RIGHT, 0x4D, 'C', 0, 0, NONE, 'c', unibi_key_right},
-    {VK_LEFT, 0x4B, 'D', 0, 0, NONE, 'd', unibi_key_left},
-    {VK_HOME, 0x47, 'H', 1, 7, NONE, NONE, unibi_key_home},
-    {VK_END, 0x4F, 'F', 4, 8, NONE, NONE, unibi_key_end},
-    {VK_INSERT, 0x52, NONE, 2, 0, NONE, NONE, unibi_key_ic},
-    {VK_DELETE, 0x53, NONE, 3, 0, NONE, NONE, unibi_key_dc},
-    {VK_PRIOR, 0x49, NONE, 5, 0, NONE, NONE, unibi_key_ppage},
-    {VK_NEXT, 0x51, NONE, 6, 0, NONE, NONE, unibi_key_npage},
-    {VK_F1, 0x3B, 'P', 11, 0, 'A', NONE, unibi_key_f1},
-    {VK_F2, 0x3C, 'Q', 12, 0, 'B', NONE, unibi_key_f2},
-    {VK_F3, 0x3D, 'R', 13, 0, 'C', NONE, unibi_key_f3},
-    {VK_F4, 0x3E, 'S', 14, 0, 'D', NONE, unibi_key_f4},
-    {VK_F5, 0x3F, NONE, 15, 0, 'E', NONE, unibi_key_f5},
-    {VK_F6, 0x40, NONE, 17, 0, NONE, NONE, unibi_key_f6},
+    {VK_UP, 0x48, 0, 0, unibi_key_up, 'A', NONE, 'a'},
+    {VK_DOWN, 0x50, 0, 0, unibi_key_down, 'B', NONE, 'b'},
+    {VK_RIGHT, 0x4D, 0, 0, unibi_key_right, 'C', NONE, 'c'},
+    {VK_LEFT, 0x4B, 0, 0, unibi_key_left, 'D', NONE, 'd'},
+    {VK_HOME, 0x47, 1, 7, unibi_key_home, 'H', NONE, NONE},
+    {VK_END, 0x4F, 4, 8, unibi_key_end, 'F', NONE, NONE},
+    {VK_INSERT, 0x52, 2, 0, unibi_key_ic, NONE, NONE, NONE},
+    {VK_DELETE, 0x53, 3, 0, unibi_key_dc, NONE, NONE, NONE},
+    {VK_PRIOR, 0x49, 5, 0, unibi_key_ppage, NONE, NONE, NONE},
+    {VK_NEXT, 0x51, 6, 0, unibi_key_npage, NONE, NONE, NONE},
+    {VK_F1, 0x3B, 11, 0, unibi_key_f1, 'P', 'A', NONE},
+    {VK_F2, 0x3C, 12, 0, unibi_key_f2, 'Q', 'B', NONE},
+    {VK_F3, 0x3D, 13, 0, unibi_key_f3, 'R', 'C', NONE},
+    {VK_F4, 0x3E, 14, 0, unibi_key_f4, 'S', 'D', NONE},
+    {VK_F5, 0x3F, 15, 0, unibi_key_f5, NONE, 'E', NONE},
+    {VK_F6, 0x40, 17, 0, unibi_key_f6, NONE, NONE, NONE},
 };
 
 // xterm adds 1 to the sum of Shift 1, Alt 2, Ctrl 4, Meta 8.

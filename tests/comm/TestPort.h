@@ -4,77 +4,14 @@
 
 #include "platform/Comm.h"
 #include "platform/Error.h"
-#include "platform/HandleObject.h"
-
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <poll.h>
-#include <stdlib.h>
-#include <unistd.h>
+#include "tests/comm/TestDevice.h"
 
 #include <cstring>
 #include <string>
 
-constexpr DWORD PATIENCE = 60'000; // for what must come; no test waits that long unless it fails
-
-class CTestDevice {
-  public:
-    CTestDevice() : m_device(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        EXPECT_TRUE(m_device);
-        EXPECT_EQ(grantpt(m_device.Get()), 0);
-        EXPECT_EQ(unlockpt(m_device.Get()), 0);
-        char path[64] = {};
-        EXPECT_EQ(ptsname_r(m_device.Get(), path, sizeof path), 0);
-        m_path = path;
-    }
-
-    int Get() const { return m_device.Get(); }
-    const char* Path() const { return m_path.c_str(); }
-    void Close() { m_device.Reset(); }
-
-    void Say(const std::string& text) const {
-        for (std::size_t said = 0; said < text.size();) {
-            const ssize_t count = write(Get(), text.data() + said, text.size() - said);
-            ASSERT_GT(count, 0);
-            said += static_cast<std::size_t>(count);
-        }
-    }
-
-    std::string Hear(std::size_t count) const {
-        std::string heard(count, '\0');
-        std::size_t got = 0;
-        while (got < count) {
-            pollfd polled = {Get(), POLLIN, 0};
-            if (poll(&polled, 1, static_cast<int>(PATIENCE)) != 1)
-                break;
-            const ssize_t part = read(Get(), heard.data() + got, count - got);
-            if (part <= 0)
-                break;
-            got += static_cast<std::size_t>(part);
-        }
-        heard.resize(got);
-        return heard;
-    }
-
-  private:
-    platform::CDescriptor m_device;
-    std::string m_path;
-};
-
 inline HANDLE OpenPort(const char* name) {
     return CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OVERLAPPED, nullptr);
-}
-
-// Bytes that show where they belong.
-inline std::string MakePattern(std::size_t count) {
-    std::string pattern(count, '\0');
-    unsigned value = 1;
-    for (char& byte : pattern) {
-        value = value * 1103515245 + 12345;
-        byte = static_cast<char>(value >> 16);
-    }
-    return pattern;
 }
 
 class CommTest : public testing::Test {

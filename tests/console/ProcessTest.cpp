@@ -1,15 +1,12 @@
 // The console calls in a process of their own on a terminal of their own: taking over, signals,
 // crashes, and what they leave behind.
-#include "platform/Clock.h"
 #include "platform/Console.h"
-#include "platform/Error.h"
 #include "platform/HandleObject.h"
 #include "platform/Wait.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <string>
@@ -75,8 +72,6 @@ void Echo() {
         const INPUT_RECORD record = TakeRecord();
         if (record.EventType == KEY_EVENT)
             Say("key " + std::to_string(record.Event.KeyEvent.uChar.AsciiChar) + ";");
-        if (record.EventType == WINDOW_BUFFER_SIZE_EVENT)
-            Say("size " + std::to_string(record.Event.WindowBufferSizeEvent.X) + ";");
         GetConsoleMode(g_hInput, &mode);
     }
 }
@@ -151,10 +146,6 @@ class CChild {
         return (mode.c_lflag & (ICANON | ECHO)) == 0 && (mode.c_oflag & OPOST) == 0 &&
                (mode.c_lflag & ISIG) != 0 && mode.c_cc[VQUIT] == 0x1C;
     }
-    void Resize(unsigned short columns) const {
-        const winsize size{25, columns, 0, 0};
-        EXPECT_EQ(ioctl(m_master.Get(), TIOCSWINSZ, &size), 0);
-    }
 
   private:
     struct Pipe {
@@ -228,54 +219,6 @@ constexpr const char* TITLE_BACK = "\x1b[23;0t";
 
 } // namespace
 
-TEST(ConsoleProcess, KeysArriveRawAndTheTerminalComesBack) {
-    CChild child(Echo);
-    child.ReadUntil("ready;");
-    EXPECT_TRUE(child.IsRaw());
-    child.Type("\x03\x1A\x13\x11\r");
-    child.ReadUntil("key 3;key 26;key 19;key 17;key 13;");
-    child.Resize(100);
-    child.ReadUntil("size 100;");
-    child.Signal(SIGINT);
-    child.ReadUntil("event 0;");
-    child.Type("\x1C"); // Ctrl+backslash
-    EXPECT_NE(child.ReadUntil(TITLE_BACK).find("event 1;"), std::string::npos);
-    EXPECT_EQ(WEXITSTATUS(child.Status()), 7);
-    EXPECT_TRUE(child.IsModeAsFound());
-}
-
-TEST(ConsoleProcess, HangUpAndTerminationGiveTheConsoleBack) {
-    struct Case {
-        int signal;
-        const char* event;
-    };
-    for (const Case& end : {Case{SIGHUP, "event 2;"}, Case{SIGTERM, "event 6;"}}) {
-        CChild child(Echo);
-        child.ReadUntil("ready;");
-        child.Signal(end.signal);
-        EXPECT_NE(child.ReadUntil(TITLE_BACK).find(end.event), std::string::npos);
-        EXPECT_EQ(WEXITSTATUS(child.Status()), 7);
-        EXPECT_TRUE(child.IsModeAsFound());
-    }
-}
-
-TEST(ConsoleProcess, AfterwardsASignalHasItsUsualEffect) {
-    CChild child([] {
-        Echo();
-        std::puts("after;");
-        std::fflush(stdout);
-        for (;;)
-            pause();
-    });
-    child.ReadUntil("ready;");
-    child.Signal(SIGTERM);
-    child.ReadUntil("after;");
-    EXPECT_TRUE(child.IsModeAsFound());
-    child.Signal(SIGTERM);
-    const int status = child.Status();
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
-}
-
 TEST(ConsoleProcess, WhateverEndsItTheTerminalIsSane) {
     const std::function<void()> ends[] = {
         [] { raise(SIGSEGV); },
@@ -348,33 +291,4 @@ TEST(ConsoleProcess, StopsAndGoesOn) {
     child.Type("b");
     child.ReadUntil("key 98;");
     EXPECT_TRUE(child.IsRaw());
-}
-
-TEST(ConsoleProcess, WithoutATerminalItEndsWithItsInput) {
-    CChild child([] {
-        int ends[2] = {-1, -1};
-        if (pipe(ends) != 0 || write(ends[1], "x", 1) != 1)
-            std::exit(1);
-        const CDescriptor screen(dup(STDOUT_FILENO));
-        close(ends[1]);
-        dup2(ends[0], STDIN_FILENO);
-        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        TakeOver();
-        CONSOLE_SCREEN_BUFFER_INFO info{};
-        INPUT_RECORD record = TakeRecord();
-        DWORD count = 0;
-        const bool asExpected = !GetConsoleScreenBufferInfo(g_hOutput, &info) &&
-                                record.Event.KeyEvent.uChar.AsciiChar == 'x' &&
-                                !ReadConsoleInputA(g_hInput, &record, 1, &count) &&
-                                GetLastError() == ERROR_HANDLE_EOF &&
-                                WaitForSingleObject(g_hInput, INFINITE) == WAIT_OBJECT_0 &&
-                                !WriteConsoleA(INVALID_HANDLE_VALUE, "", 0, &count, nullptr) &&
-                                GetLastError() == ERROR_INVALID_HANDLE;
-        raise(SIGINT); // which ends it, there being no keyboard for a Ctrl+C
-        Sleep(1);
-        DWORD mode = 0;
-        GetConsoleMode(g_hInput, &mode);
-        std::exit(asExpected && mode != 0 ? 5 : 1);
-    });
-    EXPECT_EQ(WEXITSTATUS(child.Status()), 5);
 }

@@ -12,7 +12,7 @@
 class CReportLog {
   public:
     CReportLog() {
-        Clear();
+        Take();
         platform::SetDebugListener([](LPCSTR text) {
             const std::lock_guard lock(s_mutex);
             s_texts.emplace_back(text);
@@ -22,18 +22,11 @@ class CReportLog {
     CReportLog(const CReportLog&) = delete;
     CReportLog& operator=(const CReportLog&) = delete;
 
-    std::vector<std::string> Texts() const {
-        const std::lock_guard lock(s_mutex);
-        return s_texts;
-    }
-
     // The texts since the last call.
     std::vector<std::string> Take() {
         const std::lock_guard lock(s_mutex);
         return std::exchange(s_texts, {});
     }
-
-    void Clear() { Take(); }
 
   private:
     inline static std::mutex s_mutex;

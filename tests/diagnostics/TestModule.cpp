@@ -30,11 +30,7 @@ class CModule final : public IDebugModule {
     }
     HRESULT SetModuleName(LPCSTR szModuleName) override {
         Log("name " + std::string(szModuleName));
-#ifdef MODULE_REFUSES_NAME
-        return E_INVALIDARG;
-#else
-        return std::string(szModuleName) == "seven" ? 7 : S_OK;
-#endif
+        return S_OK;
     }
     HRESULT Output(LPCSTR szText, DWORD dwLevel) override {
         Log("output " + std::to_string(dwLevel) + ' ' + szText);
@@ -44,15 +40,8 @@ class CModule final : public IDebugModule {
 
 } // namespace
 
-#ifndef MODULE_WITHOUT_EXPORT
 extern "C" HRESULT DllGetInterface(const IID& riid, void** ppvInterface) {
     Log(riid == IID_IDebugModule ? "interface" : "unknown interface");
-#ifdef MODULE_FAILS
-    *ppvInterface = nullptr;
-    return E_OUTOFMEMORY;
-#else
     *ppvInterface = static_cast<IDebugModule*>(&g_module);
     return S_OK;
-#endif
 }
-#endif

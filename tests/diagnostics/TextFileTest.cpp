@@ -30,7 +30,6 @@ class CTextFileTest : public testing::Test {
         while (m_file.ReadLine(line) == EReadLine::Line)
             lines.push_back(line);
         EXPECT_EQ(m_file.ReadLine(line), EReadLine::End);
-        EXPECT_EQ(line, "");
         return lines;
     }
 
@@ -45,7 +44,6 @@ TEST_F(CTextFileTest, LineEnds) {
         std::vector<std::string> lines;
     } cases[] = {
         {"", {}},
-        {"\n", {""}},
         {"one\ntwo\r\nthree", {"one", "two", "three"}},
         {"ATZ\r\r\n\r\nATI\r", {"ATZ\r", "", "ATI\r"}},
         {"a\rb\x1A"s + "c\0d\n"s, {"a\rb\x1A"s + "c\0d"s}},
@@ -62,11 +60,7 @@ TEST_F(CTextFileTest, ALineHasABoundAndTheFileEndsThere) {
     const std::string longest(CTextFile::MAX_LINE_LENGTH, 'x');
     for (const char* const end : {"", "\n", "\r\n"}) {
         Store(longest + end);
-        const std::vector<std::string> lines = Lines();
-        ASSERT_EQ(lines.size(), 1u);
-        EXPECT_TRUE(lines[0] == longest);
-    }
-    for (const char* const end : {"", "\n", "\r\n"}) {
+        EXPECT_TRUE(Lines() == std::vector<std::string>{longest});
         Store(longest + 'x' + end + "next\n");
         std::string line = "former";
         ASSERT_TRUE(m_file.Open(m_path.c_str()));
@@ -78,7 +72,6 @@ TEST_F(CTextFileTest, ALineHasABoundAndTheFileEndsThere) {
 
 TEST_F(CTextFileTest, FailuresAreNoEnd) {
     std::string line;
-    EXPECT_EQ(m_file.ReadLine(line), EReadLine::Error);
     EXPECT_FALSE(m_file.Open((m_path + "missing").c_str()));
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     EXPECT_FALSE(m_file.Open("/"));

@@ -6,8 +6,8 @@
 #include "common/InterfacePtr.h"
 #include "platform/Clock.h"
 #include "platform/Wait.h"
+#include "tests/comm/TestDevice.h"
 #include "tests/diagnostics/ReportLog.h"
-#include "tests/serial/Pty.h"
 
 #include <gtest/gtest.h>
 
@@ -24,27 +24,16 @@ class CSerialTest : public testing::Test {
         m_wait = m_serial.Query<ISerialWait>(IID_ISerialWait);
     }
 
-    void Open() { ASSERT_TRUE(m_serial->Open(m_pty.Path())); }
+    void Open() { ASSERT_TRUE(m_serial->Open(m_device.Path())); }
 
-    // Waits until Read has something; empty once the device is gone.
-    std::string ReadSome(DWORD most) {
-        std::string bytes(most, '\0');
-        DWORD count = 0;
-        while (count == 0 && !m_wait->IsDeviceGone() &&
-               WaitForSingleObject(m_wait->GetReceiveHandle(), 20000) == WAIT_OBJECT_0)
-            count = m_serial->Read(bytes.data(), most);
-        bytes.resize(count);
-        return bytes;
-    }
-
-    std::string Read(std::size_t count) {
-        std::string bytes;
-        while (bytes.size() < count) {
-            const std::string some = ReadSome(static_cast<DWORD>(count - bytes.size()));
-            if (some.empty())
-                break;
-            bytes += some;
-        }
+    // Waits until the port has had that many bytes; fewer once the device is gone.
+    std::string Read(DWORD count) {
+        std::string bytes(count, '\0');
+        DWORD taken = 0;
+        while (taken < count && !m_wait->IsDeviceGone() &&
+               WaitForSingleObject(m_wait->GetReceiveHandle(), PATIENCE) == WAIT_OBJECT_0)
+            taken += m_serial->Read(bytes.data() + taken, count - taken);
+        bytes.resize(taken);
         return bytes;
     }
 
@@ -55,24 +44,12 @@ class CSerialTest : public testing::Test {
     DWORD Free() { return m_serial->GetQueueInfo(_QUE_TXFREE); }
 
     // Writes until the device, which reads nothing, holds everything up and the transmit buffer is
-    // full; returns what was written.
-    std::string Block() {
-        std::string written;
+    // full.
+    void Block() {
         do {
-            const std::string bytes = Pattern(Free(), written.size());
-            EXPECT_EQ(Write(bytes), bytes.size());
-            written += bytes;
+            Write(s_pattern.substr(0, Free()));
         } while (WaitForSingleObject(m_wait->GetProgressEvent(), 300) == WAIT_OBJECT_0);
         EXPECT_EQ(Free(), 0u);
-        return written;
-    }
-
-    // Bytes of which no two pieces are alike.
-    static std::string Pattern(std::size_t count, std::size_t begin = 0) {
-        std::string bytes(count, '\0');
-        for (std::size_t i = 0; i < count; ++i)
-            bytes[i] = static_cast<char>((begin + i) * 2654435761u >> 24);
-        return bytes;
     }
 
     static std::size_t EntriesOf(const char* folder) {
@@ -97,15 +74,13 @@ class CSerialTest : public testing::Test {
         return texts;
     }
 
-    static std::string Assert(const char* expression, const char* file = "Serial") {
-        return std::string("Assert!\n\tFile: ") + file + "\n\tExp: " + expression + '\n';
-    }
-    static std::string Verify(const char* expression) {
-        return std::string("Verify Failed!\n\tFile: Serial\n\tExp: ") + expression + '\n';
+    static std::string Assert(const char* expression, const char* title = "Assert!") {
+        return std::string(title) + "\n\tFile: Serial\n\tExp: " + expression + '\n';
     }
 
+    inline static const std::string s_pattern = MakePattern(1 << 20);
     CReportLog m_log;
-    CPty m_pty;
+    CTestDevice m_device;
     CInterfacePtr<ISerial> m_serial;
     CInterfacePtr<ISerialWait> m_wait;
 };

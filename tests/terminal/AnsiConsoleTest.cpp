@@ -5,12 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fcntl.h>
 #include <random>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -21,10 +18,7 @@ using std::string_view_literals::operator""sv;
 // A modem on a substitute channel, which records what is sent.
 class CTestModem : public CVModem {
   public:
-    CTestModem() {
-        m_serial.m_bOpen = TRUE;
-        m_pSerial.Reset(&m_serial);
-    }
+    CTestModem() { m_pSerial.Reset(&m_serial); }
     ~CTestModem() override { m_pSerial.Reset(); }
     CSubstituteSerial m_serial;
 };
@@ -63,10 +57,6 @@ class CRecordingScreen final : public CAnsiConsole {
         CAnsiConsole::SetAttributeFlags(flags);
         Record("SetAttributeFlags", {flags});
     }
-    BOOL ProcessEscape(BYTE finalCharacter) override {
-        m_bKnown = CAnsiConsole::ProcessEscape(finalCharacter);
-        return m_bKnown;
-    }
     void PutChar(BYTE character) override {
         CAnsiConsole::PutChar(character);
         if (!m_bInEscape && character == '\n')
@@ -82,8 +72,6 @@ class CRecordingScreen final : public CAnsiConsole {
 
     BOOL IsCollecting() const { return m_bInEscape; }
     BYTE GetAttribute() const { return m_byAttribute; }
-
-    BOOL m_bKnown = FALSE;
 
   private:
     void Record(std::string call, std::initializer_list<int> numbers = {}) {
@@ -176,20 +164,6 @@ TEST(AnsiConsole, ActsOnSequences) {
     }
 }
 
-TEST(AnsiConsole, KnowsItsFinalCharacters) {
-    for (int character = 0; character < 256; ++character) {
-        CRecordingScreen screen;
-        const bool known =
-            character != 0 && std::strchr("@ABCDEFHJKLMPSTUZfmnrsu", character) != nullptr;
-        EXPECT_EQ(screen.ProcessEscape(static_cast<BYTE>(character)), known) << character;
-    }
-    CRecordingScreen screen;
-    screen.Feed("\x1B[5Z");
-    EXPECT_TRUE(screen.m_bKnown);
-    screen.Feed("\x1B[?25h");
-    EXPECT_FALSE(screen.m_bKnown);
-}
-
 struct Rendition {
     std::string_view bytes;
     BYTE attribute;
@@ -261,31 +235,6 @@ TEST(AnsiConsole, ReportsTheCursorWhenThereIsRoom) {
     EXPECT_EQ(modem.m_serial.m_calls.size(), 3U);
 }
 
-TEST(AnsiConsole, SendsTheSequencesOfKeys) {
-    struct Key {
-        WORD code;
-        const char* bytes;
-    };
-    constexpr Key keys[] = {{0x21, "\x1B[I"}, {0x22, "\x1B[G"}, {0x23, "\x1B[F"}, {0x24, "\x1B[H"},
-                            {0x25, "\x1B[D"}, {0x26, "\x1B[A"}, {0x27, "\x1B[C"}, {0x28, "\x1B[B"},
-                            {0x2D, "\x1B[L"}, {0x2E, "\x7F"},   {0x70, "\x1BOP"}, {0x71, "\x1BOQ"},
-                            {0x72, "\x1BOR"}, {0x73, "\x1BOS"}};
-    CTestModem modem;
-    CRecordingScreen screen(&modem);
-    BYTE character = 'x';
-    for (const Key& key : keys) {
-        modem.m_serial.m_calls.clear();
-        EXPECT_FALSE(screen.OnKey(0xABCD0000U | key.code, &character));
-        EXPECT_EQ(modem.m_serial.m_calls, Calls{"write " + std::string(key.bytes)}) << key.code;
-    }
-    modem.m_serial.m_calls.clear();
-    for (const DWORD key : {0U, 0x20U, 0x29U, 0x74U, 0x75U, 0x76U, 0xFFFFU})
-        EXPECT_FALSE(screen.OnKey(key, &character));
-    EXPECT_TRUE(modem.m_serial.m_calls.empty());
-    EXPECT_EQ(character, 'x');
-    EXPECT_FALSE(CRecordingScreen().OnKey(0x26, &character));
-}
-
 // Bytes that look like sequences often enough to reach every branch.
 TEST(AnsiConsole, OutlivesAnyBytes) {
     constexpr std::string_view likely = "\x1B\x1B\x1B[[[[;;;0123456789?!@ABCEHJKmnrsufF\n\0"sv;
@@ -303,65 +252,6 @@ TEST(AnsiConsole, OutlivesAnyBytes) {
     }
     screen.Feed(std::string(1000000, '\x1B'));
     EXPECT_EQ(screen.Feed("[3C"), Calls{"CursorForward 3"});
-}
-
-// Replaces standard input by an empty one and standard output by a file.
-class CPlainStreams {
-  public:
-    CPlainStreams() : m_nSavedInput(dup(STDIN_FILENO)), m_nSavedOutput(dup(STDOUT_FILENO)) {
-        const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        dup2(input, STDIN_FILENO);
-        dup2(fileno(m_pFile), STDOUT_FILENO);
-        close(input);
-    }
-    CPlainStreams(const CPlainStreams&) = delete;
-    CPlainStreams& operator=(const CPlainStreams&) = delete;
-    ~CPlainStreams() {
-        dup2(m_nSavedInput, STDIN_FILENO);
-        dup2(m_nSavedOutput, STDOUT_FILENO);
-        close(m_nSavedInput);
-        close(m_nSavedOutput);
-        std::fclose(m_pFile);
-    }
-    std::string ReadOutput() {
-        std::string output(1000, '\0');
-        const ssize_t count = pread(fileno(m_pFile), output.data(), output.size(), 0);
-        output.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-        return output;
-    }
-
-  private:
-    std::FILE* m_pFile = std::tmpfile();
-    int m_nSavedInput;
-    int m_nSavedOutput;
-};
-
-class CPlainConsole final : public CAnsiConsole {
-  public:
-    void Show(std::string_view bytes) {
-        for (const char byte : bytes)
-            PutChar(static_cast<BYTE>(byte));
-    }
-};
-
-TEST(AnsiConsole, ShowsWhatIsNoSequenceAsText) {
-    std::string output;
-    BOOL isInputEnded = FALSE;
-    {
-        CPlainStreams streams;
-        CPlainConsole console;
-        console.Attach(nullptr);
-        console.Show("a\x1BHb\x1B[?25hc\x1B[1;31md\x1B[12!e\x1B[");
-        console.Show(std::string(300, '1'));
-        BYTE key = 0;
-        console.ReadKey(&key);
-        isInputEnded = console.IsInputEnded();
-        console.Restore();
-        output = streams.ReadOutput();
-    }
-    // The 256th byte behind the last ESC is lost with what was collected; 300 - 255 bytes remain.
-    EXPECT_EQ(output, "a\xE2\x86\x90Hbcde" + std::string(45, '1'));
-    EXPECT_TRUE(isInputEnded);
 }
 
 } // namespace

@@ -42,8 +42,6 @@ TEST(DeviceName, TypedNamesBecomeDevicesAndTitles) {
         EXPECT_EQ(IsComPort(device), row.isComPort);
         EXPECT_EQ(GetPortDisplayName(device), row.display);
     }
-    EXPECT_TRUE(IsComPort("com3x"));
-    EXPECT_FALSE(IsComPort("\\\\.\\com12"));
 }
 
 TEST(Decimal, FollowsTheLibraryAndStaysInBounds) {
@@ -51,15 +49,8 @@ TEST(Decimal, FollowsTheLibraryAndStaysInBounds) {
         const char* text;
         int value;
     } rows[] = {
-        {"", 0},
-        {"x1", 0},
-        {" \t42", 42},
-        {"+7", 7},
-        {"-12z", -12},
-        {"- 1", 0},
-        {"99999999999", INT_MAX},
-        {"-99999999999", INT_MIN},
-        {"2147483648", INT_MAX},
+        {"x1", 0},  {" \t+42", 42},           {"-12z", -12},
+        {"- 1", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN},
     };
     for (const auto& row : rows)
         EXPECT_EQ(ParseDecimal(row.text), row.value) << row.text;
@@ -74,37 +65,23 @@ CommandLine Parse(std::initializer_list<const char*> arguments) {
     return ParseCommandLine(static_cast<int>(vector.size()), vector.data());
 }
 
-TEST(CommandLine, SwitchesCountInEitherCaseAndFilesKeepTheirs) {
+TEST(CommandLine, FilesKeepTheirCaseAndLaterSwitchesWin) {
     const CommandLine line = Parse({"COM1", "-b:57600", "/a:Test.dat", "-O:Out.TXT", "-s:run.scr"});
     EXPECT_EQ(line.port, "COM1");
     EXPECT_EQ(line.baudRate, 57600);
     EXPECT_EQ(g_strCommandFile, "Test.dat");
     EXPECT_EQ(g_strOutputFile, "Out.TXT");
     EXPECT_EQ(g_strScriptFile, "run.scr");
-}
-
-TEST(CommandLine, LaterSwitchesWinAndStrangersAreIgnored) {
     EXPECT_EQ(Parse({"COM1", "-B:1200", "-B:2400"}).baudRate, 2400);
-    EXPECT_EQ(Parse({"COM1", "-B:"}).baudRate, 0);
     EXPECT_EQ(Parse({"COM1", "B:9600", "-X:foo", "-B", "-", "", "--B:1"}).baudRate, 0);
-    EXPECT_EQ(Parse({"COM1", "-A:x", "-A:"}).baudRate, 0);
-    EXPECT_EQ(g_strCommandFile, "");
-}
-
-TEST(CommandLine, OnlyTheFirstArgumentAsksForUsage) {
-    EXPECT_TRUE(Parse({"-?"}).wantsUsage);
+    EXPECT_EQ(Parse({"-B:9600"}).port, "-B:9600");
     EXPECT_TRUE(Parse({"/?", "COM1"}).wantsUsage);
     EXPECT_FALSE(Parse({"COM1", "-?"}).wantsUsage);
-    const CommandLine line = Parse({"-B:9600"});
-    EXPECT_EQ(line.port, "-B:9600");
-    EXPECT_EQ(line.baudRate, 0);
 }
 
 TEST(CaptureFile, EveryLineBreakIsCrLf) {
-    EXPECT_EQ(ToCaptureText("AT\r"), "AT\r\n");
     EXPECT_EQ(ToCaptureText("AT\r\r\nOK\r\n"), "AT\r\n\r\nOK\r\n");
     EXPECT_EQ(ToCaptureText("a\nb"), "ab");
-    EXPECT_EQ(ToCaptureText(""), "");
 }
 
 } // namespace

@@ -1,0 +1,48 @@
+#include "diagnostics/ModuleTrace.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// What the test module beside the program has noted since the last call.
+std::string TakeModuleLog() {
+    const char* const log = std::getenv("VXDEBUG_LOG");
+    const std::string text = log ? log : "";
+    unsetenv("VXDEBUG_LOG");
+    return text;
+}
+
+TEST(DebugModule, IsLoadedByTheFirstUseAndGivenBackForGood) {
+    DebugSetModuleName(std::string(64, 'n').c_str());
+    EXPECT_TRUE(DebugTrace("one %s", "a"));
+    EXPECT_TRUE(DebugError("two %#08lx", 0x80000048UL));
+    EXPECT_FALSE(DebugError("!"));
+    EXPECT_EQ(TakeModuleLog(), "load\ninterface\nname " + std::string(63, 'n') +
+                                   "\noutput 8 one a\noutput 1 two 0x80000048\noutput 1 !\n");
+    EXPECT_TRUE(DebugTrace("%s", std::string(5000, 't').c_str()));
+    EXPECT_EQ(TakeModuleLog(), "output 8 " + std::string(511, 't') + '\n');
+
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int j = 0; j < 50; ++j)
+                EXPECT_TRUE(DebugTrace("text"));
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    const std::string log = TakeModuleLog();
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 200) << "one at a time";
+
+    g_AppDebug.Unload();
+    EXPECT_FALSE(DebugTrace("text"));
+    EXPECT_EQ(TakeModuleLog(), "release\nunload\n");
+}
+
+} // namespace
