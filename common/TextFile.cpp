@@ -1,5 +1,7 @@
 #include "common/TextFile.h"
 
+#include "platform/Error.h"
+
 #include <algorithm>
 
 namespace {
@@ -33,18 +35,18 @@ EReadLine CTextFile::ReadLine(std::string& line) {
         const auto lineFeed = std::find(begin, end, '\n');
         // One byte more than a line may have: the CR of its end, which may be yet to be taken off.
         if (line.size() + static_cast<std::size_t>(lineFeed - begin) > MAX_LINE_LENGTH + 1)
-            return Fail(line);
+            return FailTooLong(line);
         line.append(begin, lineFeed);
         if (lineFeed != end) {
             m_nBegin += static_cast<std::size_t>(lineFeed - begin) + 1;
             if (!line.empty() && line.back() == '\r')
                 line.pop_back();
-            return line.size() > MAX_LINE_LENGTH ? Fail(line) : EReadLine::Line;
+            return line.size() > MAX_LINE_LENGTH ? FailTooLong(line) : EReadLine::Line;
         }
         if (!FillBuffer())
             return Fail(line);
         if (m_nEnd == 0 && line.size() > MAX_LINE_LENGTH)
-            return Fail(line);
+            return FailTooLong(line);
         if (m_nEnd == 0)
             return line.empty() ? EReadLine::End : EReadLine::Line;
     }
@@ -64,5 +66,11 @@ EReadLine CTextFile::Fail(std::string& line) {
     line.clear();
     m_bFailed = true;
     m_hFile.Reset();
+    return EReadLine::Error;
+}
+
+EReadLine CTextFile::FailTooLong(std::string& line) {
+    Fail(line);
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return EReadLine::Error;
 }

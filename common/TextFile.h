@@ -24,12 +24,14 @@ class CTextFile {
 
     // Stores the next line without its end. A last line without an end is a line too. End at the
     // end of the file; Error for a read error, a line longer than MAX_LINE_LENGTH bytes, or when no
-    // file is open, and from then on. The string is empty unless the result is Line.
+    // file is open, and from then on. The string is empty unless the result is Line. After the
+    // first Error the last error tells why: ERROR_NOT_ENOUGH_MEMORY is the line that is too long.
     EReadLine ReadLine(std::string& line);
 
   private:
     bool FillBuffer();
     EReadLine Fail(std::string& line);
+    EReadLine FailTooLong(std::string& line);
 
     CUniqueHandle m_hFile;
     std::vector<char> m_buffer;

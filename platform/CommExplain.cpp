@@ -2,6 +2,7 @@
 
 #include "platform/CommUsers.h"
 #include "platform/Error.h"
+#include "platform/PrintableText.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -32,31 +33,14 @@ constexpr std::size_t MOST_NAMES = 8;
 constexpr mode_t GROUP_ACCESS = S_IRGRP | S_IWGRP;
 constexpr mode_t PERMISSIONS = 0777;
 
-// Names come from files and other processes: nothing in them may act on a terminal. Bytes of UTF-8
-// stay, but for the control characters U+0080 to U+009F.
-std::string Printable(std::string_view text) {
-    std::string result(text);
-    for (std::size_t at = 0; at < result.size(); ++at) {
-        const auto byte = static_cast<unsigned char>(result[at]);
-        const auto before = static_cast<unsigned char>(at > 0 ? result[at - 1] : 0);
-        const bool isLateControl = before == 0xC2 && byte >= 0x80 && byte <= 0x9F;
-        if (byte >= 0x20 && byte != 0x7F && !isLateControl)
-            continue;
-        if (isLateControl)
-            result[at - 1] = '?';
-        result[at] = '?';
-    }
-    return result;
-}
-
 std::string NameOfGroup(gid_t group) {
     const struct group* entry = getgrgid(group);
-    return entry ? Printable(entry->gr_name) : std::to_string(group);
+    return entry ? PrintableText(entry->gr_name) : std::to_string(group);
 }
 
 std::string NameOfUser(uid_t user) {
     const passwd* entry = getpwuid(user);
-    return entry ? Printable(entry->pw_name) : std::to_string(user);
+    return entry ? PrintableText(entry->pw_name) : std::to_string(user);
 }
 
 bool IsNumbered(std::string_view name, std::string_view prefix) {
@@ -132,7 +116,7 @@ std::string ExplainRefusal(const std::string& path) {
     const CommUser user = FindCommUser(device);
     if (user.process == 0)
         return "in use by another process. End it, or choose another device.";
-    const std::string name = user.name.empty() ? "" : " (" + Printable(user.name) + ")";
+    const std::string name = user.name.empty() ? "" : " (" + PrintableText(user.name) + ")";
     return "in use by process " + std::to_string(user.process) + name +
            ". End it, or choose another device.";
 }
@@ -163,11 +147,11 @@ std::string ExplainPortOpenFailure(LPCSTR portName, DWORD error) {
     const std::string name = portName ? portName : "";
     const std::string path = DevicePathOfPort(portName);
     if (path.empty())
-        return "\"" + Printable(name) +
-               "\": no port and no known modem; a serial device is named by its path, such as "
+        return "\"" + PrintableText(name) +
+               "\": no port and no known modem; a serial device is named by its full path, such as "
                "/dev/ttyUSB0";
     const std::string shown = path == name ? name : name + " (" + path + ")";
-    return Printable(shown) + ": " + Explain(path, error);
+    return PrintableText(shown) + ": " + Explain(path, error);
 }
 
 } // namespace platform

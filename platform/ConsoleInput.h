@@ -34,6 +34,9 @@ class CConsoleInput final : public CHandleObject {
         return TakeSlow(record);
     }
 
+    // Whether anything was ever read from the keyboard.
+    bool WasRead() const { return m_nReadTime != 0; }
+
     // Records that come before what was typed.
     void AddMenuEvent();
     void AddSizeEvent(COORD size);

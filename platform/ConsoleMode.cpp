@@ -62,6 +62,13 @@ void CConsoleMode::GiveBack() {
         Restore();
 }
 
+void CConsoleMode::DiscardInput() {
+    for (int index = 0; index < m_nTerminals; ++index) {
+        if (IsForeground(m_terminals[index]))
+            tcflush(m_terminals[index].descriptor, TCIFLUSH);
+    }
+}
+
 void CConsoleMode::Restore() {
     for (int index = 0; index < m_nTerminals; ++index) {
         if (IsForeground(m_terminals[index]))

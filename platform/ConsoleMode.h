@@ -19,6 +19,8 @@ class CConsoleMode {
     // Brings the modes that TakeOver found back, and makes the terminals raw again after that. In
     // the background the terminals belong to somebody else and stay as they are.
     void GiveBack();
+    // Drops what was typed and has not been read.
+    void DiscardInput();
     void TakeAgain();
 
     // The descriptor, besides those of TakeOver, through which Rescue speaks to the terminal; and

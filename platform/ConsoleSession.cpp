@@ -47,6 +47,10 @@ void CConsoleSession::GiveBack() {
     m_bTakenOver = false;
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_nOutput : -1); // the other one is closed now
     m_output.End();
+    // Where keys were taken, those that were not are meant for the device too: a shell would carry
+    // the rest of a paste out.
+    if (m_input.WasRead())
+        m_mode.DiscardInput();
     m_mode.GiveBack();
     m_mode.SetTitleChanged(false);
     consolesignals::Remove();

@@ -53,11 +53,13 @@ int OpenFlags(DWORD access, DWORD disposition) {
     return flags | ((access & GENERIC_WRITE) != 0 ? O_RDWR : O_RDONLY);
 }
 
-// Locks are for regular files: /dev/null has room for everybody.
+// Locks are for regular files: /dev/null has room for everybody. One who shares reads what another
+// writes, but what is being read first is not emptied: the command file may be named as the capture
+// file by mistake.
 BOOL LockFile(int file, DWORD shareMode) {
-    if ((shareMode & FILE_SHARE_READ) != 0)
-        return TRUE;
-    const bool isTaken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    const bool shares = (shareMode & FILE_SHARE_READ) != 0;
+    const bool isLocked = flock(file, (shares ? LOCK_SH : LOCK_EX) | LOCK_NB) == 0;
+    const bool isTaken = !shares && !isLocked && errno == EWOULDBLOCK;
     return isTaken ? FailWith(ERROR_SHARING_VIOLATION) : TRUE;
 }
 

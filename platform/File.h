@@ -29,7 +29,8 @@ struct OVERLAPPED {
 // With FILE_FLAG_OVERLAPPED and OPEN_EXISTING it is a serial port, see platform/Comm.h: "COMn",
 // "COMn:" and "\\.\COMn" are /dev/ttyS(n-1), a name that begins with '/' is the device's path.
 // Otherwise it is a file: CREATE_ALWAYS makes it or empties it, OPEN_EXISTING opens it. Without
-// FILE_SHARE_READ nobody else who asks for the same may have it open (an advisory lock).
+// FILE_SHARE_READ nobody else who asks for the same may have it open, nor one who opened it with
+// FILE_SHARE_READ before (an advisory lock).
 //
 // Errors: ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED (no permission; a
 // directory; a port in use), ERROR_SHARING_VIOLATION (a file in use), ERROR_NOT_SUPPORTED (a port's

@@ -250,13 +250,16 @@ void CAnsiConsole::RestoreCursor() {
     SetCursorPosition(m_nSavedRow, m_nSavedColumn);
 }
 
+std::string_view CAnsiConsole::GetKeySequence(WORD key) {
+    for (const KeySequence& row : kKeySequences)
+        if (row.key == key)
+            return row.bytes;
+    return {};
+}
+
 BOOL CAnsiConsole::OnKey(DWORD key, BYTE*) {
-    const WORD code = static_cast<WORD>(key & 0xFFFF);
-    for (const KeySequence& row : kKeySequences) {
-        if (row.key != code || !m_pModem)
-            continue;
-        m_pModem->SendString(row.bytes);
-        break;
-    }
+    const std::string_view sequence = GetKeySequence(static_cast<WORD>(key & 0xFFFF));
+    if (!sequence.empty() && m_pModem)
+        m_pModem->SendString(sequence.data());
     return FALSE;
 }

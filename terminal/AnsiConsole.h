@@ -35,6 +35,9 @@ class CAnsiConsole : public CConsoleScreen {
 
     static constexpr BYTE kEscape = 0x1B;
 
+    // What a special key sends, by its virtual key code; empty for a key that sends nothing.
+    static std::string_view GetKeySequence(WORD key);
+
   private:
     using Action = void (CAnsiConsole::*)();
     struct Command {

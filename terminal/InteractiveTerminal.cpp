@@ -1,5 +1,6 @@
 #include "terminal/InteractiveTerminal.h"
 
+#include "modem/Deadline.h"
 #include "modem/Modem.h"
 #include "platform/Wait.h"
 #include "terminal/TermConsole.h"
@@ -10,8 +11,9 @@ namespace {
 // Echo on, verbal result codes.
 constexpr char kInitialisation[] = "ATE1V1\r";
 
-// The longest sequence that a key sends, in bytes: no key is taken without that much room.
-constexpr DWORD kLongestKey = 3;
+// Bytes typed ahead of a device that does not take them. Keys are taken all the same, so that a
+// paste into a stuck device leaves the keys that end the terminal within reach.
+constexpr std::size_t kMostTypedAhead = std::size_t{4} << 20;
 
 // Keys taken in one turn: a paste must not keep the device's output from the screen.
 constexpr int kKeysPerTurn = 1024;
@@ -22,6 +24,11 @@ constexpr int kReadsPerTurn = 16;
 
 // With the input at its end, the device must have been silent this long before the terminal ends.
 constexpr DWORD kQuietTime = 1000;
+
+// At the end, how long the device may take no byte before the rest of what was typed is given up,
+// and how long that may go on before the user is told.
+constexpr DWORD kStuckTime = 2000;
+constexpr DWORD kPatience = 1000;
 
 // Quiet times in which the device takes no byte of what was typed before the rest is given up.
 constexpr int kStuckTurns = 2;
@@ -36,25 +43,31 @@ void CInteractiveTerminal::Run() {
     m_modem.Write(kInitialisation, sizeof(kInitialisation) - 1);
     while (m_console.m_bActive && !m_deviceGone)
         Turn();
+    if (!m_deviceGone)
+        FinishTyping();
     if (m_deviceGone)
         TellDeviceGone(m_console, m_deviceName);
 }
 
 CInteractiveTerminal::Waits CInteractiveTerminal::ChooseWaits() const {
-    const bool takesKeys = !m_console.IsInputEnded() && m_modem.GetWriteRoom() >= kLongestKey;
-    const bool shows = WaitForSingleObject(m_console.GetOutputHandle(), 0) == WAIT_OBJECT_0;
-    return {{m_console.GetReleaseEvent(),
-             takesKeys ? m_console.GetInputHandle() : m_modem.GetProgressEvent(),
-             shows ? m_modem.GetReceiveHandle() : m_console.GetOutputHandle()},
-            takesKeys,
-            shows};
+    Waits waits;
+    waits.Add(m_console.GetReleaseEvent());
+    if (!m_console.IsInputEnded() && m_console.GetTypedAhead() < kMostTypedAhead)
+        waits.keys = waits.Add(m_console.GetInputHandle());
+    if (m_console.GetTypedAhead() != 0)
+        waits.Add(m_modem.GetProgressEvent());
+    if (WaitForSingleObject(m_console.GetOutputHandle(), 0) == WAIT_OBJECT_0)
+        waits.device = waits.Add(m_modem.GetReceiveHandle());
+    else
+        waits.Add(m_console.GetOutputHandle());
+    return waits;
 }
 
 void CInteractiveTerminal::Turn() {
     const Waits waits = ChooseWaits();
     const DWORD timeout = m_console.IsInputEnded() ? kQuietTime : INFINITE;
-    const DWORD signalled = WaitForMultipleObjects(static_cast<DWORD>(waits.handles.size()),
-                                                   waits.handles.data(), FALSE, timeout);
+    const DWORD signalled =
+        WaitForMultipleObjects(waits.count, waits.handles.data(), FALSE, timeout);
     if (signalled == WAIT_TIMEOUT)
         return EndWhenQuiet();
     if (signalled == WAIT_FAILED) {
@@ -62,12 +75,13 @@ void CInteractiveTerminal::Turn() {
         return;
     }
 
-    if (waits.takesKeys && signalled == WAIT_OBJECT_0 + 1)
+    if (signalled == waits.keys)
         TakeKeys();
-    if (!waits.shows || !m_console.m_bActive)
+    m_console.SendTyped();
+    if (waits.device == Waits::kNone || !m_console.m_bActive)
         return;
     const bool anythingShown = ShowReceived();
-    if (!anythingShown && signalled == WAIT_OBJECT_0 + 2)
+    if (!anythingShown && signalled == waits.device)
         m_deviceGone = m_modem.IsDeviceGone();
     if (m_console.IsOutputGone())
         EndUnseen();
@@ -80,16 +94,13 @@ void CInteractiveTerminal::EndUnseen() {
 }
 
 void CInteractiveTerminal::TakeKeys() {
-    DWORD room = m_modem.GetWriteRoom();
-    for (int keys = 0; keys < kKeysPerTurn && room >= kLongestKey; ++keys) {
+    for (int keys = 0; keys < kKeysPerTurn; ++keys) {
         BYTE key = 0;
         if (m_console.ReadKey(&key))
             m_console.TypeChar(key);
-        room -= kLongestKey;
         if (!m_console.m_bActive || m_console.IsInputEnded() || !m_console.WaitForInput(0))
             break;
     }
-    m_console.SendTyped();
 }
 
 bool CInteractiveTerminal::ShowReceived() {
@@ -105,8 +116,39 @@ bool CInteractiveTerminal::ShowReceived() {
     return true;
 }
 
+std::size_t CInteractiveTerminal::CountUnsent() const {
+    return m_modem.GetQueuedOutput() + m_console.GetTypedAhead();
+}
+
+// The device is read on meanwhile, or one that echoes would take nothing either.
+void CInteractiveTerminal::FinishTyping() {
+    const CDeadline patience(kPatience);
+    CDeadline stuck(kStuckTime);
+    std::size_t unsent = CountUnsent();
+    bool isTold = false;
+    for (m_console.SendTyped(); m_console.GetTypedAhead() != 0; m_console.SendTyped()) {
+        if (!isTold && patience.Remaining() == 0) {
+            TellUser(m_console,
+                     "wirelet: sending what was typed before the end; Ctrl+C drops it\n");
+            isTold = true;
+        }
+        const std::array<HANDLE, 2> handles = {m_modem.GetProgressEvent(),
+                                               m_modem.GetReceiveHandle()};
+        const DWORD signalled = WaitForMultipleObjects(2, handles.data(), FALSE, stuck.Remaining());
+        if (signalled != WAIT_OBJECT_0 && signalled != WAIT_OBJECT_0 + 1)
+            return;
+        if (!ShowReceived() && m_modem.IsDeviceGone()) {
+            m_deviceGone = true;
+            return;
+        }
+        if (CountUnsent() < unsent)
+            stuck = CDeadline(kStuckTime);
+        unsent = CountUnsent();
+    }
+}
+
 void CInteractiveTerminal::EndWhenQuiet() {
-    const DWORD queued = m_modem.GetQueuedOutput();
+    const std::size_t queued = CountUnsent();
     m_quietTurns = queued < m_queuedOutput ? 0 : m_quietTurns + 1;
     m_queuedOutput = queued;
     if (queued == 0 || m_quietTurns >= kStuckTurns)

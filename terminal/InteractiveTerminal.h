@@ -2,14 +2,15 @@
 //
 // Owned by the session; runs on its thread until the console is given back (Alt+F4, a control
 // event), the device is gone, standard input has ended, or standard output takes no more. It blocks
-// on the keyboard and the port together and never wakes without a reason. Keys are taken only as
-// the transmit buffer has room, and bytes are read only as the console takes them, so neither side
-// can stop the other.
+// on the keyboard and the port together and never wakes without a reason. Bytes are sent only as
+// the transmit buffer has room and read only as the console takes them, so neither side can stop
+// the other; what is typed meanwhile waits here, up to a bound.
 #pragma once
 
 #include "platform/Types.h"
 
 #include <array>
+#include <cstddef>
 #include <string>
 
 class CTermConsole;
@@ -25,9 +26,18 @@ class CInteractiveTerminal {
   private:
     // What one turn waits for.
     struct Waits {
-        std::array<HANDLE, 3> handles;
-        bool takesKeys;
-        bool shows;
+        static constexpr DWORD kNone = 0xFFFFFFFE;
+
+        // Returns what a wait returns for this handle.
+        DWORD Add(HANDLE handle) {
+            handles[count] = handle;
+            return count++;
+        }
+
+        std::array<HANDLE, 4> handles{};
+        DWORD count = 0;
+        DWORD keys = kNone;
+        DWORD device = kNone;
     };
 
     Waits ChooseWaits() const;
@@ -36,6 +46,10 @@ class CInteractiveTerminal {
     // Shows what has arrived; false when there was nothing.
     bool ShowReceived();
     void EndUnseen();
+    // Bytes typed that have not left for the device.
+    std::size_t CountUnsent() const;
+    // After the end: what was typed before it still goes out, as long as the device takes it.
+    void FinishTyping();
     // Gives the console back when the input has ended, all that was typed is with the device, and
     // the device has been silent since.
     void EndWhenQuiet();
@@ -44,6 +58,6 @@ class CInteractiveTerminal {
     CTermConsole& m_console;
     const std::string& m_deviceName;
     bool m_deviceGone = false;
-    DWORD m_queuedOutput = 0;
+    std::size_t m_queuedOutput = 0;
     int m_quietTurns = 0;
 };

@@ -1,6 +1,7 @@
 // The program's entry: the banner, the command line, and the session.
 
 #include "diagnostics/ModuleTrace.h"
+#include "platform/StandardStreams.h"
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
 #include "terminal/Session.h"
@@ -17,6 +18,7 @@ constexpr int kExitUsage = 1;
 } // namespace
 
 int main(int argc, char** argv) {
+    platform::OpenClosedStreams();
     DebugSetModuleName("Mobile Wirelet");
     std::printf("Corvane v%s\n", kVersion);
 

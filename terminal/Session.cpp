@@ -2,6 +2,7 @@
 
 #include "platform/Comm.h"
 #include "platform/Error.h"
+#include "platform/PrintableText.h"
 #include "terminal/CommandFile.h"
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
@@ -33,8 +34,11 @@ BOOL OpenDevice(CTermModem& modem, const std::string& deviceName) {
 
 void ReportOpenFailure(const std::string& deviceName, const std::string& title) {
     const std::string reason = platform::ExplainPortOpenFailure(deviceName.c_str(), GetLastError());
-    std::fprintf(stderr, "%s\n", reason.c_str());
-    std::printf(LoadString(IDS_CANNOT_OPEN), title.c_str());
+    // A switch in the port's place is what a newcomer types who looks for help.
+    const bool asksForHelp = deviceName.starts_with('-');
+    std::fprintf(stderr, "%s%s\n", reason.c_str(),
+                 asksForHelp ? "; wirelet -? tells the usage" : "");
+    std::printf(LoadString(IDS_CANNOT_OPEN), platform::PrintableText(title).c_str());
     std::fflush(stdout);
     static_cast<void>(std::getchar());
 }

@@ -4,12 +4,17 @@
 #include "platform/Console.h"
 #include "terminal/LineMenus.h"
 
+#include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
 // F5 and F6 open a menu inside a menu. Nobody types that many; a paste might.
 constexpr int kDeepestMenu = 16;
+
+// Memory that is kept for what is typed next; a paste may have taken more.
+constexpr std::size_t kKeptRoom = 4096;
 
 } // namespace
 
@@ -25,7 +30,12 @@ BOOL CTermConsole::OnKey(DWORD dwKey, BYTE* pbyChar) {
             FlowMenu(*m_pModem, *this);
         --m_nMenuDepth;
     }
-    return CAnsiConsole::OnKey(dwKey, pbyChar);
+
+    const std::string_view sequence = GetKeySequence(key);
+    if (GetTypedAhead() == 0 && m_pModem->GetWriteRoom() >= sequence.size())
+        return CAnsiConsole::OnKey(dwKey, pbyChar);
+    m_strTyped += sequence;
+    return FALSE;
 }
 
 void CTermConsole::PutText(std::span<const BYTE> bytes) {
@@ -47,15 +57,16 @@ void CTermConsole::PutText(std::span<const BYTE> bytes) {
     }
 }
 
-void CTermConsole::TypeChar(BYTE byChar) {
-    if (m_nTyped == m_szTyped.size())
-        SendTyped();
-    m_szTyped[m_nTyped++] = static_cast<char>(byChar);
-}
-
 void CTermConsole::SendTyped() {
-    if (m_nTyped == 0)
+    const auto count =
+        static_cast<DWORD>(std::min<std::size_t>(GetTypedAhead(), m_pModem->GetWriteRoom()));
+    if (count != 0)
+        m_pModem->Write(m_strTyped.data() + m_nSent, count);
+    m_nSent += count;
+    if (GetTypedAhead() != 0)
         return;
-    m_pModem->Write(m_szTyped.data(), static_cast<DWORD>(m_nTyped));
-    m_nTyped = 0;
+    m_nSent = 0;
+    m_strTyped.clear();
+    if (m_strTyped.capacity() > kKeptRoom)
+        m_strTyped.shrink_to_fit();
 }

@@ -5,9 +5,9 @@
 
 #include "terminal/AnsiConsole.h"
 
-#include <array>
 #include <cstddef>
 #include <span>
+#include <string>
 
 class CTermConsole final : public CAnsiConsole {
   public:
@@ -19,13 +19,17 @@ class CTermConsole final : public CAnsiConsole {
     // the console in one piece.
     void PutText(std::span<const BYTE> bytes);
 
-    // Puts a typed character into the batch that goes to the device with SendTyped, or at once when
-    // the batch is full: one write for a whole paste's worth of keys instead of one a key.
-    void TypeChar(BYTE byChar);
+    // Puts a typed character behind those that have still to go to the device.
+    void TypeChar(BYTE byChar) { m_strTyped += static_cast<char>(byChar); }
+
+    // Sends of them what the transmit buffer has room for; never blocks.
     void SendTyped();
 
+    // How many bytes have still to go to the device.
+    std::size_t GetTypedAhead() const { return m_strTyped.size() - m_nSent; }
+
   private:
-    std::array<char, 1024> m_szTyped; // as much as the write thread takes at once
-    std::size_t m_nTyped = 0;
+    std::string m_strTyped;
+    std::size_t m_nSent = 0; // of the typed bytes, those at the front that have gone
     int m_nMenuDepth = 0;
 };

@@ -1,11 +1,14 @@
 #include "terminal/UserMessage.h"
 
 #include "platform/Error.h"
+#include "platform/PrintableText.h"
 #include "terminal/Console.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <string_view>
 
 namespace {
 
@@ -37,11 +40,12 @@ std::string Format(const char* format, va_list arguments) {
 
 // Standard error may be the user's terminal: a name that holds control characters must not act
 // there.
-void WriteToStandardError(std::string text) {
-    for (char& letter : text)
-        if (letter != '\n' && (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F))
-            letter = '?';
-    std::fputs(text.c_str(), stderr);
+void WriteToStandardError(const std::string& text) {
+    const std::size_t end = text.find_last_not_of('\n') + 1;
+    const std::size_t begin = std::min(text.find_first_not_of('\n'), end);
+    std::fprintf(
+        stderr, "%s\n",
+        platform::PrintableText(std::string_view(text).substr(begin, end - begin)).c_str());
 }
 
 } // namespace
@@ -67,6 +71,10 @@ void TellUser(CConsole& console, const char* format, ...) {
 void TellDeviceGone(CConsole& console, const std::string& deviceName) {
     TellUser(console, "\nThe device %s is gone: unplugged, or its other end was closed.\n",
              deviceName.c_str());
+}
+
+void TellReason(CConsole& console, DWORD error) {
+    TellUser(console, "(%s)\n", DescribeError(error));
 }
 
 const char* DescribeError(DWORD error) {

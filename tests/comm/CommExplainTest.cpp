@@ -23,7 +23,7 @@ TEST(CommExplain, WhatIsNoPort) {
     EXPECT_EQ(WhyNot(folder, ERROR_ACCESS_DENIED), "is a directory, not a serial device.");
     EXPECT_TRUE(WhyNot(missing, ERROR_FILE_NOT_FOUND).starts_with("no such device."));
     EXPECT_EQ(WhyNot("My Modem", ERROR_FILE_NOT_FOUND),
-              "no port and no known modem; a serial device is named by its path, such as "
+              "no port and no known modem; a serial device is named by its full path, such as "
               "/dev/ttyUSB0");
     rmdir(folder);
 }

@@ -65,6 +65,7 @@ TEST_F(CTextFileTest, ALineHasABoundAndTheFileEndsThere) {
         std::string line = "former";
         ASSERT_TRUE(m_file.Open(m_path.c_str()));
         EXPECT_EQ(m_file.ReadLine(line), EReadLine::Error);
+        EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_EQ(line, "");
         EXPECT_EQ(m_file.ReadLine(line), EReadLine::Error);
     }

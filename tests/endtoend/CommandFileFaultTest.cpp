@@ -28,6 +28,9 @@ TEST_F(CCommandFileFaultTest, FilesThatCannotBeOpened) {
     ExpectRefusal(commands, folder, "Cannot create " + folder);
     ExpectRefusal(commands, missing + "/x", "Cannot create " + missing + "/x");
 
+    ExpectRefusal(commands, commands, "Cannot create " + commands);
+    EXPECT_EQ(ReadWholeFile(commands), "ATI\n");
+
     const CDescriptor other(open(kept.c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(other.Get(), LOCK_EX), 0);
     ExpectRefusal(commands, kept, "Cannot create " + kept);

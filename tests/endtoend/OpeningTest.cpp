@@ -43,6 +43,7 @@ TEST_F(COpeningTest, DevicesThatAreNone) {
     ExpectLine(FailToOpen("My Modem", "My Modem"), {"My Modem"});
     ExpectLine(FailToOpen("/dev/null", "/dev/null"), {"/dev/null"});
     FailToOpen('/' + std::string(5000, 'n'), "nnn");
+    ExpectLine(FailToOpen("/dev/\x1B]2;title\a", "/dev/?]2;title?"), {"/dev/?]2;title?"});
 }
 
 TEST_F(COpeningTest, DeviceInUse) {

@@ -20,7 +20,8 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
   public:
     enum class Kind { Polled, Waitable };
     explicit CSubstituteSerial(Kind kind = Kind::Polled)
-        : m_kind(kind), m_hReceive(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
+        : m_kind(kind), m_hReceive(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
+          m_hHangup(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
     virtual ~CSubstituteSerial() = default;
 
     // What the next reads give, one entry a read.
@@ -44,6 +45,7 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
         const std::lock_guard lock(m_lock);
         m_bVanished = TRUE;
         SetEvent(m_hReceive);
+        SetEvent(m_hHangup);
     }
 
     HRESULT QueryInterface(const IID& identifier, void** object) override {
@@ -99,7 +101,7 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
     HWND SetModemMonitorWnd(HWND) override { return nullptr; }
 
     HANDLE GetReceiveHandle() override { return m_hReceive; }
-    HANDLE GetHangupHandle() override { return m_hReceive; }
+    HANDLE GetHangupHandle() override { return m_hHangup; }
     HANDLE GetProgressEvent() override { return m_hReceive; }
     BOOL IsDeviceGone() override {
         const std::lock_guard lock(m_lock);
@@ -111,5 +113,6 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
     const Kind m_kind;
     std::mutex m_lock;
     CUniqueHandle m_hReceive;
+    CUniqueHandle m_hHangup;
     BOOL m_bVanished = FALSE;
 };
