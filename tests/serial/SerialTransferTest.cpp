@@ -14,6 +14,19 @@ constexpr const char* GONE_COMPLETION =
 constexpr const char* ABORTED_COMPLETION =
     "CVSerial::WriteThreadProc() - GetOverlappedResult() failed - GetLastError() = 995\n";
 
+// The write thread makes room in the buffer by whole chunks, a quarter of the capacity each.
+TEST_F(CSerialTest, ChunksAreAQuarterOfTheBuffer) {
+    for (const DWORD size : {4096u, 10000u}) {
+        Open();
+        ASSERT_TRUE(m_serial->SetBufferSizes(KEEP_SETTING, size));
+        Block();
+        while (Free() < size && !m_device.HearSome(256).empty())
+            EXPECT_EQ(Free() % (size / 4), 0u) << Free();
+        EXPECT_EQ(Free(), size);
+        EXPECT_TRUE(m_serial->Close());
+    }
+}
+
 TEST_F(CSerialTest, FlushDiscardsWhatWaits) {
     Open();
     Block();
