@@ -84,7 +84,7 @@ std::optional<SCommand> CCommandLine::Next() {
 std::optional<SCommand> CCommandLine::NextBasic() {
     SCommand command;
     if (TakeIf('&'))
-        command.name = "&";
+        command.name += '&';
     if (!IsLetter(Peek()))
         return Fail();
     command.name += m_strLine[m_nPlace++];
