@@ -28,12 +28,14 @@ constexpr std::array kErrorTexts = {
     ErrorText{ERROR_DISK_FULL, "the disk is full"},
 };
 
+// The analyser takes the list of arguments for one that nobody began.
 std::string Format(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    const int length =
+        std::vsnprintf(nullptr, 0, format, arguments); // NOLINT(*valist.Uninitialized)
     std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    std::vsnprintf(text.data(), text.size() + 1, format, again); // NOLINT(*valist.Uninitialized)
     va_end(again);
     return text;
 }
