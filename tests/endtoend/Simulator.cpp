@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-CSimulator::CSimulator(CPump& pump, std::vector<std::string> options) {
-    options.insert(options.begin(), WIRELET_MODEMSIM);
+CSimulator::CSimulator(CPump& pump, const std::vector<std::string>& options) {
     ProcessOptions process;
-    process.arguments = std::move(options);
+    process.arguments.emplace_back(WIRELET_MODEMSIM);
+    process.arguments.insert(process.arguments.end(), options.begin(), options.end());
     process.output = m_output.GetWriter();
     process.error = STDERR_FILENO;
     m_process = std::make_unique<CProcess>(process);

@@ -10,7 +10,7 @@ class CSimulator {
   public:
     // Waits until the simulator has told its device's path. The pump must not run any more once
     // this object has gone.
-    explicit CSimulator(CPump& pump, std::vector<std::string> options = {});
+    explicit CSimulator(CPump& pump, const std::vector<std::string>& options = {});
 
     const std::string& GetPath() const { return m_path; }
 
