@@ -6,7 +6,14 @@ if(WIRELET_WERROR)
     target_compile_options(wirelet_flags INTERFACE -Werror)
 endif()
 
-if(WIRELET_SANITIZE STREQUAL "address")
+if(WIRELET_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        message(FATAL_ERROR "The fuzzers need clang: -DCMAKE_CXX_COMPILER=clang++")
+    endif()
+    target_compile_options(wirelet_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+        -fno-sanitize-recover=all -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS)
+    target_link_options(wirelet_flags INTERFACE -fsanitize=address,undefined)
+elseif(WIRELET_SANITIZE STREQUAL "address")
     target_compile_options(wirelet_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(wirelet_flags INTERFACE -fsanitize=address,undefined)

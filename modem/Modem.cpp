@@ -1,6 +1,7 @@
 #include "modem/Modem.h"
 
 #include "diagnostics/ModuleTrace.h"
+#include "modem/DataTrace.h"
 #include "platform/Clock.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
@@ -45,6 +46,9 @@ BOOL CVModem::Open(const std::string& path) {
 }
 
 void CVModem::Close() {
+    if (m_bCallActive)
+        HangUpCall();
+    m_bCallActive = FALSE;
     if (!m_bPortOpen)
         return;
     if (m_pSerial)
@@ -98,7 +102,7 @@ BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& r
                    static_cast<long>(delay));
         Sleep(delay);
     }
-    for (int attempt = 0; attempt < m_nRetry; ++attempt) {
+    for (int attempt = 0; attempt < m_nRetry && !IsDeviceGone(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);
@@ -113,7 +117,9 @@ BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& r
 BOOL CVModem::Write(LPCVOID bytes, DWORD count) {
     if (!m_pSerial)
         return FALSE;
-    return m_pSerial->Write(bytes, count) == count;
+    const DWORD written = m_pSerial->Write(bytes, count);
+    TraceData(bytes, count, TRUE);
+    return written == count;
 }
 
 BOOL CVModem::Read(LPVOID buffer, DWORD capacity, DWORD& count) {
@@ -121,6 +127,7 @@ BOOL CVModem::Read(LPVOID buffer, DWORD capacity, DWORD& count) {
     if (!m_pSerial)
         return FALSE;
     count = m_pSerial->Read(buffer, capacity);
+    TraceData(buffer, count, FALSE);
     return count != 0;
 }
 

@@ -1,6 +1,7 @@
 // CVModem: the object through which the rest of the system talks to a phone or modem.
 //
-// It owns the serial port object and offers AT commands with their answers, raw bytes, the control
+// It owns the serial port object and, once a modem was opened by name, a telephony object, and
+// offers AT commands with their answers, raw bytes, the control
 // lines and the line settings. It knows no command: it moves bytes and recognises final result
 // codes. One thread uses an object at a time; there is no lock. The destructor closes the device
 // and releases the port. Texts are NUL-terminated bytes unless told otherwise; time-outs are
@@ -13,6 +14,7 @@
 #include "modem/Deadline.h"
 #include "modem/FinalResult.h"
 #include "platform/Types.h"
+#include "telephony/ITapi.h"
 
 #include <string>
 
@@ -80,6 +82,21 @@ class CVModem {
     // why.
     BOOL Open(const std::string& path);
 
+    // Opens a modem by the name that the telephony service has for it: a data call without a number
+    // hands its port over, which is ours until Close. Blocks up to a minute for the service's
+    // reply. FALSE, with all given back, when that fails; the last error then tells why:
+    // ERROR_MOD_NOT_FOUND (no service), ERROR_FILE_NOT_FOUND (no modem of that name when
+    // GetDevicePath is empty, else no device), ERROR_ACCESS_DENIED (no permission, or open in
+    // another program), ERROR_BUSY (a device manager keeps it), ERROR_TIMEOUT,
+    // ERROR_NOT_ENOUGH_MEMORY, ERROR_GEN_FAILURE.
+    BOOL OpenDevice(const std::string& name);
+
+    // Gives an open port handle, and the call behind it, to this object. Always TRUE.
+    BOOL AttachHandle(HANDLE port, BOOL overlapped);
+
+    // Where the device is that OpenDevice has failed to open; empty when the service does not tell.
+    const std::string& GetDevicePath() const { return m_devicePath; }
+
     // Closes the device; does nothing when it is closed.
     void Close();
 
@@ -90,7 +107,14 @@ class CVModem {
     HANDLE GetProgressEvent();
 
     // TRUE once the open device is gone and all that it had sent has been read.
-    BOOL IsDeviceGone();
+    virtual BOOL IsDeviceGone();
+
+    // Blocks until Read may give more bytes: TRUE. FALSE when the deadline is reached or the device
+    // is gone. A channel that cannot be waited for is polled: TRUE after a millisecond.
+    virtual BOOL WaitForBytes(const CDeadline& deadline);
+
+    // How often SendCommandGetResponse sends a command before it gives up; 0 or less: never.
+    void SetRetry(int attempts) { m_nRetry = attempts; }
 
     // Blocks until all accepted bytes have gone out. FALSE when the device is gone, has taken no
     // byte for the given milliseconds, or cannot be waited for.
@@ -104,10 +128,6 @@ class CVModem {
     DWORD GetQueuedOutput();
 
   protected:
-    // Blocks until Read may give more bytes: TRUE. FALSE when the deadline is reached or the device
-    // is gone. A channel that cannot be waited for is polled: TRUE after a millisecond.
-    BOOL WaitForBytes(const CDeadline& deadline);
-
     // Blocks until the deadline, whatever arrives, or until the device is gone.
     void WaitWithoutReading(const CDeadline& deadline);
 
@@ -115,6 +135,8 @@ class CVModem {
     DWORD GetPacingDelay() const;
 
     CInterfacePtr<ISerial> m_pSerial;
+    CInterfacePtr<ITapi> m_pTapi;
+    BOOL m_bCallActive = FALSE; // the port is a telephony call's
     BOOL m_bPortOpen = FALSE;
     DWORD m_dwLastResponse = 0; // tick count of the last final result code
     int m_nRetry = 3;
@@ -122,5 +144,13 @@ class CVModem {
 
   private:
     CInterfacePtr<ISerialWait> QueryWait() const;
+    BOOL StartTelephony(const std::string& name);
+    BOOL FindDevice(const std::string& name, DWORD& device);
+    LONG PlaceCall(const std::string& name, DWORD device);
+    std::string AskDevicePath(DWORD device);
+    BOOL TakeHandle(HANDLE& port);
+    void HangUpCall();
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
+
+    std::string m_devicePath;
 };

@@ -37,8 +37,11 @@ DWORD GetTickCount() {
 }
 
 void Sleep(DWORD dwMilliseconds) {
-    if (dwMilliseconds == 0)
-        sched_yield();
-    else
-        platform::CWaitLoop(nullptr, 0, dwMilliseconds).Run();
+    platform::CWaitLoop loop(nullptr, 0, dwMilliseconds);
+    if (dwMilliseconds != 0) {
+        loop.Run();
+        return;
+    }
+    loop.Serve();
+    sched_yield();
 }

@@ -7,13 +7,19 @@
 // stay as the driver has them, and the settings found come back at closing. Opening never blocks on
 // carrier, flushes nothing (what the device already said is shown) and is exclusive: TIOCEXCL keeps
 // other users out and an advisory lock (flock) keeps root out; a second opener gets
-// ERROR_ACCESS_DENIED.
+// ERROR_ACCESS_DENIED. A device that speaks at this very moment may get some of it back: the
+// kernel's terminals echo until they are made raw.
+//
+// Closing does not wait for output that the device does not take, and discards it; the drivers by
+// themselves would wait half a minute.
 //
 // Received bytes: ReadFile returns at once with what is there, 0 bytes included, when the read
 // time-outs are (0xFFFFFFFF, 0, 0); otherwise a read that finds nothing is pending until something
 // comes, or until the total time-out is over (TRUE, 0 bytes). No read waits for a second byte. The
 // port keeps a receive queue of its own of SetupComm's size, which ClearCommError and ReadFile fill
-// from the driver in large reads. What the driver offers beyond it stays in the driver.
+// from the driver in large reads. What the driver offers beyond it stays in the driver. A byte with
+// a parity or framing error is received as it is; a break and an overrun add no byte. All are
+// counted, see ClearCommError.
 //
 // Sent bytes: an overlapped WriteFile hands the driver what it takes at once; the rest is pending
 // (FALSE, ERROR_IO_PENDING) and GetOverlappedResult carries it out, from the same buffer, which
@@ -203,6 +209,10 @@ HANDLE GetCommHangupHandle(HANDLE hFile);
 // The device path that a port name stands for: "COM3:" is "/dev/ttyS2"; a path stays as it is;
 // empty for any other name.
 std::string DevicePathOfPort(LPCSTR portName);
+
+// The path of the serial device that stands in /dev under this name, itself or as a link; empty
+// when there is none. Nothing is opened.
+std::string FindSerialDevice(const std::string& name);
 
 // One line, without a line end, for the user whose CreateFileA of a port failed with the given
 // error: the path, the system's reason, and what helps (the group that owns the device, the process

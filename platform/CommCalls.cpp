@@ -93,7 +93,7 @@ BOOL GetCommModemStatus(HANDLE hFile, LPDWORD lpModemStat) {
     if (!lpModemStat)
         return FailWith(ERROR_INVALID_PARAMETER);
     int lines = 0;
-    if (!port->Driver().GetLines(lines))
+    if (!port->Lines()->GetLines(lines))
         return FALSE;
     *lpModemStat = 0;
     for (const StatusLine& row : STATUS_LINES) {

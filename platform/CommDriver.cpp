@@ -1,5 +1,6 @@
 #include "platform/CommDriver.h"
 
+#include "platform/CommClose.h"
 #include "platform/CommErrors.h"
 #include "platform/Error.h"
 
@@ -38,6 +39,12 @@ int AtMostInt(DWORD count) {
 }
 
 } // namespace
+
+CCommDriver::~CCommDriver() {
+    Release();
+    if (m_bStuck)
+        CloseWithoutWaiting(m_descriptor);
+}
 
 BOOL CCommDriver::Open(LPCSTR path) {
     if (!OpenDevice(path) || !MakeExclusive())
@@ -96,6 +103,8 @@ BOOL CCommDriver::Release() {
     m_bHeld = false;
     // Closing waits up to half a minute for output that the other side holds back.
     Flush(TCOFLUSH);
+    DWORD left = 0;
+    m_bStuck = !m_bPseudoTerminal && CountOutput(left) && left > 0;
     const BOOL restored = Call(TCSETS2, &m_found) || IsGone();
     ioctl(m_descriptor.Get(), TIOCNXCL);
     flock(m_descriptor.Get(), LOCK_UN);

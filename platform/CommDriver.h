@@ -21,7 +21,8 @@ class CCommDriver {
     CCommDriver() = default;
     CCommDriver(const CCommDriver&) = delete;
     CCommDriver& operator=(const CCommDriver&) = delete;
-    ~CCommDriver() { Release(); }
+    // Never waits for output that the device does not take.
+    ~CCommDriver();
 
     // Opens the device for this process alone, raw. FALSE with the errors of CreateFileA.
     BOOL Open(LPCSTR path);
@@ -54,6 +55,7 @@ class CCommDriver {
 
     // The modem lines as TIOCM_ bits; 0 when the device has none. Setting then has no effect.
     BOOL GetLines(int& lines);
+    bool HasLines() const { return m_bHasLines; } // false once a call has found none
     BOOL SetLines(int lines, bool on);
 
     // The line settings. SetState fails with ERROR_INVALID_PARAMETER when the settings in place
@@ -82,6 +84,7 @@ class CCommDriver {
     std::mutex m_settingsMutex; // guards all below
     termios2 m_found{};         // put back by Release
     bool m_bHeld = false;       // settings and exclusive use are to be given back
+    bool m_bStuck = false;      // output was left that could not be discarded
     DWORD m_dwDTRControl = DTR_CONTROL_ENABLE;
     DWORD m_dwRTSControl = RTS_CONTROL_ENABLE;
 };

@@ -44,7 +44,7 @@ BOOL CCommPort::Open(LPCSTR path) {
     m_dwOutputQueueSize = QUEUE_SIZE_AT_OPENING;
     if (!m_queue.Resize(QUEUE_SIZE_AT_OPENING))
         return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    return m_read.Create() && m_write.Create() && m_driver.Open(path);
+    return m_read.Create() && m_write.Create() && m_events.Create() && m_driver.Open(path);
 }
 
 bool CCommPort::IsReady() const {
@@ -59,6 +59,7 @@ bool CCommPort::TryAcquire(short events) {
 }
 
 BOOL CCommPort::Close() {
+    m_events.Close();
     {
         const std::lock_guard lock(m_transmitMutex);
         m_bTransmitClosed = true;
@@ -97,8 +98,10 @@ int CCommPort::ReceiveFromDriver(void* buffer, DWORD count) {
 
 int CCommPort::FillQueue() {
     const int received = ReceiveFromDriver(m_queue.Room(), m_queue.Free());
-    if (received > 0)
+    if (received > 0) {
         m_queue.Added(static_cast<DWORD>(received));
+        m_events.NoteReceived();
+    }
     m_bFilledUp = received > 0 && m_queue.Free() == 0;
     m_bAskDriver = m_bFilledUp;
     return received;
@@ -221,7 +224,8 @@ void CCommPort::StepWrite() {
 // ---- Pending transfers
 
 BOOL CCommPort::GetResult(OVERLAPPED* overlapped, LPDWORD transferred, BOOL wait) {
-    if (!Finish(Sending(), overlapped, wait) || !Finish(Receiving(), overlapped, wait))
+    if (!Finish(Sending(), overlapped, wait) || !Finish(Receiving(), overlapped, wait) ||
+        !m_events.Finish(overlapped, wait))
         return FailWith(ERROR_IO_INCOMPLETE);
     return ResultOf(*overlapped, transferred);
 }
@@ -370,6 +374,11 @@ BOOL CCommPort::Purge(DWORD flags) {
         }
     }
     return IsGone() ? FailWith(ERROR_DEVICE_NOT_CONNECTED) : purged;
+}
+
+std::shared_ptr<ICommLines> CCommPort::Lines() {
+    return m_otherLines ? m_otherLines
+                        : std::shared_ptr<ICommLines>(shared_from_this(), &m_driverLines);
 }
 
 // ---- The hangup handle

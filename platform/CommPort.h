@@ -9,6 +9,8 @@
 #pragma once
 
 #include "platform/CommDriver.h"
+#include "platform/CommEventWait.h"
+#include "platform/CommLines.h"
 #include "platform/CommQueue.h"
 #include "platform/CommTransfer.h"
 #include "platform/TransferObject.h"
@@ -16,6 +18,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace platform {
 
@@ -47,6 +50,16 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     CCommDriver& Driver() { return m_driver; }
     bool IsGone() const { return m_driver.IsGone(); }
 
+    // The bytes that wait to be read. FALSE once nothing more can come.
+    BOOL CountReceived(DWORD& count);
+
+    CCommEventWait& Events() { return m_events; }
+
+    // The modem lines, which keep the port; those of the driver, unless others were put in their
+    // place before anybody looked.
+    std::shared_ptr<ICommLines> Lines();
+    void ReplaceLines(std::shared_ptr<ICommLines> lines) { m_otherLines = std::move(lines); }
+
     HANDLE HangupHandle();
     // The hangup handle was closed by somebody else.
     void ForgetHangupHandle();
@@ -66,7 +79,6 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     int FillQueue();
     int DiscardReceived(bool& discarded);
     int ReceiveFromDriver(void* buffer, DWORD count);
-    BOOL CountReceived(DWORD& count);
     BOOL CountUnsent(DWORD& count);
     void StepRead();
     void StepWrite();
@@ -76,6 +88,9 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     BOOL FinishOwn(const Direction& direction, OVERLAPPED& own, LPDWORD moved);
 
     CCommDriver m_driver;
+    CCommDriverLines m_driverLines{m_driver};
+    std::shared_ptr<ICommLines> m_otherLines;
+    CCommEventWait m_events{*this};
 
     mutable std::mutex m_receiveMutex; // guards what follows
     CCommQueue m_queue;

@@ -78,10 +78,13 @@ void MakeRaw(termios2& settings) {
     if (settings.c_lflag & ICANON)
         settings.c_iflag &= ~SOFTWARE_FLOW;
     settings.c_iflag &= SOFTWARE_FLOW;
-    // A received break is counted by the driver and adds no byte.
-    settings.c_iflag |= IGNBRK;
+    // A received break and an overrun are counted by the driver and add no byte: with BRKINT, the
+    // kernel looks at the marks that drivers put on the NULs for them. The signal that BRKINT is
+    // for finds nobody, as no process is controlled by the port; NOFLSH keeps what was received
+    // before it.
+    settings.c_iflag |= BRKINT;
     settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    settings.c_lflag = 0;
+    settings.c_lflag = NOFLSH;
     settings.c_cflag |= CLOCAL | CREAD;
     // A read that gives 0 bytes then means a hang-up and nothing else.
     settings.c_cc[VMIN] = 1;

@@ -78,6 +78,11 @@ BOOL Report(LPDWORD counter, int count) {
 }
 
 } // namespace
+
+CConsoleSession* TheConsoleSession() {
+    return RegisterBoth() ? &g_session.Get() : nullptr;
+}
+
 } // namespace platform
 
 using namespace platform;

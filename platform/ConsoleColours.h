@@ -29,6 +29,8 @@ class CConsoleColours {
 
     // Somebody else has used the terminal.
     void Forget() { m_nTerminal = UNKNOWN; }
+    // The terminal has its default colours, unless it has brought back those that it had.
+    void NoteReset() { m_nTerminal = m_nTerminal == DEFAULT ? DEFAULT : UNKNOWN; }
 
   private:
     static constexpr int UNKNOWN = -1;

@@ -46,6 +46,15 @@ void CConsoleCursor::Forget() {
     m_terminal = {UNKNOWN, m_terminal.row, false};
 }
 
+void CConsoleCursor::NoteReturn() {
+    if ((m_nState & WRAP) == 0)
+        return;
+    if ((m_nState & MOVED) != 0)
+        m_terminal.wraps = false;
+    else
+        m_nState |= HAND;
+}
+
 // The model and the terminal part: from here on m_terminal tells where the terminal's cursor is.
 void CConsoleCursor::Leave() {
     if ((m_nState & MOVED) != 0)

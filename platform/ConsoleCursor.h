@@ -24,6 +24,9 @@ class CConsoleCursor {
     void Resize(int columns, int rows);
     // Somebody else may have moved the terminal's cursor.
     void Forget();
+    // The terminal has been elsewhere and is back where it was; not all of them bring a pending
+    // wrap back.
+    void NoteReturn();
 
     int Column() const { return m_nColumn; }
     int Row() const { return m_nRow; }

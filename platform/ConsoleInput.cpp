@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -133,9 +134,30 @@ bool CConsoleInput::TryAcquire(short events) {
     return IsReady() || (m_nBegin < m_nEnd && IsTimeUp());
 }
 
+void CConsoleInput::Hold() {
+    m_nHeldEvents = std::exchange(m_nEvents, 0);
+    KeepUnfinished();
+    while (m_nEnd < MOST_HELD && !m_bEnd && IsReadable(m_nDescriptor))
+        Fill(MOST_HELD);
+    m_nHeld = m_nBegin = std::min(m_nEnd, MOST_HELD);
+}
+
+void CConsoleInput::Release() {
+    const std::size_t left = m_nEnd - m_nBegin;
+    std::memmove(m_bytes + m_nHeld, m_bytes + m_nBegin, left);
+    m_nEnd = m_nHeld + left;
+    m_nBegin = m_nCarried = m_nHeld = 0;
+    m_nEvents |= std::exchange(m_nHeldEvents, 0);
+}
+
 void CConsoleInput::Read() {
     KeepUnfinished();
-    const ssize_t length = read(m_nDescriptor, m_bytes + m_nEnd, sizeof m_bytes - m_nEnd);
+    Fill(m_nHeld + MOST_READ);
+}
+
+// Reads up to an end in the buffer.
+void CConsoleInput::Fill(std::size_t end) {
+    const ssize_t length = read(m_nDescriptor, m_bytes + m_nEnd, end - m_nEnd);
     m_nReadTime = Milliseconds();
     if (length < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR))
         return;
@@ -153,9 +175,9 @@ void CConsoleInput::KeepUnfinished() {
     const std::size_t kept = m_nEnd - m_nBegin;
     if (kept != 0)
         m_nCarriedTime = m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime;
-    std::memmove(m_bytes, m_bytes + m_nBegin, kept);
-    m_nBegin = 0;
-    m_nEnd = m_nCarried = kept;
+    std::memmove(m_bytes + m_nHeld, m_bytes + m_nBegin, kept);
+    m_nBegin = m_nHeld;
+    m_nEnd = m_nCarried = m_nHeld + kept;
 }
 
 void CConsoleInput::LoadKeys() {

@@ -37,6 +37,14 @@ class CConsoleInput final : public CHandleObject {
     // Whether anything was ever read from the keyboard.
     bool WasRead() const { return m_nReadTime != 0; }
 
+    // Sets aside what has been typed and what has happened until now, so that Take begins with what
+    // comes later; of what was typed, at most MOST_HELD bytes. Release puts it back in front of
+    // what was not taken meanwhile.
+    void Hold();
+    void Release();
+    // More bytes are there already: an ESC before them was none of a key of its own.
+    bool HasBytes() const { return m_nBegin < m_nEnd; }
+
     // Records that come before what was typed.
     void AddMenuEvent();
     void AddSizeEvent(COORD size);
@@ -47,6 +55,8 @@ class CConsoleInput final : public CHandleObject {
     bool TryAcquire(short events) override;
 
     static constexpr int SEQUENCE_MILLISECONDS = 50;
+    static constexpr std::size_t MOST_READ = 4096; // as much as a terminal holds in its own queue
+    static constexpr std::size_t MOST_HELD = 2 * MOST_READ;
 
   private:
     enum Event : unsigned { MENU = 1, SIZE = 2 };
@@ -58,13 +68,16 @@ class CConsoleInput final : public CHandleObject {
     CConsoleKeys::Match Look(bool final) const;
     bool IsTimeUp() const;
     void Read();
+    void Fill(std::size_t end);
     void KeepUnfinished();
     void LoadKeys();
 
     unsigned m_nEvents = 0; // events that wait to be taken
+    unsigned m_nHeldEvents = 0;
+    std::size_t m_nHeld = 0; // bytes at the start of the buffer that are set aside
     std::size_t m_nBegin = 0;
     std::size_t m_nEnd = 0;
-    std::size_t m_nCarried = 0; // bytes at the start of the buffer that came with an earlier read
+    std::size_t m_nCarried = 0; // the end of the bytes that came with an earlier read
     std::int64_t m_nCarriedTime = 0;
     std::int64_t m_nReadTime = 0;
     int m_nDescriptor = -1;
@@ -72,7 +85,7 @@ class CConsoleInput final : public CHandleObject {
     bool m_bKeysLoaded = false;
     COORD m_size = {0, 0};
     const char* m_terminalType = nullptr;
-    std::uint8_t m_bytes[4096];
+    std::uint8_t m_bytes[MOST_HELD + MOST_READ];
     CConsoleKeys m_keys; // loaded when the first ESC is typed: starting up needs none of it
 };
 

@@ -12,6 +12,10 @@ namespace {
 
 constexpr cc_t CTRL_BACKSLASH = 0x1C;
 
+bool Say(int output, const char* text) {
+    return write(output, text, std::strlen(text)) > 0;
+}
+
 bool AreSameTerminal(int first, int second) {
     struct stat firstStatus {};
     struct stat secondStatus {};
@@ -105,7 +109,8 @@ void CConsoleMode::Apply(const Terminal& terminal, const termios& mode) {
 
 void CConsoleMode::Rescue() {
     // CAN ends a sequence that was cut off; row 999 is below the last row of any terminal.
-    static constexpr char SANE[] = "\x18\x1b[0m\x1b[999;1H\r\n";
+    static constexpr char CANCEL[] = "\x18";
+    static constexpr char SANE[] = "\x1b[0m\x1b[999;1H\r\n";
     static constexpr char TITLE_BACK[] = "\x1b[23;0t";
 
     int process = getpid();
@@ -114,11 +119,13 @@ void CConsoleMode::Rescue() {
     Restore();
     const int output = m_nRescueOutput.load();
     pollfd descriptor = {output, POLLOUT, 0};
-    if (output >= 0 && poll(&descriptor, 1, 0) > 0) {
-        ssize_t written = write(output, SANE, std::strlen(SANE));
-        if (written > 0 && m_bTitleChanged.load())
-            written = write(output, TITLE_BACK, std::strlen(TITLE_BACK));
-        static_cast<void>(written);
+    if (output < 0 || poll(&descriptor, 1, 0) <= 0)
+        return;
+    const char* const parts[] = {CANCEL, m_screenBack.load(), SANE,
+                                 m_bTitleChanged.load() ? TITLE_BACK : nullptr};
+    for (const char* const part : parts) {
+        if (part != nullptr && !Say(output, part))
+            return;
     }
 }
 

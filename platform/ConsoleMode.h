@@ -23,14 +23,16 @@ class CConsoleMode {
     void DiscardInput();
     void TakeAgain();
 
-    // The descriptor, besides those of TakeOver, through which Rescue speaks to the terminal; and
-    // whether the title has to come back.
+    // The descriptor, besides those of TakeOver, through which Rescue speaks to the terminal; what
+    // leaves the alternate screen, while it is shown (null: it is not); and whether the title has
+    // to come back.
     void SetRescueOutput(int descriptor) { m_nRescueOutput.store(descriptor); }
+    void SetScreenBack(const char* sequence) { m_screenBack.store(sequence); }
     void SetTitleChanged(bool changed) { m_bTitleChanged.store(changed); }
 
     // Leaves the terminal usable from wherever the process is: a sequence that was cut off is
-    // ended, colours, title and modes return, the cursor goes below everything. Async-signal-safe;
-    // does nothing the second time, nor in a child of the process.
+    // ended, the screen, colours, title and modes return, the cursor goes below everything.
+    // Async-signal-safe; does nothing the second time, nor in a child of the process.
     void Rescue();
 
   private:
@@ -50,6 +52,7 @@ class CConsoleMode {
     int m_nTerminals = 0;
     std::atomic<int> m_nProcess = 0; // the process that has taken the console over; 0: none
     std::atomic<int> m_nRescueOutput = -1;
+    std::atomic<const char*> m_screenBack = nullptr;
     std::atomic<bool> m_bTitleChanged = false;
 };
 

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include <unistd.h>
+
 namespace platform {
 namespace {
 
@@ -202,6 +204,14 @@ void CConsoleOutput::SetAttribute(std::uint8_t attribute) {
     EndSequence();
     EndFill();
     m_colours.Want(attribute);
+}
+
+void CConsoleOutput::Ring() {
+    EndEasy();
+    if (isatty(m_gather.Channel().Descriptor()) == 0 || !EnsureRoom())
+        return;
+    EndHeldReturn();
+    m_gather.Put(BELL);
 }
 
 void CConsoleOutput::SetTitle(std::string_view title) {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "platform/Console.h"
+#include "platform/ConsoleAlternate.h"
 #include "platform/ConsoleColours.h"
 #include "platform/ConsoleCursor.h"
 #include "platform/ConsoleFill.h"
@@ -56,6 +57,18 @@ class CConsoleOutput final : public CHandleObject {
     // ColourFill FALSE for other cells than those filled last.
     int Fill(char character, DWORD length, COORD start);
     bool ColourFill(std::uint8_t attribute, DWORD length, COORD start);
+    // Rings the terminal's bell, also in the middle of a character; without a terminal nothing.
+    void Ring();
+    // Moves to the first column of the row below all text.
+    void GoBelow();
+    // The terminal's size, 80 by 25 where it tells none.
+    void ReadSize(int& columns, int& rows) const;
+
+    // The screen that is shown in place of this one for a while; on it there is only what is put
+    // there. Leaving the terminal in any way, End included, leaves it first.
+    CConsoleAlternate& Alternate() { return m_alternate; }
+    // As Alternate().Enter(), from a terminal that has all that was written before.
+    bool EnterAlternate();
 
     // The terminal has changed its size; the only operation that a signal handler may call.
     void NoteSizeChange() { m_bSizeChanged.store(true, std::memory_order_relaxed); }
@@ -66,6 +79,7 @@ class CConsoleOutput final : public CHandleObject {
     // For the thread's waits: what still has to go out.
     bool HasWork() const;
     void LetOut();
+    bool IsAllOut() const { return m_gather.Count() == 0; }
     bool IsStalled() const { return m_gather.IsStalled(); }
     void ContinueAfterStall();
     int WaitDescriptor() const override;
@@ -101,8 +115,9 @@ class CConsoleOutput final : public CHandleObject {
     void EndFill();
     void EndHeldReturn();
     bool EnsureRoom() { return m_gather.HasRoom() || m_gather.MakeRoom(); }
+    // On the alternate screen the terminal's cursor is not this screen's.
+    bool NeedsSync() const { return m_cursor.NeedsSync() && !m_alternate.IsEntered(); }
     void FollowSize();
-    void ReadSize(int& columns, int& rows) const;
     bool LeaveTerminal();
 
     std::atomic<bool> m_bSizeChanged = false;
@@ -117,6 +132,7 @@ class CConsoleOutput final : public CHandleObject {
     CConsoleColours m_colours{m_gather};
     CConsoleFill m_fill{m_gather, m_cursor, m_colours};
     CConsoleTitle m_title{m_gather};
+    CConsoleAlternate m_alternate{m_gather, m_cursor, m_colours};
     CUtf8Decoder m_decoder;
 };
 

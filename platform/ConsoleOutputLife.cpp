@@ -14,6 +14,7 @@ void CConsoleOutput::Use(int descriptor, const char* terminalType) {
     const std::string_view type = terminalType != nullptr ? terminalType : "";
     m_bTerminal = isatty(descriptor) != 0 && !type.empty() && type != "dumb";
     m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(type);
+    m_alternate.Use(m_bTerminal ? terminalType : nullptr);
     m_gather.Channel().Use(descriptor);
     if (!m_bTerminal) {
         m_cursor.BeginPlain();
@@ -101,6 +102,7 @@ void CConsoleOutput::Resume() {
 // may be part of serving it. FALSE when the terminal takes nothing any more.
 bool CConsoleOutput::LeaveTerminal() {
     EndEasy();
+    m_alternate.Leave();
     if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
         return false;
     EndSequence();
@@ -117,16 +119,32 @@ bool CConsoleOutput::LeaveTerminal() {
     return true;
 }
 
+bool CConsoleOutput::EnterAlternate() {
+    LetOut();
+    return m_alternate.Enter();
+}
+
+void CConsoleOutput::GoBelow() {
+    EndEasy();
+    if (!m_bTerminal || !EnsureRoom())
+        return;
+    FollowSize();
+    EndSequence();
+    EndFill();
+    m_colours.Sync(CConsoleColours::DEFAULT);
+    m_cursor.GoBelow();
+}
+
 bool CConsoleOutput::HasWork() const {
     if (m_gather.IsStalled() || m_gather.IsGone())
         return false;
-    return m_gather.Count() != 0 || m_cursor.NeedsSync() || (m_dwObstacles & FILL) != 0;
+    return m_gather.Count() != 0 || NeedsSync() || (m_dwObstacles & FILL) != 0;
 }
 
 void CConsoleOutput::LetOut() {
     EndEasy();
     EndFill();
-    if (m_cursor.NeedsSync() && m_gather.HasRoom())
+    if (NeedsSync() && m_gather.HasRoom())
         m_cursor.Sync();
     if (!m_gather.IsStalled())
         m_gather.TryWrite();

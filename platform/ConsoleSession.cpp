@@ -41,18 +41,17 @@ void CConsoleSession::TakeOver() {
     SetWaitCompanion(this);
 }
 
-void CConsoleSession::GiveBack() {
+void CConsoleSession::GiveBack(Typed typed) {
     if (!m_bTakenOver)
         return;
     m_bTakenOver = false;
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_nOutput : -1); // the other one is closed now
     m_output.End();
-    // Where keys were taken, those that were not are meant for the device too: a shell would carry
-    // the rest of a paste out.
-    if (m_input.WasRead())
+    if (typed == Typed::DROPPED_IF_READ && m_input.WasRead())
         m_mode.DiscardInput();
     m_mode.GiveBack();
     m_mode.SetTitleChanged(false);
+    m_mode.SetScreenBack(nullptr);
     consolesignals::Remove();
     SetWaitCompanion(nullptr);
     m_owner.store(0);
@@ -78,6 +77,32 @@ void CConsoleSession::SetTitle(const char* title) {
     m_mode.SetTitleChanged(m_output.IsTitleChanged());
 }
 
+bool CConsoleSession::EnterAlternate() {
+    if (!m_output.EnterAlternate())
+        return false;
+    m_mode.SetScreenBack(m_output.Alternate().LeavingSequence());
+    return true;
+}
+
+void CConsoleSession::LeaveAlternate() {
+    if (!m_output.Alternate().IsEntered())
+        return;
+    m_output.Alternate().Leave();
+    m_output.LetOut();
+    NoteScreenBack();
+}
+
+// The terminal has its first screen only once it has got what leaves the other one.
+void CConsoleSession::NoteScreenBack() {
+    if (!m_output.Alternate().IsEntered() && m_output.IsAllOut())
+        m_mode.SetScreenBack(nullptr);
+}
+
+void CConsoleSession::DoWork() {
+    m_output.LetOut();
+    NoteScreenBack();
+}
+
 int CConsoleSession::Watch(pollfd* descriptors) {
     int count = 0;
     if (consolesignals::Descriptor() >= 0)
@@ -95,8 +120,13 @@ void CConsoleSession::Serve(const pollfd* descriptors, int count) {
         if (descriptors[index].fd == signals)
             ServeSignals();
         else
-            m_output.ContinueAfterStall();
+            ContinueOutput();
     }
+}
+
+void CConsoleSession::ContinueOutput() {
+    m_output.ContinueAfterStall();
+    NoteScreenBack();
 }
 
 void CConsoleSession::ServeSignals() {
@@ -107,18 +137,22 @@ void CConsoleSession::ServeSignals() {
         Stop();
     if ((signals & SIGNAL_CONTINUE) != 0)
         Continue();
-    if (m_output.TakeSizeChange()) {
-        CONSOLE_SCREEN_BUFFER_INFO info{};
-        m_output.GetInfo(info);
-        m_input.AddSizeEvent(info.dwSize);
-    }
+    if (m_output.TakeSizeChange())
+        AddSizeEvent();
     ServeControlEvents(signals);
+}
+
+void CConsoleSession::AddSizeEvent() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    m_output.GetInfo(info);
+    m_input.AddSizeEvent(info.dwSize);
 }
 
 void CConsoleSession::ServeControlEvents(unsigned signals) {
     for (const ControlEvent& control : CONTROL_EVENTS) {
         if ((signals & control.signal) == 0 || m_handler == nullptr)
             continue;
+        LeaveAlternate(); // what the handler writes belongs on the other screen
         // Without a keyboard Ctrl+C cannot be meant for the device.
         const bool isKey = control.event == CTRL_C_EVENT && isatty(m_nInput) != 0;
         m_handler(control.event == CTRL_C_EVENT && !isKey ? CTRL_BREAK_EVENT : control.event);
@@ -129,6 +163,7 @@ void CConsoleSession::ServeControlEvents(unsigned signals) {
 void CConsoleSession::Stop() {
     m_output.Suspend();
     m_mode.GiveBack();
+    m_mode.SetScreenBack(nullptr);
     consolesignals::StopProcess();
     Continue();
 }
@@ -137,6 +172,8 @@ void CConsoleSession::Stop() {
 void CConsoleSession::Continue() {
     m_mode.TakeAgain();
     m_output.Resume();
+    if (m_bRedraws)
+        AddSizeEvent();
 }
 
 } // namespace platform

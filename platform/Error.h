@@ -20,12 +20,25 @@ inline constexpr DWORD ERROR_HANDLE_EOF = 38;
 inline constexpr DWORD ERROR_NOT_SUPPORTED = 50;
 inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 inline constexpr DWORD ERROR_DISK_FULL = 112;
+inline constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 inline constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
 inline constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
+inline constexpr DWORD ERROR_BUSY = 170;              // another one uses it and does not let go
+inline constexpr DWORD ERROR_MORE_DATA = 234;         // the buffer is too small
+inline constexpr DWORD ERROR_NO_MORE_ITEMS = 259;     // the index is past the last one
 inline constexpr DWORD ERROR_OPERATION_ABORTED = 995; // a purge or a close ended a pending transfer
 inline constexpr DWORD ERROR_IO_INCOMPLETE = 996;     // asked without waiting, not done yet
 inline constexpr DWORD ERROR_IO_PENDING = 997;        // started; GetOverlappedResult completes it
-inline constexpr DWORD ERROR_DEVICE_NOT_CONNECTED = 1167; // unplugged, hung up, other end closed
+inline constexpr DWORD ERROR_DEVICE_NOT_CONNECTED = 1167;  // unplugged, hung up, other end closed
+inline constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400; // no window, or no longer
+inline constexpr DWORD ERROR_CANNOT_FIND_WND_CLASS = 1407;
+inline constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
+inline constexpr DWORD ERROR_CLASS_DOES_NOT_EXIST = 1411;
+inline constexpr DWORD ERROR_CLASS_HAS_WINDOWS = 1412;
+inline constexpr DWORD ERROR_INVALID_INDEX = 1413;
+inline constexpr DWORD ERROR_INVALID_THREAD_ID = 1444; // no such thread, or it has no queue
+inline constexpr DWORD ERROR_TIMEOUT = 1460;
+inline constexpr DWORD ERROR_NOT_ENOUGH_QUOTA = 1816; // a message queue is full
 
 // Returns the code of the calling thread's last failed call; ERROR_SUCCESS when none has failed.
 DWORD GetLastError();

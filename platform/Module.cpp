@@ -125,6 +125,15 @@ FARPROC GetProcAddress(HMODULE hModule, LPCSTR lpProcName) {
     return reinterpret_cast<FARPROC>(address);
 }
 
+HMODULE GetModuleHandleA(LPCSTR lpModuleName) {
+    // Its address is the program's alone; a load of the program would have to be given back.
+    static const char theProgram = 0;
+    if (lpModuleName == nullptr)
+        return const_cast<char*>(&theProgram);
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return nullptr;
+}
+
 BOOL FreeLibrary(HMODULE hLibModule) {
     if (!LoadedModules().Remove(hLibModule))
         return platform::FailWith(ERROR_INVALID_HANDLE);

@@ -4,6 +4,7 @@
 #include "platform/Types.h"
 
 using HMODULE = void*;
+using HINSTANCE = HMODULE;
 using FARPROC = void (*)();
 
 // Loads a library by its published name and returns its handle, or null with ERROR_MOD_NOT_FOUND.
@@ -15,6 +16,10 @@ HMODULE LoadLibraryA(LPCSTR lpLibFileName);
 // The address of an export, or null with ERROR_PROC_NOT_FOUND (ERROR_INVALID_HANDLE for a null
 // library).
 FARPROC GetProcAddress(HMODULE hModule, LPCSTR lpProcName);
+
+// The program itself, for the calls that want to know who asks; nothing to free. Only a null name
+// is answered: others give null with ERROR_MOD_NOT_FOUND.
+HMODULE GetModuleHandleA(LPCSTR lpModuleName);
 
 // Gives one load of the library back. FALSE with ERROR_INVALID_HANDLE.
 BOOL FreeLibrary(HMODULE hLibModule);

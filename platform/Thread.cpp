@@ -37,11 +37,14 @@ const PriorityLevel* FindPriorityLevel(int priority) {
 HANDLE CreateThread(SECURITY_ATTRIBUTES* lpThreadAttributes, std::size_t dwStackSize,
                     LPTHREAD_START_ROUTINE lpStartAddress, LPVOID lpParameter,
                     DWORD dwCreationFlags, LPDWORD lpThreadId) {
-    if (lpThreadAttributes != nullptr || lpStartAddress == nullptr || dwCreationFlags != 0) {
+    if (lpThreadAttributes != nullptr || lpStartAddress == nullptr ||
+        (dwCreationFlags & ~CREATE_SUSPENDED) != 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    const auto thread = platform::MakeObject<CThreadObject>(lpStartAddress, lpParameter);
+    const bool isSuspended = (dwCreationFlags & CREATE_SUSPENDED) != 0;
+    const auto thread =
+        platform::MakeObject<CThreadObject>(lpStartAddress, lpParameter, isSuspended);
     if (!thread || !thread->Create())
         return nullptr;
     const HANDLE handle = platform::RegisterHandle(thread);
@@ -54,6 +57,11 @@ HANDLE CreateThread(SECURITY_ATTRIBUTES* lpThreadAttributes, std::size_t dwStack
     if (lpThreadId != nullptr)
         *lpThreadId = thread->Identifier();
     return handle;
+}
+
+DWORD ResumeThread(HANDLE hThread) {
+    const auto thread = platform::FindHandleOf<CThreadObject>(hThread);
+    return thread ? thread->Resume() : 0xFFFFFFFF;
 }
 
 HANDLE GetCurrentThread() {

@@ -1,6 +1,7 @@
 #include "platform/ThreadObject.h"
 
 #include "platform/Error.h"
+#include "platform/ThreadQueues.h"
 
 #include <sys/eventfd.h>
 #include <sys/resource.h>
@@ -110,7 +111,9 @@ void* CThreadObject::Main(void* argument) {
 void CThreadObject::Run() {
     m_identifier = gettid();
     m_identifier.notify_all();
-    const DWORD result = m_procedure(m_parameter);
+    m_bSuspended.wait(true);
+    const DWORD result = m_bTerminated ? 0 : m_procedure(m_parameter);
+    EndCurrentQueue();
     DWORD running = STILL_RUNNING;
     m_dwExitCode.compare_exchange_strong(running, result);
     const std::lock_guard lock(m_mutex);
@@ -123,6 +126,13 @@ void CThreadObject::Terminate(DWORD exitCode) {
     m_dwExitCode.compare_exchange_strong(running, exitCode);
     if (!m_bTerminated.exchange(true))
         eventfd_write(m_termination.Get(), 1);
+    Resume();
+}
+
+DWORD CThreadObject::Resume() {
+    const bool wasSuspended = m_bSuspended.exchange(false);
+    m_bSuspended.notify_all();
+    return wasSuspended ? 1 : 0;
 }
 
 BOOL CThreadObject::SetNice(int nice) {

@@ -18,8 +18,8 @@ namespace platform {
 
 class CThreadObject final : public CHandleObject {
   public:
-    CThreadObject(LPTHREAD_START_ROUTINE procedure, LPVOID parameter)
-        : m_procedure(procedure), m_parameter(parameter) {}
+    CThreadObject(LPTHREAD_START_ROUTINE procedure, LPVOID parameter, bool isSuspended)
+        : m_procedure(procedure), m_parameter(parameter), m_bSuspended(isSuspended) {}
     ~CThreadObject() override;
 
     // Gets the descriptors. FALSE with ERROR_TOO_MANY_OPEN_FILES or ERROR_NOT_ENOUGH_MEMORY.
@@ -28,6 +28,9 @@ class CThreadObject final : public CHandleObject {
     // Starts the system's thread, which keeps self. FALSE with ERROR_NOT_ENOUGH_MEMORY or
     // ERROR_INVALID_PARAMETER (no usable stack size).
     BOOL Start(const std::shared_ptr<CThreadObject>& self, std::size_t stackSize);
+
+    // Lets the procedure begin. Returns how often the thread was suspended, 1 or 0.
+    DWORD Resume();
 
     // See TerminateThread. An ended thread stays as it is.
     void Terminate(DWORD exitCode);
@@ -64,6 +67,7 @@ class CThreadObject final : public CHandleObject {
     std::atomic<pid_t> m_identifier = 0;
     std::atomic<DWORD> m_dwExitCode = STILL_RUNNING;
     std::atomic<bool> m_bTerminated = false;
+    std::atomic<bool> m_bSuspended;
     std::atomic<bool> m_bEnded = false;
     std::mutex m_mutex; // the thread does not end while its priority is being set
     CDescriptor m_ended;

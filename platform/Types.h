@@ -20,6 +20,7 @@ using LPVOID = void*;
 using LPCVOID = const void*;
 using LPCSTR = const char*;
 using LPDWORD = DWORD*;
+using DWORD_PTR = std::uintptr_t; // wide enough for a pointer
 
 inline constexpr BOOL FALSE = 0;
 inline constexpr BOOL TRUE = 1;
@@ -27,6 +28,19 @@ inline constexpr BOOL TRUE = 1;
 // A reference to an object of the platform layer. Its value always fits 32 bits; it is never the
 // object's address, so a stale or invented value is recognised and answered with an error.
 using HANDLE = void*;
+
+// A window: here the receiver of a thread's messages, seldom anything to look at. Null is none.
+struct HWND__;
+using HWND = HWND__*;
+
+// A picture; nothing here has or shows one.
+struct HICON__;
+using HICON = HICON__*;
+
+// Wide enough for a pointer.
+using WPARAM = std::uintptr_t;
+using LPARAM = std::intptr_t;
+using LRESULT = std::intptr_t;
 
 // What a failed CreateFileA returns; all bits set.
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(~std::uintptr_t{0});

@@ -27,6 +27,12 @@ DWORD CWaitLoop::Run() {
     return m_dwResult;
 }
 
+void CWaitLoop::Serve() {
+    if (Poll(0) >= 0)
+        ServeCompanion();
+    LetCompanionWork();
+}
+
 CWaitLoop::Turn CWaitLoop::TakeTurn() {
     if (CThreadObject::IsCurrentTerminated())
         return Fail(ERROR_OPERATION_ABORTED);

@@ -25,6 +25,9 @@ class CWaitLoop {
     // meanwhile).
     DWORD Run();
 
+    // Serves the companion once and lets it do what it has to do; does not wait.
+    void Serve();
+
   private:
     enum class Turn { DONE, AGAIN };
 

@@ -25,9 +25,10 @@ BOOL CCaptureFile::Open(const std::string& fileName) {
 }
 
 BOOL CCaptureFile::WriteCapture(std::string_view text) {
-    if (!m_hFile)
-        return TRUE;
-    const std::string bytes = ToCaptureText(text);
+    return m_hFile ? WriteBytes(ToCaptureText(text)) : TRUE;
+}
+
+BOOL CCaptureFile::WriteBytes(std::string_view bytes) {
     DWORD written = 0;
     return WriteFile(m_hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }

@@ -1,7 +1,8 @@
-// The capture file of a command file run (-O): commands and answers, every line ended with CR LF.
+// The file of -O: the commands and answers of a command file run, every line ended with CR LF, or
+// the traffic of any other session.
 //
-// Owned by the run, used from its thread. Closes itself when it goes; Close tells whether all that
-// was written is safe.
+// Owned by whoever writes it, used from one thread at a time. Closes itself when it goes; Close
+// tells whether all that was written is safe.
 #pragma once
 
 #include "common/UniqueHandle.h"
@@ -22,6 +23,10 @@ class CCaptureFile {
     // open: there is nothing to capture then. FALSE, with the last error set, when the file did not
     // take all.
     BOOL WriteCapture(std::string_view text);
+
+    // Writes bytes as they are to the open file. FALSE, with the last error set, when the file did
+    // not take all.
+    BOOL WriteBytes(std::string_view bytes);
 
     // FALSE, with the last error set, when what was written could not be kept. Harmless when
     // closed.

@@ -80,8 +80,8 @@ void CInteractiveTerminal::Turn() {
     m_console.SendTyped();
     if (waits.device == Waits::kNone || !m_console.m_bActive)
         return;
-    const bool anythingShown = ShowReceived();
-    if (!anythingShown && signalled == waits.device)
+    // During a paste, the keys always come first among the signalled.
+    if (!ShowReceived())
         m_deviceGone = m_modem.IsDeviceGone();
     if (m_console.IsOutputGone())
         EndUnseen();

@@ -4,7 +4,8 @@
 // event), the device is gone, standard input has ended, or standard output takes no more. It blocks
 // on the keyboard and the port together and never wakes without a reason. Bytes are sent only as
 // the transmit buffer has room and read only as the console takes them, so neither side can stop
-// the other; what is typed meanwhile waits here, up to a bound.
+// the other; what is typed meanwhile waits here, up to a bound. That the device is gone is seen in
+// the turn after, also in the midst of a paste, whose rest is then not taken.
 #pragma once
 
 #include "platform/Types.h"

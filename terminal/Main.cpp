@@ -1,9 +1,12 @@
 // The program's entry: the banner, the command line, and the session.
 
+#include "common/InterfacePtr.h"
 #include "diagnostics/ModuleTrace.h"
 #include "platform/StandardStreams.h"
+#include "telephony/ITapi.h"
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
+#include "terminal/DeviceSelection.h"
 #include "terminal/Session.h"
 
 #include <cstdio>
@@ -27,14 +30,20 @@ int main(int argc, char** argv) {
         std::fputs(GetUsageText(), stdout);
         return kExitUsage;
     }
+    std::string deviceName = MakeDeviceName(commandLine.port);
+    // Keeps the telephony service as the list has shown it: started anew, it could give the chosen
+    // name to another modem.
+    CInterfacePtr<ITapi> telephony;
     if (argc < 2) {
-        std::fflush(stdout);
-        std::fputs("wirelet: name a device, for example: wirelet /dev/ttyUSB0\n", stderr);
-        return kExitUsage;
+        CreateTapi(telephony.Receive(), nullptr);
+        const DeviceSelection selection = SelectDevice();
+        if (const int* exitCode = std::get_if<int>(&selection))
+            return *exitCode;
+        deviceName = std::get<std::string>(selection);
     }
 
     // The console writes past the C library's buffer from here on.
     std::fflush(stdout);
-    RunSession(MakeDeviceName(commandLine.port), commandLine.baudRate);
+    RunSession(deviceName, commandLine.baudRate);
     return kExitDone;
 }

@@ -1,16 +1,20 @@
 #include "terminal/Session.h"
 
-#include "platform/Comm.h"
+#include "common/UniqueHandle.h"
 #include "platform/Error.h"
+#include "platform/File.h"
 #include "platform/PrintableText.h"
+#include "script/Script.h"
 #include "terminal/CommandFile.h"
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
 #include "terminal/InteractiveTerminal.h"
 #include "terminal/LineMenus.h"
+#include "terminal/OpenFailure.h"
 #include "terminal/StringTable.h"
 #include "terminal/TermConsole.h"
 #include "terminal/TermModem.h"
+#include "terminal/TraceLog.h"
 #include "terminal/UserMessage.h"
 
 #include <array>
@@ -24,55 +28,64 @@ constexpr std::size_t kTitleSize = 256;
 // How long the device may take no byte, at the end of a session, before the rest is given up.
 constexpr DWORD kDrainTime = 2000;
 
-BOOL OpenDevice(CTermModem& modem, const std::string& deviceName) {
-    if (IsComPort(deviceName))
-        return modem.Open(deviceName);
-    // Nothing here knows modems by name.
-    SetLastError(ERROR_FILE_NOT_FOUND);
-    return FALSE;
-}
-
-void ReportOpenFailure(const std::string& deviceName, const std::string& title) {
-    const std::string reason = platform::ExplainPortOpenFailure(deviceName.c_str(), GetLastError());
-    // A switch in the port's place is what a newcomer types who looks for help.
-    const bool asksForHelp = deviceName.starts_with('-');
-    std::fprintf(stderr, "%s%s\n", reason.c_str(),
-                 asksForHelp ? "; wirelet -? tells the usage" : "");
-    std::printf(LoadString(IDS_CANNOT_OPEN), platform::PrintableText(title).c_str());
-    std::fflush(stdout);
-    static_cast<void>(std::getchar());
-}
-
 void SetTitle(CTermConsole& console, const std::string& title) {
     std::array<char, kTitleSize> text;
     std::snprintf(text.data(), text.size(), "Corvane - %s", title.c_str());
     console.SetTitle(text.data());
 }
 
-void RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
-    if (!g_strScriptFile.empty())
-        return TellUser(console, "Cannot run %s: this version has no script engine\n",
-                        g_strScriptFile.c_str());
-    if (!g_strCommandFile.empty())
-        return RunCommandFile(modem, console, g_strCommandFile, title);
-    CInteractiveTerminal(modem, console, title).Run();
+// Returns what is left to be said once the console has been given back.
+std::string RunScript(CTermModem& modem, CTermConsole& console, const std::string& title) {
+    CVScript script;
+    script.Run(g_strScriptFile.c_str(), &modem);
+    if (script.IsDeviceGone())
+        TellDeviceGone(console, title);
+    if (!script.HasUnixLineEnds())
+        return {};
+    const std::string file = platform::PrintableText(g_strScriptFile);
+    return "wirelet: " + file + " has Unix line ends, a script needs CR LF: convert it with " +
+           "\"unix2dos " + file + "\", or save it so in the editor\n";
 }
 
-} // namespace
+std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
+    // With a command file the output file is for its answers.
+    bool isLogged = !g_strOutputFile.empty() && g_strCommandFile.empty();
+    // Held open, the script cannot be replaced by its own log; without a script nothing is
+    // replaced.
+    CUniqueHandle script;
+    if (isLogged && !g_strScriptFile.empty()) {
+        script.Reset(CreateFileA(g_strScriptFile.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                 OPEN_EXISTING, 0, nullptr));
+        isLogged = script != INVALID_HANDLE_VALUE;
+    }
+    CTraceLog log(console);
+    if (isLogged && !log.Open(g_strOutputFile))
+        return {};
+    if (!g_strScriptFile.empty())
+        return RunScript(modem, console, title);
+    if (!g_strCommandFile.empty())
+        RunCommandFile(modem, console, g_strCommandFile, title);
+    else
+        CInteractiveTerminal(modem, console, title).Run();
+    return {};
+}
 
-void RunSession(const std::string& deviceName, int baudRate) {
+// Opens the device, takes the console over, runs the mode, and gives both back. Returns as RunMode.
+std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     CTermModem modem;
     CTermConsole console;
 
     const bool isComPort = IsComPort(deviceName);
     const std::string title = isComPort ? GetPortDisplayName(deviceName) : deviceName;
-    if (!OpenDevice(modem, deviceName))
-        return ReportOpenFailure(deviceName, title);
+    if (!(isComPort ? modem.Open(deviceName) : modem.OpenDevice(deviceName))) {
+        ReportOpenFailure(modem, deviceName, title, GetLastError());
+        return {};
+    }
     if (isComPort && baudRate == 0)
         baudRate = kDefaultBaudRate;
 
     if (!console.Attach(&modem))
-        return;
+        return {};
     SetTitle(console, title);
     console.ClearScreen();
     console.SetCursorPosition(0, 0);
@@ -80,6 +93,14 @@ void RunSession(const std::string& deviceName, int baudRate) {
     if (baudRate != 0)
         ApplyBaudRate(modem, console, baudRate);
 
-    RunMode(modem, console, title);
+    std::string lastWords = RunMode(modem, console, title);
     modem.Drain(kDrainTime);
+    return lastWords;
+}
+
+} // namespace
+
+void RunSession(const std::string& deviceName, int baudRate) {
+    const std::string lastWords = RunOnDevice(deviceName, baudRate);
+    std::fputs(lastWords.c_str(), stderr);
 }

@@ -1,84 +1,76 @@
 #include "tests/comm/TestPort.h"
-
-#include <termios.h>
-
-namespace {
-
-termios SettingsOf(const CTestDevice& device) {
-    termios settings{};
-    EXPECT_EQ(tcgetattr(device.Get(), &settings), 0);
-    return settings;
-}
-
-} // namespace
+#include "tests/support/PseudoTerminal.h"
 
 TEST(CommOpen, SettingsFoundComeBack) {
-    CTestDevice device;
-    termios found = SettingsOf(device);
+    CPseudoTerminal line;
+    termios found = line.GetSettings();
     ASSERT_TRUE(found.c_lflag & ICANON);
     cfsetspeed(&found, B1200);
-    ASSERT_EQ(tcsetattr(device.Get(), TCSANOW, &found), 0);
+    line.ApplySettings(found);
+    found = line.GetSettings();
 
-    const HANDLE port = OpenPort(device.Path());
+    const HANDLE port = OpenPort(line.GetPath().c_str());
     ASSERT_NE(port, INVALID_HANDLE_VALUE);
-    const termios raw = SettingsOf(device);
+    const termios raw = line.GetSettings();
     EXPECT_EQ(raw.c_lflag & (ICANON | ECHO | ISIG), 0u);
-    EXPECT_EQ(raw.c_iflag, tcflag_t{IGNBRK});
+    EXPECT_EQ(raw.c_iflag, tcflag_t{BRKINT});
     DCB dcb{};
     ASSERT_TRUE(GetCommState(port, &dcb));
     EXPECT_EQ(dcb.BaudRate, 1200u);
     dcb.BaudRate = 250000;
     EXPECT_TRUE(SetCommState(port, &dcb));
-
     EXPECT_TRUE(CloseHandle(port));
-    const termios after = SettingsOf(device);
-    EXPECT_EQ(after.c_iflag, found.c_iflag);
-    EXPECT_EQ(after.c_oflag, found.c_oflag);
-    EXPECT_EQ(after.c_cflag, found.c_cflag);
-    EXPECT_EQ(after.c_lflag, found.c_lflag);
-    EXPECT_EQ(cfgetospeed(&after), speed_t{B1200});
-    EXPECT_EQ(std::memcmp(after.c_cc, found.c_cc, sizeof found.c_cc), 0);
+    EXPECT_TRUE(line.GetSettings() == found);
 }
 
 TEST(CommOpen, OnePortAtATime) {
     CTestDevice device;
-    const HANDLE port = OpenPort(device.Path());
-    ASSERT_NE(port, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(OpenPort(device.Path()), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    const std::string why = platform::ExplainPortOpenFailure(device.Path(), ERROR_ACCESS_DENIED);
-    EXPECT_NE(why.find(": in use by process " + std::to_string(getpid()) + " ("), std::string::npos)
-        << why;
-    EXPECT_TRUE(CloseHandle(port));
-    const HANDLE again = OpenPort(device.Path());
-    EXPECT_NE(again, INVALID_HANDLE_VALUE);
-    EXPECT_TRUE(CloseHandle(again));
+    for (int round = 0; round < 2; ++round) {
+        const HANDLE port = OpenPort(device.Path());
+        ASSERT_NE(port, INVALID_HANDLE_VALUE);
+        EXPECT_EQ(OpenPort(device.Path()), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+        const std::string why =
+            platform::ExplainPortOpenFailure(device.Path(), ERROR_ACCESS_DENIED);
+        EXPECT_NE(why.find(": in use by process " + std::to_string(getpid()) + " ("),
+                  std::string::npos)
+            << why;
+        EXPECT_TRUE(CloseHandle(port));
+    }
 }
 
-TEST_F(CommTest, OtherEndCloses) {
-    const HANDLE hangup = platform::GetCommHangupHandle(m_port);
+TEST(CommOpen, OtherEndCloses) {
+    CTestDevice device;
+    const HANDLE port = OpenPort(device.Path());
+    const HANDLE hangup = platform::GetCommHangupHandle(port);
     ASSERT_NE(hangup, nullptr);
-    m_device.Say("last words");
-    AwaitReceived(10);
-    EXPECT_TRUE(IsSignalled(m_port));
-    EXPECT_FALSE(IsSignalled(hangup));
+    COMMTIMEOUTS atOnce{};
+    atOnce.ReadIntervalTimeout = MAXDWORD;
+    ASSERT_TRUE(SetCommTimeouts(port, &atOnce));
+    device.Say("last words");
+    COMSTAT status{};
+    while (status.cbInQue < 10) {
+        ASSERT_EQ(WaitForSingleObject(port, PATIENCE), WAIT_OBJECT_0);
+        ASSERT_TRUE(ClearCommError(port, nullptr, &status));
+    }
+    EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_TIMEOUT);
 
-    m_device.Close();
+    device.Close();
     EXPECT_EQ(WaitForSingleObject(hangup, PATIENCE), WAIT_OBJECT_0);
+    OVERLAPPED overlapped{};
     DWORD moved = 0;
-    EXPECT_FALSE(WriteFile(m_port, "x", 1, &moved, &m_overlapped));
+    EXPECT_FALSE(WriteFile(port, "x", 1, &moved, &overlapped));
     EXPECT_EQ(GetLastError(), ERROR_DEVICE_NOT_CONNECTED);
-    EXPECT_EQ(CountReceived(), 10u);
-    EXPECT_EQ(Read(4), "last");
-    EXPECT_EQ(Read(100), " words");
-    EXPECT_TRUE(IsSignalled(m_port));
-    char byte = 0;
-    EXPECT_FALSE(ReadFile(m_port, &byte, 1, &moved, &m_overlapped));
+    char bytes[100];
+    for (const std::string expected : {"last", " words"}) {
+        const DWORD most = expected == "last" ? 4 : sizeof(bytes);
+        EXPECT_TRUE(ReadFile(port, bytes, most, &moved, &overlapped));
+        EXPECT_EQ(std::string(bytes, moved), expected);
+        EXPECT_EQ(WaitForSingleObject(port, 0), WAIT_OBJECT_0);
+    }
+    EXPECT_FALSE(ReadFile(port, bytes, 1, &moved, &overlapped));
     EXPECT_EQ(GetLastError(), ERROR_DEVICE_NOT_CONNECTED);
-    EXPECT_FALSE(PurgeComm(m_port, PURGE_TXABORT | PURGE_TXCLEAR));
-    EXPECT_TRUE(IsSignalled(hangup));
-
-    EXPECT_TRUE(CloseHandle(m_port));
-    m_port = nullptr;
+    EXPECT_FALSE(PurgeComm(port, PURGE_TXABORT | PURGE_TXCLEAR));
+    EXPECT_TRUE(CloseHandle(port));
     EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_FAILED);
 }

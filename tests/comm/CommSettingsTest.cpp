@@ -52,22 +52,6 @@ TEST(CommSettings, FormatsGoBothWaysAndReplaceTheFormerOneOnly) {
     }
 }
 
-TEST(CommSettings, FlowControlGoesBothWays) {
-    DCB dcb = PLAIN;
-    dcb.fOutX = dcb.fInX = 1;
-    dcb.fOutxCtsFlow = 1;
-    dcb.fRtsControl = RTS_CONTROL_HANDSHAKE;
-    const termios2 settings = MakeSettings(dcb);
-    EXPECT_EQ(settings.c_iflag, tcflag_t{IXON | IXOFF});
-    EXPECT_TRUE(settings.c_cflag & CRTSCTS);
-    EXPECT_EQ(settings.c_cc[VSTART], 0x11); // no character was named
-    EXPECT_EQ(settings.c_cc[VSTOP], 0x13);
-    const DCB back = platform::DcbOfSettings(settings);
-    EXPECT_TRUE(back.fOutX && back.fInX && back.fOutxCtsFlow);
-    EXPECT_EQ(back.fRtsControl, RTS_CONTROL_HANDSHAKE);
-    EXPECT_EQ(platform::DcbOfSettings(MakeSettings(PLAIN)).fRtsControl, RTS_CONTROL_ENABLE);
-}
-
 TEST(CommSettings, WhatTheKernelCannotDoIsRefused) {
     DCB ctsWithoutRts = PLAIN;
     ctsWithoutRts.fOutxCtsFlow = 1;
@@ -93,14 +77,15 @@ TEST(CommSettings, OpeningKeepsOnlyChosenSoftwareFlowControl) {
     settings.c_lflag = ECHO;
     termios2 chosen = settings;
     platform::MakeRaw(chosen);
-    EXPECT_EQ(chosen.c_iflag, tcflag_t{IXON | IXOFF | IGNBRK});
-    EXPECT_EQ(chosen.c_oflag | chosen.c_lflag, 0u);
+    EXPECT_EQ(chosen.c_iflag, tcflag_t{IXON | IXOFF | BRKINT});
+    EXPECT_EQ(chosen.c_oflag, 0u);
+    EXPECT_EQ(chosen.c_lflag, tcflag_t{NOFLSH});
     EXPECT_EQ(chosen.c_cflag, settings.c_cflag | CLOCAL | CREAD);
     EXPECT_EQ(chosen.c_cc[VMIN], 1);
 
     settings.c_lflag |= ICANON;
     platform::MakeRaw(settings);
-    EXPECT_EQ(settings.c_iflag, tcflag_t{IGNBRK});
+    EXPECT_EQ(settings.c_iflag, tcflag_t{BRKINT});
 }
 
 TEST(CommSettings, ReplacedSettingsAreNoticed) {

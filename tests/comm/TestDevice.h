@@ -2,15 +2,9 @@
 // its path. One thread at a time in each direction.
 #pragma once
 
-#include "platform/HandleObject.h"
+#include "tests/support/Pipe.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
-#include <stdlib.h>
-#include <unistd.h>
-
-#include <string>
 
 constexpr DWORD PATIENCE = 60'000; // for what must come; no test waits that long unless it fails
 
@@ -27,15 +21,6 @@ inline std::string MakePattern(std::size_t count) {
 
 class CTestDevice {
   public:
-    CTestDevice() : m_device(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        EXPECT_TRUE(m_device);
-        EXPECT_EQ(grantpt(m_device.Get()), 0);
-        EXPECT_EQ(unlockpt(m_device.Get()), 0);
-        char path[64] = {};
-        EXPECT_EQ(ptsname_r(m_device.Get(), path, sizeof path), 0);
-        m_path = path;
-    }
-
     int Get() const { return m_device.Get(); }
     const char* Path() const { return m_path.c_str(); }
     void Close() { m_device.Reset(); }
@@ -68,6 +53,6 @@ class CTestDevice {
     }
 
   private:
-    platform::CDescriptor m_device;
     std::string m_path;
+    CDescriptor m_device = OpenMaster(m_path);
 };

@@ -1,8 +1,6 @@
 // The cursor as the console has it against the cursor that a terminal has, over random output.
 #include "tests/console/Terminal.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
 
 using namespace platform;
@@ -11,12 +9,9 @@ namespace {
 
 class CRandomOutput {
   public:
-    CRandomOutput(Console& console, unsigned seed, bool wide)
-        : m_output(console.output), m_random(seed), m_bWide(wide) {
-        CONSOLE_SCREEN_BUFFER_INFO info{};
-        m_output.GetInfo(info);
-        m_nColumns = info.dwSize.X;
-        m_nRows = info.dwSize.Y;
+    CRandomOutput(Console& console, COORD size, unsigned seed, bool wide)
+        : m_output(console.output), m_size(size), m_random(seed), m_bWide(wide) {
+        console.Clear();
     }
 
     void Step() {
@@ -29,12 +24,12 @@ class CRandomOutput {
         if (choice < 15)
             Write(m_output, PIECES[choice]);
         else if (choice < 17)
-            m_bWide ? Write(m_output, WIDE[choice - 15]) : Write(m_output, "x");
+            Write(m_output, m_bWide ? WIDE[choice - 15] : "x");
         else if (choice < 18)
-            Write(m_output, std::string(static_cast<std::size_t>(Below(2 * m_nColumns)), 'm'));
+            Write(m_output, std::string(static_cast<std::size_t>(Below(2 * m_size.X)), 'm'));
         else if (choice < 20)
             m_output.SetPosition(
-                {static_cast<SHORT>(Below(m_nColumns)), static_cast<SHORT>(Below(m_nRows))});
+                {static_cast<SHORT>(Below(m_size.X)), static_cast<SHORT>(Below(m_size.Y))});
         else if (choice < 22)
             m_output.SetAttribute(static_cast<std::uint8_t>(Below(3) == 0 ? 0x07 : Below(256)));
         else
@@ -46,31 +41,25 @@ class CRandomOutput {
   private:
     void Fill() {
         static constexpr std::uint8_t ATTRIBUTES[] = {0x07, 0x07, 0x1E};
-        const int cells = m_nColumns * m_nRows;
+        const int cells = m_size.X * m_size.Y;
         const COORD cursor = CursorOf(m_output);
         const bool here = Below(2) == 0;
-        const int column = here ? cursor.X : Below(m_nColumns);
-        const int row = here ? cursor.Y : Below(m_nRows);
-        const int count = Below(8) == 0 ? cells : Below(m_nColumns + 3);
-        if (count == cells)
+        const int column = here ? cursor.X : Below(m_size.X);
+        const int row = here ? cursor.Y : Below(m_size.Y);
+        if (Below(8) == 0)
             FillCells(m_output, 0, 0, cells, ATTRIBUTES[Below(3)]);
         else
-            FillCells(m_output, column, row, count, ATTRIBUTES[Below(3)],
+            FillCells(m_output, column, row, Below(m_size.X + 3), ATTRIBUTES[Below(3)],
                       Below(4) == 0 ? '#' : ' ');
     }
 
     CConsoleOutput& m_output;
+    const COORD m_size;
     std::mt19937 m_random;
-    bool m_bWide;
-    int m_nColumns;
-    int m_nRows;
+    const bool m_bWide;
 };
 
-struct Size {
-    int columns;
-    int rows;
-};
-constexpr Size SIZES[] = {{20, 6}, {7, 3}, {3, 2}, {33, 1}, {80, 25}};
+constexpr COORD SIZES[] = {{20, 6}, {7, 3}, {3, 2}, {33, 1}, {80, 25}};
 
 std::vector<std::string> Everything(const Console& console, int rows) {
     std::vector<std::string> text = console.terminal.Scrollback();
@@ -83,10 +72,9 @@ std::vector<std::string> Everything(const Console& console, int rows) {
 
 TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
     constexpr int STEPS = 30'000;
-    for (const Size& size : SIZES) {
-        Console console(size.columns, size.rows);
-        console.Clear();
-        CRandomOutput random(console, static_cast<unsigned>(size.columns), true);
+    for (const COORD size : SIZES) {
+        Console console(size.X, size.Y);
+        CRandomOutput random(console, size, static_cast<unsigned>(size.X), true);
         for (int step = 0; step < STEPS; ++step) {
             random.Step();
             if (random.Below(4) != 0)
@@ -95,12 +83,11 @@ TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
             const COORD cursor = CursorOf(console.output);
             const int column = console.terminal.CursorColumn();
             // libvterm leaves the cursor on a wide character in the last two columns.
-            const bool onWide = cursor.X == size.columns - 1 && column == cursor.X - 1 &&
+            const bool onWide = cursor.X == size.X - 1 && column == cursor.X - 1 &&
                                 console.terminal.Cell(column, cursor.Y).width == 2;
-            ASSERT_EQ(onWide ? cursor.X : column, cursor.X)
-                << size.columns << " columns, step " << step;
+            ASSERT_EQ(onWide ? cursor.X : column, cursor.X) << size.X << " columns, step " << step;
             ASSERT_EQ(console.terminal.CursorRow(), cursor.Y)
-                << size.columns << " columns, step " << step;
+                << size.X << " columns, step " << step;
         }
     }
 }
@@ -108,13 +95,11 @@ TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
 // When output leaves must not change what is seen.
 TEST(ConsoleModel, ItIsTheSameInOnePieceAndInMany) {
     constexpr int STEPS = 2'000;
-    for (const Size& size : SIZES) {
-        Console whole(size.columns, size.rows);
-        Console pieces(size.columns, size.rows);
-        whole.Clear();
-        pieces.Clear();
-        CRandomOutput first(whole, 11, false);
-        CRandomOutput second(pieces, 11, false);
+    for (const COORD size : SIZES) {
+        Console whole(size.X, size.Y);
+        Console pieces(size.X, size.Y);
+        CRandomOutput first(whole, size, 11, false);
+        CRandomOutput second(pieces, size, 11, false);
         for (int step = 0; step < STEPS; ++step) {
             first.Step();
             second.Step();
@@ -123,8 +108,7 @@ TEST(ConsoleModel, ItIsTheSameInOnePieceAndInMany) {
                 whole.Show();
         }
         whole.Show();
-        EXPECT_EQ(Everything(whole, size.rows), Everything(pieces, size.rows))
-            << size.columns << " columns";
+        EXPECT_EQ(Everything(whole, size.Y), Everything(pieces, size.Y)) << size.X << " columns";
         EXPECT_EQ(whole.terminal.CursorColumn(), pieces.terminal.CursorColumn());
     }
 }

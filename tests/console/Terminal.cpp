@@ -1,151 +1,61 @@
 #include "tests/console/Terminal.h"
 
-#include <gtest/gtest.h>
 #include <pty.h>
 #include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace {
 
 // Between what the tests show: never sent by the console.
 constexpr char MARK = 0;
 
-void AppendUtf8(std::string& text, std::uint32_t code) {
-    const auto tail = [&](int shift) {
-        text += static_cast<char>(0x80 | ((code >> shift) & 0x3F));
-    };
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | (code >> 6));
-        tail(0);
-    } else if (code < 0x10000) {
-        text += static_cast<char>(0xE0 | (code >> 12));
-        tail(6);
-        tail(0);
-    } else {
-        text += static_cast<char>(0xF0 | (code >> 18));
-        tail(12);
-        tail(6);
-        tail(0);
-    }
-}
-
-void AppendCell(std::string& text, const VTermScreenCell& cell) {
-    constexpr std::uint32_t SECOND_HALF = 0xFFFFFFFF; // of a wide character
-    if (cell.chars[0] == SECOND_HALF)
-        return;
-    if (cell.chars[0] == 0)
-        text += ' ';
-    for (int index = 0; index < VTERM_MAX_CHARS_PER_CELL && cell.chars[index] != 0; ++index)
-        AppendUtf8(text, cell.chars[index]);
-}
-
-std::string WithoutEnd(std::string text) {
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
+winsize SizeOf(int columns, int rows) {
+    return {static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
 }
 
 } // namespace
 
-CTerminal::CTerminal(int columns, int rows) : m_terminal(vterm_new(rows, columns)) {
+CTerminal::CTerminal(int columns, int rows) : m_screen(rows, columns) {
     int master = -1;
     int slave = -1;
     termios mode{};
     cfmakeraw(&mode);
-    winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
+    const winsize size = SizeOf(columns, rows);
     EXPECT_EQ(openpty(&master, &slave, nullptr, &mode, &size), 0);
     m_master.Reset(master);
     m_slave.Reset(slave);
-    static constexpr VTermScreenCallbacks CALLBACKS = {nullptr, nullptr, nullptr,  SetProperty,
-                                                       Ring,    nullptr, PushLine, nullptr};
-    vterm_set_utf8(m_terminal, 1);
-    m_screen = vterm_obtain_screen(m_terminal);
-    vterm_screen_set_callbacks(m_screen, &CALLBACKS, this);
-    vterm_screen_reset(m_screen, 1);
-}
-
-CTerminal::~CTerminal() {
-    vterm_free(m_terminal);
 }
 
 void CTerminal::Show(platform::CConsoleOutput& output) {
     output.LetOut();
     while (output.IsStalled()) {
-        char bytes[4096];
-        const ssize_t count = read(m_master.Get(), bytes, sizeof bytes);
-        ASSERT_GT(count, 0);
-        Draw(bytes, static_cast<std::size_t>(count));
+        if (DrawSome())
+            return;
         output.ContinueAfterStall();
     }
     Catch();
 }
 
 void CTerminal::Catch() {
-    ASSERT_EQ(write(m_slave.Get(), &MARK, 1), 1);
-    for (;;) {
-        char bytes[4096];
-        const ssize_t count = read(m_master.Get(), bytes, sizeof bytes);
-        ASSERT_GT(count, 0);
-        const std::string_view text(bytes, static_cast<std::size_t>(count));
-        const std::size_t mark = text.find(MARK);
-        Draw(bytes, mark == std::string_view::npos ? text.size() : mark);
-        if (mark != std::string_view::npos)
-            return;
-    }
+    ASSERT_EQ(write(Slave(), &MARK, 1), 1);
+    while (!DrawSome())
+        continue;
 }
 
-void CTerminal::Draw(const char* bytes, std::size_t count) {
-    m_raw.append(bytes, count);
-    vterm_input_write(m_terminal, bytes, count);
+bool CTerminal::DrawSome() {
+    char bytes[4096];
+    const ssize_t count = read(Master(), bytes, sizeof bytes);
+    EXPECT_GT(count, 0);
+    const std::string_view text(bytes, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    const std::string_view shown = text.substr(0, text.find(MARK));
+    m_raw += shown;
+    m_screen.Feed(shown);
+    return shown.size() < text.size() || count <= 0;
 }
 
 void CTerminal::Resize(int columns, int rows) {
-    const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0,
-                       0};
-    ASSERT_EQ(ioctl(m_master.Get(), TIOCSWINSZ, &size), 0);
-    vterm_set_size(m_terminal, rows, columns);
-}
-
-VTermPos CTerminal::Cursor() const {
-    VTermPos position;
-    vterm_state_get_cursorpos(vterm_obtain_state(m_terminal), &position);
-    return position;
-}
-
-VTermScreenCell CTerminal::Cell(int column, int row) const {
-    VTermScreenCell cell{};
-    vterm_screen_get_cell(m_screen, {row, column}, &cell);
-    return cell;
-}
-
-std::string CTerminal::Row(int row) const {
-    int rows = 0;
-    int columns = 0;
-    vterm_get_size(m_terminal, &rows, &columns);
-    std::string text;
-    for (int column = 0; column < columns; ++column)
-        AppendCell(text, Cell(column, row));
-    return WithoutEnd(text);
-}
-
-int CTerminal::PushLine(int columns, const VTermScreenCell* cells, void* user) {
-    std::string text;
-    for (int column = 0; column < columns; ++column)
-        AppendCell(text, cells[column]);
-    static_cast<CTerminal*>(user)->m_scrollback.push_back(WithoutEnd(text));
-    return 1;
-}
-
-int CTerminal::SetProperty(VTermProp property, VTermValue* value, void* user) {
-    if (property == VTERM_PROP_TITLE)
-        static_cast<CTerminal*>(user)->m_title = value->string;
-    return 1;
-}
-
-int CTerminal::Ring(void* user) {
-    ++static_cast<CTerminal*>(user)->m_bells;
-    return 1;
+    const winsize size = SizeOf(columns, rows);
+    ASSERT_EQ(ioctl(Master(), TIOCSWINSZ, &size), 0);
+    m_screen.Resize(rows, columns);
 }
 
 bool Write(platform::CConsoleOutput& output, std::string_view text) {

@@ -3,18 +3,12 @@
 #pragma once
 
 #include "platform/ConsoleOutput.h"
-
-#include <string>
-#include <vector>
-
-#include <vterm.h>
+#include "tests/support/Pipe.h"
+#include "tests/support/Screen.h"
 
 class CTerminal {
   public:
     CTerminal(int columns, int rows);
-    ~CTerminal();
-    CTerminal(const CTerminal&) = delete;
-    CTerminal& operator=(const CTerminal&) = delete;
 
     int Slave() const { return m_slave.Get(); }
     int Master() const { return m_master.Get(); }
@@ -25,34 +19,28 @@ class CTerminal {
     void Catch();
     void Resize(int columns, int rows);
 
-    int CursorColumn() const { return Cursor().col; }
-    int CursorRow() const { return Cursor().row; }
-    VTermScreenCell Cell(int column, int row) const;
+    int CursorColumn() const { return m_screen.GetCursor().col; }
+    int CursorRow() const { return m_screen.GetCursor().row; }
+    VTermScreenCell Cell(int column, int row) const { return m_screen.GetCell(row, column); }
     // The text of a row without the blanks at its end.
-    std::string Row(int row) const;
+    std::string Row(int row) const { return m_screen.GetRow(row); }
     // Every byte that has arrived.
     const std::string& Raw() const { return m_raw; }
     void ForgetRaw() { m_raw.clear(); }
     // The rows that have scrolled out at the top.
-    const std::vector<std::string>& Scrollback() const { return m_scrollback; }
-    const std::string& Title() const { return m_title; }
-    int Bells() const { return m_bells; }
+    const std::vector<std::string>& Scrollback() const { return m_screen.GetScrollback(); }
+    const std::string& Title() const { return m_screen.GetTitle(); }
+    int Bells() const { return m_screen.GetBells(); }
 
   private:
-    VTermPos Cursor() const;
-    void Draw(const char* bytes, std::size_t count);
-    static int PushLine(int columns, const VTermScreenCell* cells, void* user);
-    static int SetProperty(VTermProp property, VTermValue* value, void* user);
-    static int Ring(void* user);
+    // Draws some of what has arrived, up to a mark; true when it was there, or nothing could be
+    // read.
+    bool DrawSome();
 
-    platform::CDescriptor m_master;
-    platform::CDescriptor m_slave;
-    VTerm* m_terminal;
-    VTermScreen* m_screen;
+    CDescriptor m_master;
+    CDescriptor m_slave;
+    CScreen m_screen;
     std::string m_raw;
-    std::vector<std::string> m_scrollback;
-    std::string m_title;
-    int m_bells = 0;
 };
 
 // Writes text in one call.

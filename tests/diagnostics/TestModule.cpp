@@ -1,9 +1,23 @@
-// A debug module for the tests. What happens to it goes into the environment variable VXDEBUG_LOG,
-// which stays when the module is unloaded.
+// Debug modules for the tests: one that works and, by definitions of its build, those that do not.
+// What happens to a module goes into the environment variable VXDEBUG_LOG, which stays when the
+// module is unloaded.
 #include "diagnostics/DebugModule.h"
 
 #include <cstdlib>
 #include <string>
+
+#ifndef MODULE_EXPORT
+#define MODULE_EXPORT DllGetInterface
+#endif
+#ifndef MODULE_INTERFACE
+#define MODULE_INTERFACE &g_module
+#endif
+#ifndef MODULE_STATUS
+#define MODULE_STATUS S_OK
+#endif
+#ifndef MODULE_NAME_STATUS
+#define MODULE_NAME_STATUS S_OK
+#endif
 
 namespace {
 
@@ -30,7 +44,7 @@ class CModule final : public IDebugModule {
     }
     HRESULT SetModuleName(LPCSTR szModuleName) override {
         Log("name " + std::string(szModuleName));
-        return S_OK;
+        return MODULE_NAME_STATUS;
     }
     HRESULT Output(LPCSTR szText, DWORD dwLevel) override {
         Log("output " + std::to_string(dwLevel) + ' ' + szText);
@@ -40,8 +54,8 @@ class CModule final : public IDebugModule {
 
 } // namespace
 
-extern "C" HRESULT DllGetInterface(const IID& riid, void** ppvInterface) {
+extern "C" HRESULT MODULE_EXPORT(const IID& riid, void** ppvInterface) {
     Log(riid == IID_IDebugModule ? "interface" : "unknown interface");
-    *ppvInterface = static_cast<IDebugModule*>(&g_module);
-    return S_OK;
+    *ppvInterface = static_cast<IDebugModule*>(MODULE_INTERFACE);
+    return MODULE_STATUS;
 }

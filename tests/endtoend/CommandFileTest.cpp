@@ -1,7 +1,9 @@
-// Command files (-A) and their capture (-O), with a device that answers.
+// Command files (-A) and their capture (-O), with a device that answers; files that cannot be used.
 #include "tests/endtoend/SessionTest.h"
 
 #include <csignal>
+#include <filesystem>
+#include <sys/file.h>
 
 class CCommandFileTest : public CSessionTest {
   protected:
@@ -17,6 +19,15 @@ class CCommandFileTest : public CSessionTest {
         if (received)
             m_device.Send(answer);
         return received;
+    }
+
+    // The run ends without a command sent.
+    void ExpectRefusal(const std::string& commands, const std::string& capture,
+                       const std::string& message) {
+        Start(m_device.GetPath(), {"-A:" + commands, "-O:" + capture});
+        ASSERT_TRUE(Shows(message));
+        ASSERT_TRUE(Ends());
+        EXPECT_EQ(m_device.GetReceived(), "") << message;
     }
 };
 
@@ -46,18 +57,6 @@ TEST_F(CCommandFileTest, SendsLineByLineAndCaptures) {
     EXPECT_EQ(m_device.GetReceived(), "");
 }
 
-TEST_F(CCommandFileTest, TalksToTheSimulatedModem) {
-    CSimulator modem(m_pump, {"--split"});
-    const std::string file = m_folder.Write("commands", "ATE1V1\nAT+CGMI\nAT+NONSENSE\n");
-    Start(modem.GetPath(), {"-a:" + file, "-O:" + m_folder.GetPath("capture"), "-B:115200"});
-    ASSERT_TRUE(Ends());
-    const std::string capture = ReadCapture();
-    EXPECT_TRUE(capture.starts_with("ATE1V1\r\n")) << capture;
-    EXPECT_NE(capture.find("AT+CGMI\r\nAT+CGMI\r\n\r\n"), std::string::npos) << capture;
-    EXPECT_TRUE(capture.ends_with("\r\nERROR\r\n")) << capture;
-    EXPECT_EQ(Screen().FindRow("No Response"), -1);
-}
-
 TEST_F(CCommandFileTest, DeviceGoneInMidAnswer) {
     StartRun("ATI\nATZ\nAT+NEVER\n");
     ASSERT_TRUE(Answers("ATI\r", "\r\nOK\r\n"));
@@ -73,31 +72,82 @@ TEST_F(CCommandFileTest, DeviceGoneInMidAnswer) {
     EXPECT_EQ(ReadCapture(), "ATI\r\n\r\nOK\r\nATZ\r\nATZ\r\n\r\nhalf an ans");
 }
 
-TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOn) {
-    const termios before = m_terminal.GetLine().GetSettings();
+TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOnToTheSecondSignal) {
     StartRun("ATI\nATZ\n");
     ASSERT_TRUE(DeviceGets("ATI\r"));
     Type(kCtrlBackslash);
-    ASSERT_TRUE(Fulfils("the terminal given back",
-                        [&] { return m_terminal.GetLine().GetSettings() == before; }));
+    ASSERT_TRUE(GivesTerminalBack());
     m_device.Send("\r\nOK\r\n");
     ASSERT_TRUE(Answers("ATZ\r", "\r\nunseen\r\n\r\nOK\r\n"));
     ASSERT_TRUE(Ends());
     EXPECT_EQ(ReadCapture(), "ATI\r\n\r\nOK\r\nATZ\r\n\r\nunseen\r\n\r\nOK\r\n");
     EXPECT_EQ(Screen().FindRow("unseen"), -1);
-}
 
-TEST_F(CCommandFileTest, EndsOnTheSecondSignal) {
     for (const int signal : {SIGQUIT, SIGTERM, SIGHUP, SIGINT}) {
-        const termios before = m_terminal.GetLine().GetSettings();
         StartRun("ATI\nATZ\n");
         ASSERT_TRUE(DeviceGets("ATI\r"));
         m_program->Kill(SIGQUIT);
-        ASSERT_TRUE(Fulfils("the terminal given back",
-                            [&] { return m_terminal.GetLine().GetSettings() == before; }));
+        ASSERT_TRUE(GivesTerminalBack());
         m_program->Kill(signal);
-        ASSERT_TRUE(Fulfils("the end", [this] { return m_program->HasEnded(); }));
-        EXPECT_EQ(m_program->GetExit(), -signal);
+        ASSERT_TRUE(EndsWith(-signal));
         EXPECT_EQ(ReadCapture(), "ATI\r\n");
     }
+}
+
+TEST_F(CCommandFileTest, RefusesFilesThatCannotBeOpened) {
+    const std::string commands = m_folder.Write("commands", "ATI\n");
+    const std::string kept = m_folder.Write("kept", "kept content");
+    const std::string missing = m_folder.GetPath("missing");
+    const std::string folder = m_folder.GetPath("folder");
+    std::filesystem::create_directory(folder);
+
+    // A missing command file is found out before the capture file is made.
+    ExpectRefusal(missing, missing, "Cannot open " + missing);
+    EXPECT_FALSE(std::filesystem::exists(missing));
+    ExpectRefusal(folder, kept, "Cannot open " + folder);
+    ExpectRefusal(commands, folder, "Cannot create " + folder);
+    ExpectRefusal(commands, missing + "/x", "Cannot create " + missing + "/x");
+    ExpectRefusal(commands, commands, "Cannot create " + commands);
+    EXPECT_EQ(ReadWholeFile(commands), "ATI\n");
+
+    const CDescriptor other(open(kept.c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(other.Get(), LOCK_EX), 0);
+    ExpectRefusal(commands, kept, "Cannot create " + kept);
+    EXPECT_EQ(ReadWholeFile(kept), "kept content");
+    if (geteuid() != 0) {
+        std::filesystem::permissions(commands, std::filesystem::perms::none);
+        ExpectRefusal(commands, missing, "Cannot open " + commands);
+    }
+}
+
+TEST_F(CCommandFileTest, FullDisk) {
+    Start(m_device.GetPath(), {"-A:" + m_folder.Write("commands", "ATI\nATZ\n"), "-O:/dev/full"});
+    // Whether the first line or the end finds the disk full, it is told.
+    m_device.Send("\r\nOK\r\n");
+    ASSERT_TRUE(Shows("Cannot write /dev/full: the disk is full"));
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(CCommandFileTest, EmptyFile) {
+    m_folder.Write("capture", "old");
+    StartRun("");
+    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(std::filesystem::exists(m_folder.GetPath("capture")));
+    EXPECT_EQ(ReadCapture(), "");
+    EXPECT_EQ(m_device.GetReceived(), "");
+}
+
+TEST_F(CCommandFileTest, NulBytesAndALongLine) {
+    const std::string longLine(1 << 20, 'L');
+    StartRun(std::string("AT\0I\n", 5) + longLine + "\nATZ\n");
+    // A command is text: it ends with its CR or before its NUL, and the run goes on either way.
+    std::string& received = m_device.GetReceived();
+    ASSERT_TRUE(Fulfils("the first line", [&] { return received.starts_with("AT"); }));
+    m_pump.RunFor(std::chrono::milliseconds(300));
+    received.clear();
+    m_device.Send("\r\nOK\r\n");
+    ASSERT_TRUE(Answers(longLine + '\r', "\r\nOK\r\n"));
+    ASSERT_TRUE(Answers("ATZ\r", "\r\nOK\r\n"));
+    ASSERT_TRUE(Ends());
+    EXPECT_NE(ReadCapture().find(longLine + "\r\n\r\nOK\r\nATZ\r\n"), std::string::npos);
 }

@@ -1,7 +1,5 @@
 #include "tests/endtoend/Device.h"
 
-#include <poll.h>
-
 namespace {
 
 // An echoing device has little memory.
@@ -9,10 +7,11 @@ constexpr std::size_t kEchoMemory = 4096;
 
 } // namespace
 
-CDevice::CDevice() {
-    termios raw = m_line.GetSettings();
-    cfmakeraw(&raw);
-    m_line.ApplySettings(raw);
+CDevice::CDevice(bool raw) {
+    termios settings = m_line.GetSettings();
+    if (raw)
+        cfmakeraw(&settings);
+    m_line.ApplySettings(settings);
 }
 
 short CDevice::GetEvents() const {
@@ -33,8 +32,9 @@ void CDevice::OnReady(short events) {
         return;
     const std::string bytes = m_line.Read(m_nReadLimit);
     m_received += bytes;
+    OnReceived(bytes);
     if (m_bEcho)
-        m_toSend.Append(bytes);
+        Send(bytes);
     if (m_nReadLimit != kNoLimit)
         usleep(500);
 }

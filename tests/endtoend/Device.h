@@ -1,12 +1,13 @@
-// A serial device that the test itself plays: the master side of a raw pseudo-terminal.
+// A serial device, or a terminal, that the test plays: the master side of a pseudo-terminal.
 #pragma once
 
-#include "tests/endtoend/PseudoTerminal.h"
-#include "tests/endtoend/Pump.h"
+#include "tests/support/PseudoTerminal.h"
+#include "tests/support/Pump.h"
 
 class CDevice : public IPollable {
   public:
-    CDevice();
+    // A device's line is raw.
+    explicit CDevice(bool raw = true);
 
     void Send(std::string_view bytes) { m_toSend.Append(bytes); }
     bool IsAllSent() const { return m_toSend.IsEmpty(); }
@@ -31,9 +32,12 @@ class CDevice : public IPollable {
     short GetEvents() const override;
     void OnReady(short events) override;
 
-  private:
+  protected:
     static constexpr std::size_t kNoLimit = 65536;
 
+    virtual void OnReceived(const std::string&) {}
+
+  private:
     CPseudoTerminal m_line;
     CByteQueue m_toSend;
     std::string m_endless;

@@ -1,36 +1,26 @@
 // What the device sends, as the user sees it.
 #include "tests/endtoend/SessionTest.h"
 
-#include <algorithm>
 #include <random>
+#include <utf8proc.h>
 
 class CDeviceOutputTest : public CSessionTest {
   protected:
-    // The cursor position report, which must be where the terminal's cursor really is.
-    std::string AskPosition() {
-        std::string& received = m_device.GetReceived();
-        received.clear();
+    // The device is told this position, and the terminal's cursor really is there.
+    Result ReportsPosition(const std::string& position) {
+        m_device.GetReceived().clear();
         m_device.Send("\x1B[6n");
-        EXPECT_TRUE(Fulfils("a position report", [&] { return received.ends_with('R'); }));
-        const std::string report = received;
-        received.clear();
-        EXPECT_TRUE(Fulfils("the cursor where it is reported", [&] {
+        return Fulfils(position.c_str(), [&] {
             const VTermPos cursor = Screen().GetCursor();
-            return report == "\x1B[" + std::to_string(cursor.row + 1) + ';' +
-                                 std::to_string(cursor.col + 1) + 'R';
-        })) << ::testing::PrintToString(report);
-        return report.size() > 3 ? report.substr(2, report.size() - 3) : report;
+            return m_device.GetReceived() == "\x1B[" + position + 'R' &&
+                   position ==
+                       std::to_string(cursor.row + 1) + ';' + std::to_string(cursor.col + 1);
+        });
     }
 
-    // A colour of the 16 by its ANSI number; -1 for the terminal's own default.
-    static int GetColour(const VTermColor& colour) {
-        if (colour.type & VTERM_COLOR_DEFAULT_MASK)
-            return -1;
-        return VTERM_COLOR_IS_INDEXED(&colour) ? colour.indexed.idx : -2;
-    }
     std::pair<int, int> GetColours(int row, int column) {
         const VTermScreenCell cell = Screen().GetCell(row, column);
-        return {GetColour(cell.fg), GetColour(cell.bg)};
+        return {IndexOf(cell.fg), IndexOf(cell.bg)};
     }
 };
 
@@ -38,17 +28,14 @@ namespace {
 
 // Where the first C1 control or invalid UTF-8 begins; npos when there is none.
 std::size_t FindHostileByte(const std::string& output) {
+    const auto* const bytes = reinterpret_cast<const utf8proc_uint8_t*>(output.data());
     for (std::size_t place = 0; place < output.size();) {
-        const auto byte = static_cast<unsigned char>(output[place]);
-        const std::size_t length = byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
-        if ((byte >= 0x80 && byte < 0xC2) || place + length > output.size())
+        utf8proc_int32_t character = 0;
+        const auto left = static_cast<utf8proc_ssize_t>(output.size() - place);
+        const utf8proc_ssize_t length = utf8proc_iterate(bytes + place, left, &character);
+        if (length < 1 || (character >= 0x80 && character < 0xA0))
             return place;
-        for (std::size_t index = 1; index < length; ++index)
-            if ((output[place + index] & 0xC0) != 0x80)
-                return place;
-        if (byte == 0xC2 && static_cast<unsigned char>(output[place + 1]) < 0xA0)
-            return place;
-        place += length;
+        place += static_cast<std::size_t>(length);
     }
     return std::string::npos;
 }
@@ -73,8 +60,6 @@ TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
     EXPECT_EQ(GetColours(4, 13), std::make_pair(11, 4));
     EXPECT_EQ(GetColours(4, 17), std::make_pair(-1, -1));
     EXPECT_EQ(GetColours(7, 0), std::make_pair(0, 7));
-    Type(kAltF4);
-    EXPECT_TRUE(Ends());
 }
 
 TEST_F(CDeviceOutputTest, KnowsWhereTheCursorIs) {
@@ -92,6 +77,7 @@ TEST_F(CDeviceOutputTest, KnowsWhereTheCursorIs) {
         {"\x1B[5;1H" + std::string(80, 'x') + '\b', "5;79"}, //
         {"\x1B[5;1H" + std::string(80, 'x') + "\r", "5;1"},  //
         {"\x1B[5;1H" + std::string(80, 'x') + "\n", "6;1"},  //
+        {"\b\b", "6;1"},                                     // not beyond the first column
         {"\x1B[7;80H\u6F22", "8;3"},                         // no room for its right half
         {"\x1B[9;1H\ta\t", "9;17"},                          //
         {"\x1B[9;79H\t\t", "9;80"},                          //
@@ -103,10 +89,10 @@ TEST_F(CDeviceOutputTest, KnowsWhereTheCursorIs) {
     };
     for (const auto& row : rows) {
         m_device.Send(row.text);
-        EXPECT_EQ(AskPosition(), row.position) << ::testing::PrintToString(row.text);
+        ASSERT_TRUE(ReportsPosition(row.position)) << ::testing::PrintToString(row.text);
     }
-    Type(kAltF4);
-    EXPECT_TRUE(Ends());
+    m_device.Send("\a");
+    EXPECT_TRUE(Fulfils("the bell", [this] { return Screen().GetBells() == 1; }));
 }
 
 TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
@@ -116,42 +102,12 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
         hostile += static_cast<char>(byte);
     for (int control = 0x80; control < 0xA0; ++control)
         hostile += {'\xC2', static_cast<char>(control)};
-    for (const char* text : {"\x1B]0;stolen\x07",
-                             "\x1B]2;stolen\x1B\\",
-                             "\x9D"
-                             "2;stolen\x9C",
-                             "\xC2\x9D"
-                             "2;stolen\x07",
-                             "\x1BP$q\"p\x1B\\",
-                             "\x1B[c",
-                             "\x1B[>c",
-                             "\x1B[5n",
-                             "\x9B"
-                             "6n",
-                             "\xC2\x9B"
-                             "6n",
-                             "\x1BZ",
-                             "\x1B[?1049h",
-                             "\x1B[?1000h",
-                             "\x1B[?5h",
-                             "\x1B[?25l",
-                             "\x1B[21t",
-                             "\x1B(0",
-                             "\x1B#8",
-                             "\x1B"
-                             "c",
-                             "\x1BN",
-                             "\x0E",
-                             "\x1B[4h",
-                             "\x1B[!p",
-                             "\x1B^pm\x1B\\",
-                             "\x1B_apc\x1B\\",
-                             "\xE2\x82",
-                             "\xF4\x90\x80\x80",
-                             "\xED\xA0\x80",
-                             "\xC0\x9B",
-                             "\xF0\x80\x80\x9B"})
-        hostile += text;
+    // Titles, questions, other modes and character sets, strings, broken UTF-8.
+    hostile += "\x1B]0;stolen\x07\x1B]2;stolen\x1B\\\x9D\x32;stolen\x9C\xC2\x9D\x32;stolen\x07";
+    hostile += "\x1BP$q\"p\x1B\\\x1B[c\x1B[>c\x1B[5n\x9B\x36n\xC2\x9B\x36n\x1BZ\x1B[21t";
+    hostile += "\x1B[?1049h\x1B[?1000h\x1B[?5h\x1B[?25l\x1B[4h\x1B[!p\x1B(0\x1B#8\x1BN\x0E";
+    hostile += "\x1B\x63\x1B^pm\x1B\\\x1B_apc\x1B\\";
+    hostile += "\xE2\x82\xF4\x90\x80\x80\xED\xA0\x80\xC0\x9B\xF0\x80\x80\x9B";
     std::mt19937 random(1);
     for (int index = 0; index < 200000; ++index)
         hostile += static_cast<char>(random());
@@ -160,8 +116,6 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
     ASSERT_TRUE(ShowsInRow(0, "\u263A\u263C\u2190*\u2302sane"));
     EXPECT_EQ(Screen().GetTitle(), "Corvane - " + m_device.GetPath());
     EXPECT_EQ(FindHostileByte(m_terminal.GetOutput()), std::string::npos);
-    Type(kAltF4);
-    EXPECT_TRUE(Ends());
 }
 
 TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {
@@ -181,18 +135,13 @@ TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {
     ASSERT_TRUE(m_pump.RunUntil([this] { return m_device.GetSentCount() > (11 << 20); }));
     Type("key");
     ASSERT_TRUE(DeviceGets("key"));
-    Type(kAltF4);
-    EXPECT_TRUE(Ends());
 }
 
 TEST_F(CDeviceOutputTest, LosesNothingOnATerminalThatHoldsBack) {
     constexpr int kLines = 20000;
     StartInteractive();
     m_terminal.SetReading(false);
-    std::string lines;
-    for (int line = 0; line < kLines; ++line)
-        lines += "line " + std::to_string(line) + "\r\n";
-    m_device.Send(lines + "the end");
+    m_device.Send(MakeLines(kLines) + "the end");
     // The terminal takes no more, and yet keys reach the device.
     const bool stuck = m_pump.RunUntil([this, last = std::size_t{0}, same = 0]() mutable {
         same = last == m_device.GetSentCount() ? same + 1 : 0;
@@ -205,13 +154,5 @@ TEST_F(CDeviceOutputTest, LosesNothingOnATerminalThatHoldsBack) {
 
     m_terminal.SetReading(true);
     ASSERT_TRUE(Shows("the end"));
-    const std::vector<std::string>& scrollback = Screen().GetScrollback();
-    const auto first = std::find(scrollback.begin(), scrollback.end(), "line 0");
-    ASSERT_NE(first, scrollback.end());
-    int line = 0;
-    for (auto row = first; row != scrollback.end(); ++row)
-        ASSERT_EQ(*row, "line " + std::to_string(line++));
-    EXPECT_EQ(line, kLines + 1 - CTerminal::kRows);
-    Type(kAltF4);
-    EXPECT_TRUE(Ends());
+    ExpectLines(kLines);
 }

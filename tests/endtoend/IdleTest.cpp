@@ -54,13 +54,24 @@ TEST_F(CIdleTest, InteractiveTerminal) {
     m_pump.RunFor(std::chrono::seconds(1));
     ExpectIdle(std::chrono::seconds(1));
     m_program->Kill(SIGKILL);
+    EXPECT_TRUE(EndsWith(-SIGKILL));
+}
+
+// Neither does a log with nothing to write.
+TEST_F(CIdleTest, LoggedTerminal) {
+    Start(m_device.GetPath(), {"-O:" + m_folder.GetPath("log")});
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+    m_device.Send("some output");
+    Type("keys");
+    ASSERT_TRUE(DeviceGets("keys"));
+    m_pump.RunFor(std::chrono::milliseconds(1500));
+    ExpectIdle(std::chrono::seconds(3));
 }
 
 // Three attempts of ten seconds each: this is the one test that waits so long.
 TEST_F(CIdleTest, CommandFileOnASilentDevice) {
-    CSimulator modem(m_pump, {"--silent"});
     const std::string capture = m_folder.GetPath("capture");
-    Start(modem.GetPath(), {"-A:" + m_folder.Write("commands", "AT\n"), "-O:" + capture});
+    Start(m_device.GetPath(), {"-A:" + m_folder.Write("commands", "AT\n"), "-O:" + capture});
     ASSERT_TRUE(Shows("Setting 19200 baud"));
     ExpectIdle(std::chrono::seconds(3));
 
@@ -78,4 +89,5 @@ TEST_F(CIdleTest, CommandFileOnASilentDevice) {
     ASSERT_TRUE(Shows("No Response"));
     ASSERT_TRUE(Ends());
     EXPECT_EQ(ReadWholeFile(capture), "AT\r\nNo Response\r\n");
+    EXPECT_EQ(m_device.GetReceived(), "AT\rAT\rAT\r");
 }

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-class CSessionStartTest : public CSessionTest {};
+using CSessionStartTest = CSessionTest;
 
 TEST_F(CSessionStartTest, ShowsTheSessionAndLeavesTheTerminalAsItWas) {
     // Settings that nobody has by default must come back too.
@@ -61,6 +61,4 @@ TEST_F(CSessionStartTest, SetsTheBaudRateAskedFor) {
 
     Start(m_device.GetPath(), {"-B:-5"});
     ASSERT_TRUE(ShowsInRow(1, "Error setting -5 baud"));
-    Type(kAltF4);
-    ASSERT_TRUE(Ends());
 }

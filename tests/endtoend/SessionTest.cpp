@@ -33,12 +33,22 @@ void CSessionTest::SetVariable(const std::string& name, const std::string& value
     m_environment.push_back(name + '=' + value);
 }
 
-void CSessionTest::Start(const std::string& device, const std::vector<std::string>& options) {
-    StartWith(-1, -1, -1, device, options);
+void CSessionTest::TearDown() {
+    if (!m_program || m_program->HasEnded() || HasFailure())
+        return;
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
 }
 
-void CSessionTest::StartWith(int input, int output, int error, const std::string& device,
-                             const std::vector<std::string>& options) {
+void CSessionTest::Start(const std::string& device, const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = {device};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    StartWith(-1, -1, -1, arguments);
+}
+
+void CSessionTest::StartWith(int input, int output, int error,
+                             const std::vector<std::string>& arguments) {
+    m_device.GetReceived().clear();
     m_terminalBefore = m_terminal.GetLine().GetSettings();
     m_deviceBefore = m_device.GetLine().GetSettings();
     const auto orTerminal = [this](int descriptor) {
@@ -46,8 +56,8 @@ void CSessionTest::StartWith(int input, int output, int error, const std::string
     };
 
     ProcessOptions process;
-    process.arguments = {WIRELET, device};
-    process.arguments.insert(process.arguments.end(), options.begin(), options.end());
+    process.arguments = {WIRELET};
+    process.arguments.insert(process.arguments.end(), arguments.begin(), arguments.end());
     process.environment = m_environment;
     process.input = orTerminal(input);
     process.output = orTerminal(output);
@@ -97,12 +107,39 @@ CSessionTest::Result CSessionTest::DeviceGets(const std::string& bytes) {
     return AssertionSuccess();
 }
 
-CSessionTest::Result CSessionTest::Ends(int exit) {
+CSessionTest::Result CSessionTest::GivesTerminalBack() {
+    return Fulfils("the terminal given back",
+                   [this] { return m_terminal.GetLine().GetSettings() == m_terminalBefore; });
+}
+
+std::string CSessionTest::MakeLines(int count, std::string_view end) {
+    std::string lines;
+    for (int line = 0; line < count; ++line)
+        lines += ("line " + std::to_string(line)).append(end);
+    return lines;
+}
+
+void CSessionTest::ExpectLines(int count) {
+    const std::vector<std::string>& scrollback = Screen().GetScrollback();
+    auto row = std::find(scrollback.begin(), scrollback.end(), "line 0");
+    int line = 0;
+    for (; row != scrollback.end(); ++row)
+        ASSERT_EQ(*row, "line " + std::to_string(line++));
+    EXPECT_EQ(line, count + 1 - CTerminal::kRows);
+}
+
+CSessionTest::Result CSessionTest::EndsWith(int exit) {
     if (const Result ended = Fulfils("the end", [this] { return m_program->HasEnded(); }); !ended)
         return ended;
-    if (m_program->GetExit() != exit)
-        return AssertionFailure() << "ended with " << m_program->GetExit() << "; the screen shows\n"
-                                  << Screen().GetText();
+    if (m_program->GetExit() == exit)
+        return AssertionSuccess();
+    return AssertionFailure() << "ended with " << m_program->GetExit() << "; the screen shows\n"
+                              << Screen().GetText();
+}
+
+CSessionTest::Result CSessionTest::Ends(int exit) {
+    if (const Result ended = EndsWith(exit); !ended)
+        return ended;
     if (m_terminal.GetDescriptor() < 0)
         return AssertionSuccess();
     if (const Result shown = ShowsPrompt(); !shown)
@@ -118,26 +155,30 @@ CSessionTest::Result CSessionTest::ShowsPrompt() {
 }
 
 CSessionTest::Result CSessionTest::IsSane() {
-    if (!(m_terminal.GetLine().GetSettings() == m_terminalBefore))
-        return AssertionFailure() << "the terminal's settings are not what they were";
+    CScreen& screen = Screen();
+    const std::string text = screen.GetText();
+    const VTermScreenCell cell = screen.GetCell(screen.GetCursor().row, 0);
+    const std::vector<std::string>& oddities = screen.GetOddities();
+    const auto titles = std::count(oddities.begin(), oddities.end(), "CSI t");
     // Who crashes cannot put the device's settings back.
-    if (m_program->GetExit() >= 0 && m_device.GetDescriptor() >= 0 &&
-        !(m_device.GetLine().GetSettings() == m_deviceBefore))
-        return AssertionFailure() << "the device's settings are not what they were";
-
-    const std::string text = Screen().GetText();
-    const VTermScreenCell cell = Screen().GetCell(Screen().GetCursor().row, 0);
-    if (text != kPrompt && !text.ends_with(std::string("\n") + kPrompt))
-        return AssertionFailure() << "the cursor is not below the text:\n" << text;
-    if (!VTERM_COLOR_IS_DEFAULT_FG(&cell.fg) || !VTERM_COLOR_IS_DEFAULT_BG(&cell.bg) ||
-        cell.attrs.bold || cell.attrs.reverse)
-        return AssertionFailure() << "the prompt is not in the default colours";
-    if (!Screen().IsCursorVisible())
-        return AssertionFailure() << "the cursor is hidden";
-    if (!Screen().GetReplies().empty())
-        return AssertionFailure() << "the terminal was asked: " << Quote(Screen().GetReplies());
-    for (const std::string& oddity : Screen().GetOddities())
-        if (oddity != "CSI t")
-            return AssertionFailure() << "the terminal was told " << oddity;
+    const bool isDeviceAsBefore = m_program->GetExit() < 0 || m_device.GetDescriptor() < 0 ||
+                                  m_device.GetLine().GetSettings() == m_deviceBefore;
+    const std::pair<bool, const char*> demands[] = {
+        {m_terminal.GetLine().GetSettings() == m_terminalBefore,
+         "the terminal's settings as before"},
+        {isDeviceAsBefore, "the device's settings as before"},
+        {text == kPrompt || text.ends_with(std::string("\n") + kPrompt),
+         "the cursor below the text"},
+        {IndexOf(cell.fg) == -1 && IndexOf(cell.bg) == -1, "the prompt in the default colours"},
+        {!cell.attrs.bold && !cell.attrs.reverse, "the prompt in plain letters"},
+        {screen.IsCursorVisible(), "a cursor to be seen"},
+        {screen.GetReplies().empty(), "a terminal that was asked nothing"},
+        {titles == std::ssize(oddities), "no control functions but those of the title"},
+    };
+    for (const auto& [isMet, demand] : demands)
+        if (!isMet)
+            return AssertionFailure() << "not so: " << demand << "; the screen shows\n"
+                                      << text << "\n"
+                                      << ::testing::PrintToString(oddities);
     return AssertionSuccess();
 }

@@ -1,12 +1,12 @@
 // What the tests of a session share: a terminal with a user before it, a device, and the program.
 #pragma once
 
-#include "tests/endtoend/Collector.h"
 #include "tests/endtoend/Device.h"
-#include "tests/endtoend/Process.h"
-#include "tests/endtoend/Simulator.h"
-#include "tests/endtoend/TempFolder.h"
 #include "tests/endtoend/Terminal.h"
+#include "tests/support/Collector.h"
+#include "tests/support/Process.h"
+#include "tests/support/Simulator.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -22,14 +22,15 @@ class CSessionTest : public ::testing::Test {
     using Result = ::testing::AssertionResult;
 
     CSessionTest();
+    // A program that still runs is ended by its key.
+    void TearDown() override;
 
     // Runs the program on the terminal: a device and what else the command line holds.
     void Start(const std::string& device, const std::vector<std::string>& options = {});
     // Runs it on the test's device and waits until the interactive terminal is there.
     void StartInteractive();
     // Runs it with these descriptors instead of the terminal's; -1 is the terminal.
-    void StartWith(int input, int output, int error, const std::string& device,
-                   const std::vector<std::string>& options = {});
+    void StartWith(int input, int output, int error, const std::vector<std::string>& arguments);
     // Puts NAME=value in the program's environment, in place of what was there.
     void SetVariable(const std::string& name, const std::string& value);
 
@@ -41,10 +42,17 @@ class CSessionTest : public ::testing::Test {
     Result ShowsInRow(int row, const std::string& text);
     // The device has received exactly these bytes since it was last asked.
     Result DeviceGets(const std::string& bytes);
+    Result GivesTerminalBack();
     Result Fulfils(const char* what, const std::function<bool()>& condition);
 
-    // The program ends with this exit code (or by minus this signal), the terminal is as it was
-    // before, and the prompt that a shell would print stands below the text.
+    // Numbered lines; and whether as many of them have gone through the screen, in order.
+    static std::string MakeLines(int count, std::string_view end = "\r\n");
+    void ExpectLines(int count);
+
+    // The program ends with this exit code (or by minus this signal).
+    Result EndsWith(int exit);
+    // The terminal is as it was before, too, and the prompt that a shell would print stands below
+    // the text.
     Result Ends(int exit = 0);
 
     CPump m_pump;

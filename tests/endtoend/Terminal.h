@@ -1,38 +1,29 @@
-// The user's terminal: a pseudo-terminal whose output is drawn on a screen, and a keyboard.
+// The user's terminal: what it receives is drawn on a screen, what it sends are keys.
 #pragma once
 
-#include "tests/endtoend/PseudoTerminal.h"
-#include "tests/endtoend/Pump.h"
-#include "tests/endtoend/Screen.h"
+#include "tests/endtoend/Device.h"
+#include "tests/support/Screen.h"
 
-class CTerminal : public IPollable {
+class CTerminal : public CDevice {
   public:
     static constexpr int kRows = 24;
     static constexpr int kColumns = 80;
 
     CTerminal();
 
-    void Type(std::string_view bytes) { m_typed.Append(bytes); }
-
+    void Type(std::string_view bytes) { Send(bytes); }
     // While it is off, the terminal takes no output, as one does whose user pressed Ctrl+S.
-    void SetReading(bool reading) { m_bReading = reading; }
+    void SetReading(bool reading) { SetReadLimit(reading ? kNoLimit : 0); }
     void Resize(int rows, int columns);
     // The user closes the window.
-    void CloseWindow() { m_line.CloseMaster(); }
+    void CloseWindow() { Vanish(); }
 
-    CPseudoTerminal& GetLine() { return m_line; }
     CScreen& GetScreen() { return m_screen; }
     // All bytes that were written to the terminal.
-    const std::string& GetOutput() const { return m_output; }
-
-    int GetDescriptor() const override { return m_line.GetMaster(); }
-    short GetEvents() const override;
-    void OnReady(short events) override;
+    const std::string& GetOutput() { return GetReceived(); }
 
   private:
-    CPseudoTerminal m_line;
+    void OnReceived(const std::string& bytes) override { m_screen.Feed(bytes); }
+
     CScreen m_screen;
-    CByteQueue m_typed;
-    std::string m_output;
-    bool m_bReading = true;
 };

@@ -2,29 +2,31 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
-#include <string>
 
 namespace {
 
 using Verdict = CFinalResult::Verdict;
-
-// Feeds bytes in reads of at most the given size; stops at a verdict. Leaves the response in place.
-Verdict Feed(std::string_view bytes, std::size_t readSize, std::string& response) {
-    CFinalResult finalResult(response);
-    for (std::size_t start = 0; start < bytes.size(); start += readSize) {
-        const Verdict verdict = finalResult.Append(bytes.substr(start, readSize));
-        if (verdict != Verdict::None)
-            return verdict;
-    }
-    return Verdict::None;
-}
 
 struct Answer {
     std::string_view bytes;
     Verdict verdict;
     std::string_view response;
 };
+
+// Feeds an answer in reads of at most the given size, up to the verdict.
+void Check(const Answer& answer, std::size_t readSize) {
+    std::string response = "left over";
+    CFinalResult finalResult(response);
+    Verdict verdict = Verdict::None;
+    for (std::string_view left = answer.bytes; !left.empty() && verdict == Verdict::None;) {
+        verdict = finalResult.Append(left.substr(0, readSize));
+        left.remove_prefix(std::min(readSize, left.size()));
+    }
+    EXPECT_EQ(verdict, answer.verdict) << answer.bytes << " in reads of " << readSize;
+    EXPECT_TRUE(response == answer.response) << response << " of " << answer.bytes;
+}
 
 constexpr std::array kAnswers = {
     Answer{"AT\r\r\nOK\r\n", Verdict::Ok, "AT"},
@@ -53,12 +55,8 @@ constexpr std::array kAnswers = {
 
 TEST(FinalResult, KnowsAnswersHoweverTheyAreSplit) {
     for (const Answer& answer : kAnswers)
-        for (const std::size_t readSize : {1, 2, 3, 5, 7, 13, 1023}) {
-            std::string response = "left over";
-            EXPECT_EQ(Feed(answer.bytes, readSize, response), answer.verdict)
-                << answer.bytes << " in reads of " << readSize;
-            EXPECT_EQ(response, answer.response) << answer.bytes << " in reads of " << readSize;
-        }
+        for (const std::size_t readSize : {1, 2, 3, 5, 7, 13, 1023})
+            Check(answer, readSize);
 }
 
 // Where several markers stand in one read, the order of the tests decides, not the order of
@@ -73,11 +71,8 @@ TEST(FinalResult, TestsInItsOrderWithinARead) {
         Answer{"\r\nOK\r\n\r\nOK\r\n", Verdict::Ok, ""},
         Answer{"a\r\n+CME ERROR: 1\r\n+CME ERROR: 2\r\n", Verdict::CmeError, "1\r\n+CME ERROR: 2"},
     };
-    for (const Answer& answer : wholes) {
-        std::string response;
-        EXPECT_EQ(Feed(answer.bytes, 1023, response), answer.verdict) << answer.bytes;
-        EXPECT_EQ(response, answer.response) << answer.bytes;
-    }
+    for (const Answer& answer : wholes)
+        Check(answer, 1023);
 }
 
 TEST(FinalResult, NulEndsWhatAReadContributes) {
@@ -103,12 +98,9 @@ TEST(FinalResult, KeepsABoundedPartOfAnEndlessAnswer) {
     for (const Answer& ending : endings) {
         // Up to the bound but for a marker's beginning, to the bound, and far beyond it.
         for (const std::size_t length : {most.size() - 3, most.size(), 3 * most.size()}) {
-            for (const std::size_t readSize : {3, 1000}) {
-                std::string response;
-                const std::string bytes = std::string(length, 'x').append(ending.bytes);
-                EXPECT_EQ(Feed(bytes, readSize, response), ending.verdict) << ending.bytes;
-                EXPECT_TRUE(response == ending.response.substr(0, length)) << ending.bytes;
-            }
+            const std::string bytes = std::string(length, 'x').append(ending.bytes);
+            for (const std::size_t readSize : {3, 1000})
+                Check({bytes, ending.verdict, ending.response.substr(0, length)}, readSize);
         }
     }
 }

@@ -78,21 +78,6 @@ TEST(Modem, EndsAtOnceWhenTheDeviceGoesAway) {
     modem.WaitWithoutReading(CDeadline(0xFFFFFFFF));
 }
 
-TEST(Modem, SendsASilentDeviceTheCommandThreeTimes) {
-    CSubstituteSerial serial;
-    CTestModem modem(&serial);
-    DWORD code = 0;
-    std::string text = "left over";
-    modem.SetTimeout(1);
-    EXPECT_FALSE(modem.SendCommandGetResponse("AT\r", code, text));
-    EXPECT_EQ(code, RESULT_NO_RESPONSE);
-    EXPECT_EQ(text, "");
-    Calls attempts;
-    for (int count = 0; count < 3; ++count)
-        attempts.insert(attempts.end(), {"flush 1", "flush 2", "write AT\r"});
-    EXPECT_EQ(serial.m_calls, attempts);
-}
-
 TEST(Modem, TakesAnyAnswerOnceAndLeavesTheDeviceAHundredMilliseconds) {
     CSubstituteSerial serial;
     CTestModem modem(&serial);

@@ -5,13 +5,11 @@
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 
-#include <functional>
-
 using platform::CDescriptor;
 
 namespace {
 
-// Stands for the console: gathered output and one source of control events.
+// Stands for the console: output that its terminal does not take, and a source of control events.
 class CFakeCompanion final : public platform::IWaitCompanion {
   public:
     CFakeCompanion() { platform::SetWaitCompanion(this); }
@@ -19,12 +17,8 @@ class CFakeCompanion final : public platform::IWaitCompanion {
     CFakeCompanion(const CFakeCompanion&) = delete;
     CFakeCompanion& operator=(const CFakeCompanion&) = delete;
 
-    bool HasWork() const override { return m_nWork != 0; }
-    void DoWork() override {
-        ++m_nWorked;
-        if (!m_bStuck)
-            m_nWork = 0;
-    }
+    bool HasWork() const override { return true; }
+    void DoWork() override { ++m_nWorked; }
     int Watch(pollfd* descriptors) override {
         descriptors[0] = {m_control.Get(), POLLIN, 0};
         return 1;
@@ -36,16 +30,11 @@ class CFakeCompanion final : public platform::IWaitCompanion {
         eventfd_t value = 0;
         eventfd_read(m_control.Get(), &value);
         ++m_nServed;
-        if (m_handler)
-            m_handler();
     }
     void Raise() { eventfd_write(m_control.Get(), 1); }
 
-    int m_nWork = 0;
-    bool m_bStuck = false;
     int m_nWorked = 0;
     int m_nServed = 0;
-    std::function<void()> m_handler;
 
   private:
     CDescriptor m_control{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
@@ -56,8 +45,6 @@ class CFakeCompanion final : public platform::IWaitCompanion {
 // A terminal that holds the output back: the wait blocks with work left, and is not a loop.
 TEST(Companion, WorksOnceAndOnlyBeforeAWaitBlocks) {
     CFakeCompanion companion;
-    companion.m_nWork = 1;
-    companion.m_bStuck = true;
     const CTestHandle ready = MakeEvent(true, true);
     const CTestHandle silent = MakeEvent(true, false);
     const HANDLE handles[] = {silent, ready};
@@ -72,33 +59,4 @@ TEST(Companion, WorksOnceAndOnlyBeforeAWaitBlocks) {
     EXPECT_EQ(companion.m_nWorked, 1);
     Sleep(1);
     EXPECT_EQ(companion.m_nWorked, 2);
-}
-
-TEST(Companion, AHandlerMaySignalGatherOutputAndTakeTheCompanionAway) {
-    CFakeCompanion companion;
-    const CTestHandle signalled = MakeEvent(false, false);
-    companion.m_handler = [&] { SetEvent(signalled); };
-    companion.Raise();
-    EXPECT_EQ(WaitForSingleObject(signalled, INFINITE), WAIT_OBJECT_0);
-
-    companion.m_handler = [&] { companion.m_nWork = 1; };
-    companion.Raise();
-    EXPECT_EQ(WaitForSingleObject(signalled, 5), WAIT_TIMEOUT);
-    EXPECT_EQ(companion.m_nWorked, 1) << "what the handler left is let out before the wait blocks";
-
-    companion.m_handler = [&] { platform::SetWaitCompanion(nullptr); };
-    companion.m_nWork = 1;
-    companion.Raise();
-    EXPECT_EQ(WaitForSingleObject(signalled, 5), WAIT_TIMEOUT);
-    EXPECT_EQ(companion.m_nWorked, 1);
-}
-
-TEST(Companion, BelongsToOneThread) {
-    CFakeCompanion companion;
-    companion.m_nWork = 1;
-    auto sleep = [] { Sleep(1); };
-    const CTestHandle thread = StartThread(sleep);
-    platform::SetWaitCompanion(nullptr);
-    EXPECT_TRUE(AwaitEnd(thread));
-    EXPECT_EQ(companion.m_nWorked, 0);
 }

@@ -5,21 +5,6 @@
 #include <atomic>
 #include <vector>
 
-TEST(Event, AutoResetIsConsumedByTheWaitAndManualResetIsNot) {
-    const CTestHandle consumed = MakeEvent(false, true);
-    EXPECT_TRUE(SetEvent(consumed));
-    EXPECT_TRUE(SetEvent(consumed));
-    EXPECT_EQ(WaitForSingleObject(consumed, INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(consumed, 0), WAIT_TIMEOUT) << "two signals count as one";
-
-    const CTestHandle kept = MakeEvent(true, false);
-    EXPECT_TRUE(SetEvent(kept));
-    EXPECT_EQ(WaitForSingleObject(kept, INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(kept, 0), WAIT_OBJECT_0);
-    EXPECT_TRUE(ResetEvent(kept));
-    EXPECT_EQ(WaitForSingleObject(kept, 0), WAIT_TIMEOUT);
-}
-
 // Every signal lets one of the waiting threads through and no more, in whichever of its waits the
 // event comes second.
 TEST(Event, AutoResetLetsExactlyOneOfManyWaitersThrough) {

@@ -1,26 +1,10 @@
-// A handle that closes itself at the end of a test; used by the thread that made it.
+// Handles that close themselves at the end of a test.
 #pragma once
 
+#include "common/UniqueHandle.h"
 #include "platform/Thread.h"
-#include "platform/Wait.h"
 
-#include <utility>
-
-class CTestHandle {
-  public:
-    explicit CTestHandle(HANDLE handle) : m_hHandle(handle) {}
-    CTestHandle(CTestHandle&& other) noexcept : m_hHandle(other.Detach()) {}
-    CTestHandle& operator=(CTestHandle&&) = delete;
-    ~CTestHandle() {
-        if (m_hHandle != nullptr)
-            CloseHandle(m_hHandle);
-    }
-    operator HANDLE() const { return m_hHandle; }
-    HANDLE Detach() { return std::exchange(m_hHandle, nullptr); }
-
-  private:
-    HANDLE m_hHandle;
-};
+using CTestHandle = CUniqueHandle;
 
 inline CTestHandle MakeEvent(bool manualReset, bool signalled) {
     return CTestHandle(CreateEventA(nullptr, manualReset, signalled, nullptr));

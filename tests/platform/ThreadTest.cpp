@@ -45,6 +45,27 @@ TEST(Thread, SignalsAreLeftToTheThreadsBefore) {
     EXPECT_EQ(sigismember(&outside, SIGTERM), 0);
 }
 
+TEST(Thread, SuspendedThreadsBeginWhenResumed) {
+    std::atomic<int> ran = 0;
+    const auto run = [](LPVOID argument) -> DWORD {
+        return static_cast<DWORD>(++*static_cast<std::atomic<int>*>(argument));
+    };
+    const CTestHandle thread(CreateThread(nullptr, 0, run, &ran, CREATE_SUSPENDED, nullptr));
+    EXPECT_TRUE(SetThreadPriority(thread, THREAD_PRIORITY_LOWEST));
+    EXPECT_EQ(WaitForSingleObject(thread, 20), WAIT_TIMEOUT);
+    EXPECT_EQ(ran, 0);
+    EXPECT_EQ(ResumeThread(thread), 1u);
+    EXPECT_TRUE(AwaitEnd(thread));
+    EXPECT_EQ(ran, 1);
+    EXPECT_EQ(ResumeThread(thread), 0u);
+    const CTestHandle ended(CreateThread(nullptr, 0, run, &ran, CREATE_SUSPENDED, nullptr));
+    EXPECT_TRUE(TerminateThread(ended, 33));
+    EXPECT_TRUE(AwaitEnd(ended));
+    EXPECT_EQ(ran, 1);
+    EXPECT_EQ(ExitCodeOf(ended), 33u);
+    EXPECT_EQ(ResumeThread(nullptr), 0xFFFFFFFF);
+}
+
 // Each entry of the procedure is a way to wait; after the first has failed all others fail at once.
 TEST(Thread, TerminateEndsABlockedThreadInAllItsWaits) {
     const CTestHandle never = MakeEvent(true, false);
@@ -72,20 +93,4 @@ TEST(Thread, TerminateEndsABlockedThreadInAllItsWaits) {
     EXPECT_EQ(ExitCodeOf(thread), 33U);
     EXPECT_EQ(results, std::vector<DWORD>(4, ERROR_OPERATION_ABORTED));
     EXPECT_EQ(WaitForSingleObject(always, 0), WAIT_OBJECT_0) << "other threads wait on";
-}
-
-TEST(Thread, TerminateLeavesARunningThreadAlone) {
-    std::atomic<bool> mayEnd = false;
-    std::atomic<bool> reachedEnd = false;
-    auto work = [&] {
-        while (!mayEnd)
-            sched_yield();
-        reachedEnd = true;
-    };
-    const CTestHandle thread = StartThread(work);
-    EXPECT_TRUE(TerminateThread(thread, 1));
-    EXPECT_EQ(WaitForSingleObject(thread, 5), WAIT_TIMEOUT);
-    mayEnd = true;
-    EXPECT_TRUE(AwaitEnd(thread));
-    EXPECT_TRUE(reachedEnd);
 }

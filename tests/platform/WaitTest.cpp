@@ -34,18 +34,6 @@ TEST(Wait, AWrongHandleFailsTheWaitAndNothingIsConsumed) {
     EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
 }
 
-// Never early: the deadline is a lower bound.
-TEST(Wait, DeadlinesAreKept) {
-    const CTestHandle event = MakeEvent(false, false);
-    for (const DWORD milliseconds : {0U, 1U, 7U, 20U}) {
-        const DWORD begin = GetTickCount();
-        EXPECT_EQ(WaitForSingleObject(event, milliseconds), WAIT_TIMEOUT);
-        EXPECT_GE(GetTickCount() - begin + 1, milliseconds);
-        Sleep(milliseconds);
-        EXPECT_GE(GetTickCount() - begin + 1, 2 * milliseconds);
-    }
-}
-
 // A signal handler that runs meanwhile neither ends a wait nor shortens it.
 TEST(Wait, SignalsDoNotEndAWait) {
     struct sigaction former {};

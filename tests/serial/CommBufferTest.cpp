@@ -12,81 +12,62 @@ bool IsSet(HANDLE event) {
     return WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
 }
 
-struct SStep {
-    const char* what;
-    DWORD (*step)(CVCommBuffer& buffer);
-    DWORD result;
-    DWORD size;
-    DWORD count;
-    bool hasSpace; // as the last transfer or clearing left it: resizing moves no event
-};
+using Step = DWORD (*)(CVCommBuffer& buffer, DWORD count);
 
-template <DWORD Count> DWORD Write(CVCommBuffer& buffer) {
-    const std::string bytes(Count, 'x');
-    return buffer.Write(bytes.data(), Count);
-}
-template <DWORD Count, BOOL Remove> DWORD Read(CVCommBuffer& buffer) {
-    std::string bytes(Count, '\0');
-    return buffer.Read(bytes.data(), Count, Remove);
-}
-DWORD ClearAll(CVCommBuffer& buffer) {
-    return buffer.ClearBuffer(CVCommBuffer::ALL_BYTES);
-}
-template <DWORD Size> DWORD Resize(CVCommBuffer& buffer) {
-    return buffer.SetBufferSize(Size);
-}
-
-constexpr SStep STEPS[] = {
-    {"nothing in", Write<0>, 0, 4096, 0, true},
-    {"nothing out", Read<10, TRUE>, 0, 4096, 0, true},
-    {"some in", Write<10>, 10, 4096, 10, true},
-    {"look at more than there is", Read<20, FALSE>, 10, 4096, 10, true},
-    {"clear all", ClearAll, 10, 4096, 0, true},
-    {"more in than fits", Write<5000>, 4096, 4096, 4096, false},
-    {"in when full", Write<1>, 0, 4096, 4096, false},
-    {"grow when full", Resize<8192>, 8192, 8192, 4096, false},
-    {"one out", Read<1, TRUE>, 1, 8192, 4095, true},
-    {"shrink below the bytes", Resize<100>, 4095, 4095, 4095, true},
-    {"in when shrunk to full", Write<1>, 0, 4095, 4095, false},
-    {"all out", Read<4095, TRUE>, 4095, 4095, 0, true},
-    {"tiny", Resize<1>, 1, 1, 0, true},
-    {"fill tiny", Write<2>, 1, 1, 1, false},
+constexpr Step WRITE = [](CVCommBuffer& buffer, DWORD count) {
+    return buffer.Write(std::string(count, 'x').data(), count);
 };
+constexpr Step READ = [](CVCommBuffer& buffer, DWORD count) {
+    return buffer.Read(std::string(count, '\0').data(), count, TRUE);
+};
+constexpr Step LOOK = [](CVCommBuffer& buffer, DWORD count) {
+    return buffer.Read(std::string(count, '\0').data(), count, FALSE);
+};
+constexpr Step CLEAR = [](CVCommBuffer& buffer, DWORD count) { return buffer.ClearBuffer(count); };
+constexpr Step RESIZE = [](CVCommBuffer& buffer, DWORD size) { return buffer.SetBufferSize(size); };
 
 TEST(CommBuffer, EventsFollowTheBytes) {
+    const struct {
+        Step step;
+        DWORD argument;
+        DWORD result;
+        DWORD size;
+        DWORD count;
+        bool hasSpace; // as the last transfer or clearing left it: resizing moves no event
+    } steps[] = {
+        {WRITE, 0, 0, 4096, 0, true},
+        {READ, 10, 0, 4096, 0, true},
+        {WRITE, 10, 10, 4096, 10, true},
+        {LOOK, 20, 10, 4096, 10, true},
+        {CLEAR, CVCommBuffer::ALL_BYTES, 10, 4096, 0, true},
+        {WRITE, 5000, 4096, 4096, 4096, false},
+        {WRITE, 1, 0, 4096, 4096, false},
+        {RESIZE, 8192, 8192, 8192, 4096, false},
+        {READ, 1, 1, 8192, 4095, true},
+        {RESIZE, 100, 4095, 4095, 4095, true},
+        {WRITE, 1, 0, 4095, 4095, false},
+        {READ, 4095, 4095, 4095, 0, true},
+        {RESIZE, 1, 1, 1, 0, true},
+        {WRITE, 2, 1, 1, 1, false},
+    };
     CReportLog log;
     CVCommBuffer buffer;
-    for (const SStep& step : STEPS) {
-        SCOPED_TRACE(step.what);
-        EXPECT_EQ(step.step(buffer), step.result);
+    for (const auto& row : steps) {
+        SCOPED_TRACE(&row - steps);
+        EXPECT_EQ(row.step(buffer, row.argument), row.result);
         DWORD size = 0;
         DWORD count = 0;
         DWORD free = 0;
         buffer.GetBufferStatus(&size, &count, &free);
-        EXPECT_EQ(size, step.size);
-        EXPECT_EQ(count, step.count);
-        EXPECT_EQ(free, step.size - step.count);
-        EXPECT_EQ(IsSet(buffer.GetDataEvent()), step.count > 0);
-        EXPECT_EQ(IsSet(buffer.GetSpaceEvent()), step.hasSpace);
+        EXPECT_EQ(size, row.size);
+        EXPECT_EQ(count, row.count);
+        EXPECT_EQ(free, row.size - row.count);
+        EXPECT_EQ(IsSet(buffer.GetDataEvent()), row.count > 0);
+        EXPECT_EQ(IsSet(buffer.GetSpaceEvent()), row.hasSpace);
     }
     EXPECT_EQ(log.Take(),
               std::vector<std::string>{"CVCommBuffer::SetBufferSize() - The new buffer size is too "
                                        "small to hold the existing buffer data\n"});
-}
-
-TEST(CommBuffer, BytesComeInOrderAndSurviveResizing) {
-    CVCommBuffer buffer;
-    char bytes[16] = {};
-    EXPECT_EQ(buffer.Write("abcdef", 6), 6u);
-    EXPECT_EQ(buffer.Read(bytes, 3, FALSE), 3u);
-    EXPECT_STREQ(bytes, "abc");
-    EXPECT_EQ(buffer.Read(bytes, 2, TRUE), 2u);
-    EXPECT_EQ(buffer.SetBufferSize(100000), 100000u);
-    EXPECT_EQ(buffer.Write("gh", 2), 2u);
-    EXPECT_EQ(buffer.SetBufferSize(1), 6u);
-    EXPECT_EQ(buffer.ClearBuffer(1), 1u);
-    EXPECT_EQ(buffer.Read(bytes, sizeof(bytes), TRUE), 5u);
-    EXPECT_EQ(std::string(bytes, 5), "defgh");
 }
 
 } // namespace

@@ -12,10 +12,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <iterator>
+#include <set>
 #include <string>
 
 using Texts = std::vector<std::string>;
+using Entries = std::set<std::string>;
 
 class CSerialTest : public testing::Test {
   protected:
@@ -52,15 +53,19 @@ class CSerialTest : public testing::Test {
         EXPECT_EQ(Free(), 0u);
     }
 
-    static std::size_t EntriesOf(const char* folder) {
-        const std::filesystem::directory_iterator entries(folder);
-        return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+    // What the process has in this folder of its own and had not before: descriptors or threads.
+    static Entries EntriesOf(const char* folder, const Entries& before = {}) {
+        Entries entries;
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            if (!before.contains(entry.path()))
+                entries.insert(entry.path());
+        return entries;
     }
-    // Gives a thread that has ended the time to vanish.
-    static std::size_t SettledEntriesOf(const char* folder, std::size_t expected) {
-        for (int i = 0; i < 2000 && EntriesOf(folder) > expected; ++i)
-            Sleep(10);
-        return EntriesOf(folder);
+    // Gives threads that have ended the time to vanish.
+    static void AwaitEndOf(const Entries& threads) {
+        for (const std::string& thread : threads)
+            for (int i = 0; i < 2000 && std::filesystem::exists(thread); ++i)
+                Sleep(10);
     }
 
     // The reports since the last call, with the numbers of lines left out.

@@ -76,23 +76,6 @@ TEST_F(CSerialTest, ClosingAtAnyMomentEndsTheThread) {
     }
 }
 
-TEST_F(CSerialTest, DeviceGoneWhileIdle) {
-    Open();
-    const HANDLE hangup = m_wait->GetHangupHandle();
-    EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_TIMEOUT);
-    EXPECT_FALSE(m_wait->IsDeviceGone());
-    m_device.Close();
-    EXPECT_EQ(WaitForSingleObject(hangup, PATIENCE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(m_wait->GetReceiveHandle(), 0), WAIT_OBJECT_0);
-    EXPECT_TRUE(m_wait->IsDeviceGone());
-    EXPECT_FALSE(m_wait->Drain(PATIENCE));
-    EXPECT_EQ(Reports(), Texts{});
-    char byte = 0;
-    EXPECT_EQ(m_serial->Read(&byte, 1), 0u);
-    EXPECT_EQ(Reports(),
-              Texts{"CVSerial::Read() - ClearCommError() failed - GetLastError() = 1167\n"});
-}
-
 TEST_F(CSerialTest, DeviceGoneDuringAWriteThatIsHeldUp) {
     Open();
     Block();

@@ -3,7 +3,7 @@
 
 #include "tools/ModemSimulator.h"
 
-#include <string>
+#include <gtest/gtest.h>
 
 namespace modemsim {
 
@@ -34,21 +34,20 @@ class CTestModem {
     std::string Wait(TimeMs duration) {
         const TimeMs end = m_tNow + duration;
         std::string sent;
-        std::optional<TimeMs> due;
-        while ((due = m_Modem.NextDeadline()) && *due <= end) {
-            m_tNow = *due;
+        for (bool isOver = false; !isOver; sent += Read()) {
+            const TimeMs due = m_Modem.NextDeadline().value_or(end + 1);
+            isOver = due > end;
+            m_tNow = std::min(due, end);
             m_Modem.Advance(m_tNow);
-            sent += Read();
         }
-        m_tNow = end;
-        m_Modem.Advance(m_tNow);
-        return sent + Read();
+        return sent;
     }
 
-    std::string Read() {
+    // Reads what there is, piece by piece; a piece is at most this long.
+    std::string Read(std::size_t most = std::string::npos) {
         std::string sent;
         std::string_view ready;
-        while (!(ready = m_Modem.Output(m_tNow)).empty()) {
+        while (!(ready = m_Modem.Output(m_tNow).substr(0, most)).empty()) {
             sent += ready;
             m_Modem.Consume(ready.size(), m_tNow);
         }

@@ -12,7 +12,6 @@ namespace {
 class CTestTermModem : public CTermModem {
   public:
     explicit CTestTermModem(ISerial* serial) { m_pSerial.Reset(serial); }
-    using CVModem::m_dwLastResponse;
 };
 
 constexpr DWORD kMinute = 60000;
@@ -54,19 +53,6 @@ TEST(TermModem, AFullBufferWaitsOutTheTimeWithoutReadingOn) {
     EXPECT_GE(GetTickCount() - start, 50u);
     EXPECT_EQ(response, std::string(1023, 'x'));
     EXPECT_LE(serial.m_nReads, 3);
-}
-
-TEST(TermModem, AnsweredLinesAreSentOnceAfterAFlushAndAPause) {
-    CSubstituteSerial serial;
-    CTestTermModem modem(&serial);
-    serial.m_answer = "\r\nERROR\r\n";
-    modem.m_dwLastResponse = GetTickCount();
-    const DWORD start = modem.m_dwLastResponse;
-    std::string response;
-    EXPECT_TRUE(modem.SendLineWaitFinal("ATX\r", response));
-    EXPECT_EQ(response, "\r\nERROR\r\n");
-    EXPECT_EQ(serial.m_calls, (std::vector<std::string>{"flush 1", "flush 2", "write ATX\r"}));
-    EXPECT_GE(serial.m_dwWriteTick - start, 100u);
 }
 
 } // namespace

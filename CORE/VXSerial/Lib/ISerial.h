@@ -8,9 +8,6 @@
 
 #include "platform/Types.h"
 
-// A window that is to receive notifications.
-using HWND = HANDLE;
-
 inline constexpr DWORD KEEP_SETTING = 0xFFFFFFFF;
 
 inline constexpr DWORD _FLOW_NONE = 0;
@@ -44,6 +41,11 @@ inline constexpr DWORD _NOTIFY_RESUME = 2;
 inline constexpr DWORD _NOTIFY_SUSPEND = 3;
 inline constexpr DWORD _NOTIFY_REARM = 4;
 
+// What the receivers of SetCommNotifyWnd and SetModemMonitorWnd are told; wParam is 0. lParam is
+// the comm events (EV_ bits of platform/CommEvents.h), or the LINE_ bits.
+inline constexpr UINT WM_VXCOMMNOTIFY = 0x0D29;
+inline constexpr UINT WM_VXMODEMMONITOR = 0x0D2A;
+
 inline constexpr IID IID_ISerial = {
     0x6B0E3C51, 0x2F4A, 0x4D7C, {0x9A, 0x1E, 0x5C, 0x70, 0xD2, 0x83, 0xB4, 0x17}};
 
@@ -59,7 +61,7 @@ class ISerial : public IUnknown {
     virtual BOOL IsOpen() = 0;
 
     // Adopts a port handle that was opened elsewhere, in place of what is open. FALSE when the
-    // write thread cannot be started; the handle is then not closed.
+    // threads cannot be started; the handle is then not closed.
     virtual BOOL AttachHandle(HANDLE hPort, BOOL bOverlapped) = 0;
 
     // Gives the port handle up without closing it; INVALID_HANDLE_VALUE when none is open.
@@ -101,10 +103,20 @@ class ISerial : public IUnknown {
     virtual BOOL SetFlowControl(DWORD dwFlowControl) = 0;
     virtual DWORD GetFlowControl() = 0;
 
-    // The receiver of comm events, their control (_NOTIFY_DISABLE to _NOTIFY_REARM, always TRUE),
-    // and the receiver of the line status. The setters return the previous receiver.
+    // The window that is sent WM_VXCOMMNOTIFY while the port is open and notification is enabled;
+    // null for none. A notification follows only when the window has processed the one before.
+    // Returns the previous receiver.
     virtual HWND SetCommNotifyWnd(HWND hWnd) = 0;
+
+    // Switches notification on and off (_NOTIFY_ENABLE, _NOTIFY_DISABLE; at first off), holds it up
+    // and lets it go on as often (_NOTIFY_SUSPEND, _NOTIFY_RESUME), or has the next one sent
+    // although the last one may not have been processed, unless it is held up (_NOTIFY_REARM: after
+    // a receiver that went before it was done). Other codes do nothing. Always TRUE.
+    // _NOTIFY_REARM waits for no other operation.
     virtual BOOL CommNotifyControl(DWORD dwCode) = 0;
+
+    // The window that is posted WM_VXMODEMMONITOR once a second while the port is open; null for
+    // none. Returns the previous receiver.
     virtual HWND SetModemMonitorWnd(HWND hWnd) = 0;
 
   protected:

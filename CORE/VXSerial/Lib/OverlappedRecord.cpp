@@ -10,6 +10,11 @@ COverlappedRecord& COverlappedRecord::ForWrites() {
     return record;
 }
 
+COverlappedRecord& COverlappedRecord::ForEvents() {
+    static COverlappedRecord record;
+    return record;
+}
+
 OVERLAPPED* COverlappedRecord::Get() {
     if (!m_hEvent) {
         m_hEvent.Reset(CreateEventA(nullptr, TRUE, TRUE, nullptr));

@@ -10,24 +10,28 @@
 #include <memory>
 #include <new>
 
-namespace {
-
-constexpr DWORD THREAD_END_TIMEOUT = 30000;
-
-} // namespace
-
-// Threads start in the order write, comm-event, modem-monitor, and stop in the reverse order; the
-// latter two need a receiver window.
 BOOL CVSerial::StartThreads() {
     DEBUG_ASSERT(IsOpen());
     if (!StartWriteThread()) {
         DebugReport("CVSerial::StartThreads() - Failure starting the write thread");
         return FALSE;
     }
+    if (!StartCommNotifyThread()) {
+        DEBUG_VERIFY(StopWriteThread());
+        return FALSE;
+    }
+    if (!StartModemMonitorThread()) {
+        DebugReport("CVSerial::StartThreads() - Failure starting the modem monitor thread");
+        DEBUG_VERIFY(StopCommNotifyThread());
+        DEBUG_VERIFY(StopWriteThread());
+        return FALSE;
+    }
     return TRUE;
 }
 
 BOOL CVSerial::StopThreads() {
+    DEBUG_VERIFY(StopModemMonitorThread());
+    DEBUG_VERIFY(StopCommNotifyThread());
     DEBUG_VERIFY(StopWriteThread());
     m_hProgressEvent.Reset();
     return TRUE;

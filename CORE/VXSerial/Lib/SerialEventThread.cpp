@@ -1,0 +1,198 @@
+// The comm-event thread of CVSerial: tells a window of bytes, carrier changes and errors.
+#include "CORE/VXSerial/Lib/OverlappedRecord.h"
+#include "CORE/VXSerial/Lib/Serial.h"
+
+#include "diagnostics/DebugReport.h"
+#include "platform/CommEvents.h"
+#include "platform/Error.h"
+
+#include <utility>
+
+namespace {
+
+// After two waits on the port that failed at once: it may go on like that, with a report each.
+constexpr DWORD PAUSE_AFTER_FAILURES = 1000;
+
+// The send as reports have always shown it; here the object's address needs a wider type.
+constexpr LPCSTR SEND_EXPRESSION =
+    "SendMessageCallback(m_hCommNotifyWnd, WM_VXCOMMNOTIFY, 0, dwEvent, "
+    "(SENDASYNCPROC)SendAsyncProc, (DWORD)this)";
+
+} // namespace
+
+BOOL CVSerial::StartCommNotifyThread() {
+    if (!IsOpen() || !m_bCommNotifyEnabled || !IsWindow(m_hCommNotifyWnd) || m_hCommNotifyThread)
+        return TRUE;
+    if (!CreateCommNotifyEvents())
+        return FALSE;
+    m_bCommNotifyStopping = false;
+    m_hCommNotifyThread.Reset(
+        CreateThread(nullptr, 0, CommNotifyThreadProc, this, CREATE_SUSPENDED, nullptr));
+    if (!m_hCommNotifyThread) {
+        DebugReport("CVSerial::StartCommNotifyThread() - CreateThread() failed - "
+                    "GetLastError() = %ld",
+                    static_cast<long>(GetLastError()));
+        const CLock lock(m_NotifyCritSec);
+        DEBUG_VERIFY(CloseHandle(m_hCommNotifyEnableEvent));
+        m_hCommNotifyEnableEvent.Forget();
+        DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
+        m_hCommNotifyThreadEndEvent.Forget();
+        return FALSE;
+    }
+    DEBUG_VERIFY(SetThreadPriority(m_hCommNotifyThread, THREAD_PRIORITY_BELOW_NORMAL));
+    DEBUG_VERIFY(ResumeThread(m_hCommNotifyThread) != 0xFFFFFFFF);
+    return TRUE;
+}
+
+BOOL CVSerial::CreateCommNotifyEvents() {
+    DEBUG_ASSERT(!m_hCommNotifyThreadEndEvent);
+    m_hCommNotifyThreadEndEvent.Reset(CreateEventA(nullptr, FALSE, FALSE, nullptr));
+    if (!m_hCommNotifyThreadEndEvent) {
+        DebugReport("CVSerial::StartCommNotifyThread() - CreateEvent() failed - "
+                    "GetLastError() = %ld",
+                    static_cast<long>(GetLastError()));
+        return FALSE;
+    }
+    const CLock lock(m_NotifyCritSec);
+    DEBUG_ASSERT(!m_hCommNotifyEnableEvent);
+    m_hCommNotifyEnableEvent.Reset(CreateEventA(nullptr, TRUE, TRUE, nullptr));
+    if (!m_hCommNotifyEnableEvent) {
+        DebugReport("CVSerial::StartCommNotifyThread() - CreateEvent() failed - "
+                    "GetLastError() = %ld",
+                    static_cast<long>(GetLastError()));
+        DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
+        m_hCommNotifyThreadEndEvent.Forget();
+        return FALSE;
+    }
+    return TRUE;
+}
+
+BOOL CVSerial::StopCommNotifyThread() {
+    if (!m_hCommNotifyThread)
+        return TRUE;
+    DEBUG_ASSERT(m_hCommNotifyThreadEndEvent);
+    // First, for a thread that is about to set the mask which is cleared below.
+    m_bCommNotifyStopping = true;
+    DEBUG_VERIFY(SetEvent(m_hCommNotifyThreadEndEvent));
+    DEBUG_VERIFY(SetCommMask(m_hPort, 0));
+    if (WaitForSingleObject(m_hCommNotifyThread, THREAD_END_TIMEOUT) != WAIT_OBJECT_0) {
+        DebugReport("CVSerial::StopCommNotifyThread() - Forcibly terminating the comm event "
+                    "thread");
+        DEBUG_VERIFY(TerminateThread(m_hCommNotifyThread, 0));
+    }
+    DEBUG_VERIFY(CloseHandle(m_hCommNotifyThread));
+    m_hCommNotifyThread.Forget();
+    const CLock lock(m_NotifyCritSec);
+    DEBUG_VERIFY(CloseHandle(m_hCommNotifyEnableEvent));
+    m_hCommNotifyEnableEvent.Forget();
+    DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
+    m_hCommNotifyThreadEndEvent.Forget();
+    return TRUE;
+}
+
+DWORD CVSerial::CommNotifyThreadProc(LPVOID pObject) {
+    DEBUG_ASSERT(pObject);
+    return pObject ? static_cast<CVSerial*>(pObject)->RunCommNotifyThread() : 0;
+}
+
+DWORD CVSerial::RunCommNotifyThread() {
+    bool hasCarrier = HasCarrier();
+    bool hasFailed = false;
+    while (AwaitNotifyEnabled()) {
+        const DWORD dwEvent = FindCommEvent(hasCarrier);
+        if (dwEvent == 0) {
+            if (std::exchange(hasFailed, true) &&
+                WaitForSingleObject(m_hCommNotifyThreadEndEvent, PAUSE_AFTER_FAILURES) ==
+                    WAIT_OBJECT_0)
+                return 0;
+            continue;
+        }
+        hasFailed = false;
+        // A change that is not told now is found again, so it is remembered only when it is told.
+        const bool hasCarrierNow = (dwEvent & EV_RLSD) != 0 ? HasCarrier() : hasCarrier;
+        if (SendCommNotify(dwEvent))
+            hasCarrier = hasCarrierNow;
+    }
+    return 0;
+}
+
+// Waits until a notification may be sent. False when the thread is to end. Retrieving messages is
+// also what runs SendAsyncProc.
+bool CVSerial::AwaitNotifyEnabled() {
+    const HANDLE waitSet[] = {m_hCommNotifyThreadEndEvent, m_hCommNotifyEnableEvent};
+    for (;;) {
+        const DWORD result = MsgWaitForMultipleObjects(2, waitSet, FALSE, INFINITE, QS_ALLINPUT);
+        if (result == WAIT_OBJECT_0 + 1)
+            return true;
+        if (result == WAIT_OBJECT_0)
+            return false;
+        if (result != WAIT_OBJECT_0 + 2) {
+            DebugReport("CVSerial::CommNotifyThreadProc() - MsgWaitForMultipleObject() returned "
+                        "unexpected valued %ld",
+                        static_cast<long>(static_cast<LONG>(result)));
+            return false;
+        }
+        MSG message = {};
+        PeekMessageA(&message, platform::NO_WINDOW, 0, 0, PM_REMOVE);
+    }
+}
+
+bool CVSerial::HasCarrier() {
+    DWORD dwStatus = 0;
+    DEBUG_VERIFY(GetCommModemStatus(m_hPort, &dwStatus));
+    return (dwStatus & MS_RLSD_ON) != 0;
+}
+
+// The next event: what can be seen now, else what the driver reports. 0 when the wait for that
+// failed, or was ended for the thread's end.
+DWORD CVSerial::FindCommEvent(bool hadCarrier) {
+    DWORD dwEvent = 0;
+    COMSTAT sComStat = {};
+    DEBUG_VERIFY(ClearCommError(m_hPort, &dwEvent, &sComStat));
+    if (HasCarrier() != hadCarrier)
+        return EV_RLSD;
+    return sComStat.cbInQue != 0 ? EV_RXCHAR : WaitForCommEvent(hadCarrier);
+}
+
+DWORD CVSerial::WaitForCommEvent(bool hadCarrier) {
+    DEBUG_VERIFY(SetCommMask(m_hPort, EV_RXCHAR | EV_RLSD | EV_ERR));
+    if (m_bCommNotifyStopping)
+        return 0;
+    // The driver reports the changes from the setting of the mask on; this is one from before.
+    if (HasCarrier() != hadCarrier)
+        return EV_RLSD;
+    if (m_bOverlapped)
+        return WaitOverlapped();
+    DWORD dwEvent = 0;
+    // The report carries this very text.
+    DEBUG_VERIFY(::WaitCommEvent(m_hPort, &dwEvent, NULL)); // NOLINT(*-use-nullptr)
+    return dwEvent;
+}
+
+DWORD CVSerial::WaitOverlapped() {
+    COverlappedRecord& record = COverlappedRecord::ForEvents();
+    DWORD dwEvent = 0;
+    DWORD dwTransferred = 0;
+    if (!WaitCommEvent(m_hPort, &dwEvent, record.Get())) {
+        if (GetLastError() != ERROR_IO_PENDING)
+            DebugReport("CVSerial::CommNotifyThreadProc() - WaitCommEvent() failed");
+        else if (!GetOverlappedResult(m_hPort, record.Get(), &dwTransferred, TRUE))
+            DebugReport("CVSerial::CommNotifyThreadProc() - GetOverlappedResult() failed - "
+                        "GetLastError() = %ld",
+                        static_cast<long>(GetLastError()));
+    }
+    record.Reset();
+    return dwEvent;
+}
+
+// False when notifications have been suspended meanwhile. A window that is gone counts as told.
+bool CVSerial::SendCommNotify(DWORD dwEvent) {
+    const CLock lock(m_NotifyCritSec);
+    if (WaitForSingleObject(m_hCommNotifyEnableEvent, 0) != WAIT_OBJECT_0)
+        return false;
+    DEBUG_VERIFY(ResetEvent(m_hCommNotifyEnableEvent));
+    if (!SendMessageCallbackA(m_hCommNotifyWnd, WM_VXCOMMNOTIFY, 0, dwEvent, SendAsyncProc,
+                              reinterpret_cast<ULONG_PTR>(this)))
+        diagnostics::ReportFailedVerify(__LINE__, kReportFile, SEND_EXPRESSION);
+    return true;
+}

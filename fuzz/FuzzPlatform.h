@@ -1,0 +1,43 @@
+// The platform of the fuzzers: the calls that the script engine makes of it, without files, time, a
+// console or players.
+//
+// Stands in for platform/, the serial library and the module trace, whose names it defines: linked
+// before them, it keeps them out of the program. One run at a time, on one thread; there is no
+// state that outlives a run. A run that breaks one of the platform's rules (a handle that is used
+// after its end, or never closed) ends the program as any other finding does.
+#pragma once
+
+#include "platform/Types.h"
+
+#include <span>
+
+namespace fuzz {
+
+// The only path that leads to the script.
+inline constexpr LPCSTR SCRIPT_PATH = "script";
+
+// What the input is made of: the script, which ends at its first 0xFF byte for the engine too, and
+// behind that what the device sends. The script keeps the whole input, so that what the engine does
+// behind an early end is tried as well.
+std::span<const BYTE> DeviceBytesOf(std::span<const BYTE> input);
+
+// A run begins: the clock stands at 0, the input is the script. Any other path that is not empty
+// leads to a file with the device's bytes.
+void BeginRun(std::span<const BYTE> input);
+
+// A run is over: no handle may be open any more, and at most one error have been shown.
+void EndRun();
+
+// Lets the time pass that a real device would have taken.
+void PassTime(DWORD milliseconds);
+
+// What dispatching a message does until the next call; null: nothing.
+void SetDispatch(void (*dispatch)());
+
+// The handle of the script, for who reads it without an engine. Closed by CloseHandle.
+HANDLE OpenScript();
+
+// Ends the program, as a finding, unless the condition holds.
+void Require(bool condition);
+
+} // namespace fuzz

@@ -1,0 +1,22 @@
+#include "script/BuiltinSupport.h"
+
+#include <cstring>
+
+namespace builtins {
+
+bool TakeText(CVScript& script, const ScriptWord& argument, std::string& text) {
+    text = script.ReadText(argument);
+    return !script.HasError();
+}
+
+ScriptWord KeepResult(CVScript& script, EResultBuffer buffer, std::string_view text,
+                      std::size_t position) {
+    const std::string_view kept = text.substr(0, MAX_RESULT_LENGTH);
+    CResultBuffers::Buffer& storage = script.Results()[buffer];
+    if (!kept.empty())
+        std::memmove(storage.data(), kept.data(), kept.size());
+    storage[kept.size()] = '\0';
+    return ScriptWord::Text(CScriptMemory::ResultLocation(buffer) + static_cast<DWORD>(position));
+}
+
+} // namespace builtins

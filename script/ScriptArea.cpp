@@ -1,0 +1,25 @@
+#include "script/ScriptArea.h"
+
+#include <new>
+
+bool CScriptArea::Reserve() {
+    m_bytes.reset(new (std::nothrow) BYTE[CAPACITY]());
+    m_marks.reset(new (std::nothrow) BYTE[CAPACITY]());
+    m_dwUsed = FIRST_USED;
+    m_pLimit = FIRST_USED;
+    m_pHeap = START;
+    return m_bytes != nullptr && m_marks != nullptr;
+}
+
+void CScriptArea::Release() {
+    m_bytes.reset();
+    m_marks.reset();
+}
+
+bool CScriptArea::GrowArea(DWORD steps) {
+    if (steps > (CAPACITY - m_dwUsed) / STEP)
+        return false;
+    m_dwUsed += steps * STEP;
+    m_pLimit = START + m_dwUsed - READ_BUFFER;
+    return true;
+}

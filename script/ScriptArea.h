@@ -1,0 +1,119 @@
+// CScriptArea: the region that holds the file's read buffer, the token stream and, above it, the
+// value heap.
+//
+// One for each run, used from the script's thread. A block that never moves, reserved once; what
+// grows is the part that is used. Positions are offsets in it. Beside each byte stands a mark, so
+// that a word in the heap carries whether it refers to text: the marks of its four bytes are then
+// 1, 2, 3, 4. Whatever overwrites one of the bytes takes the mark away.
+#pragma once
+
+#include "platform/Types.h"
+#include "script/ScriptValue.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+class CScriptArea {
+  public:
+    static constexpr DWORD CAPACITY = 61440;
+    static constexpr DWORD READ_BUFFER = 512; // at its front
+    static constexpr DWORD START = READ_BUFFER;
+    // What every text buffer holds: 255 characters and a NUL.
+    static constexpr DWORD TEXT_BUFFER = 256;
+
+    // Takes the memory, all zero; FALSE when there is none.
+    bool Reserve();
+    void Release();
+
+    // Adds steps of 1024 bytes to the used part; FALSE, and nothing added, beyond the capacity.
+    bool GrowArea(DWORD steps);
+
+    // Whether so near to the end of the used part that it is time to grow.
+    bool IsNearLimit(DWORD position) const { return position >= m_pLimit - MARGIN; }
+    DWORD Limit() const { return m_pLimit; }
+
+    // The heap's top, from which Alloc takes.
+    DWORD Heap() const { return m_pHeap; }
+    void SetHeap(DWORD position) { m_pHeap = position; }
+
+    // Takes storage from the heap, all zero, and returns its position; 0, and nothing taken, when
+    // the region cannot grow that far. A count is made even.
+    DWORD Alloc(DWORD count) {
+        const DWORD start = AllocRaw(count);
+        if (start != 0)
+            Clear(start, count);
+        return start;
+    }
+    // The same, contents left as they are, so that a text that stands there can still be copied.
+    DWORD AllocRaw(DWORD count) {
+        const DWORD start = m_pHeap;
+        const DWORD size = (count + 1) & ~DWORD{1};
+        if (size >= CAPACITY || !MakeRoom(start + size, size))
+            return 0;
+        m_pHeap = start + size;
+        return start;
+    }
+    void Clear(DWORD position, DWORD count) {
+        std::memset(Bytes() + position, 0, count);
+        Unmark(position, count);
+    }
+
+    BYTE* Bytes() { return m_bytes.get(); }
+    const BYTE* Bytes() const { return m_bytes.get(); }
+
+    // Words and characters at a position that the caller has checked: all four bytes are below
+    // CAPACITY.
+    ScriptWord LoadWord(DWORD position) const {
+        ScriptWord word;
+        std::memcpy(&word.value, m_bytes.get() + position, sizeof(word.value));
+        DWORD marks = 0;
+        std::memcpy(&marks, m_marks.get() + position, sizeof(marks));
+        word.text = marks == TEXT_MARKS;
+        return word;
+    }
+    void StoreWord(DWORD position, ScriptWord word) {
+        std::memcpy(m_bytes.get() + position, &word.value, sizeof(word.value));
+        const DWORD marks = word.text ? TEXT_MARKS : 0;
+        std::memcpy(m_marks.get() + position, &marks, sizeof(marks));
+    }
+    void StoreCharacter(DWORD position, BYTE character) {
+        m_bytes[position] = character;
+        m_marks[position] = 0;
+    }
+
+    // Copies a text, cut at 255 characters and to the room given, into the heap; it may overlap
+    // what it is copied to.
+    void StoreText(DWORD position, std::string_view text, DWORD room = TEXT_BUFFER - 1) {
+        const DWORD length = std::min(static_cast<DWORD>(text.size()), room);
+        if (length > 0)
+            std::memmove(Bytes() + position, text.data(), length);
+        m_bytes[position + length] = 0;
+        Unmark(position, length + 1);
+    }
+    // Moves a text buffer, its marks left behind.
+    void MoveBuffer(DWORD target, DWORD source) {
+        std::memmove(Bytes() + target, Bytes() + source, TEXT_BUFFER);
+        Unmark(target, TEXT_BUFFER);
+    }
+
+  private:
+    static constexpr DWORD STEP = 1024;
+    static constexpr DWORD FIRST_USED = READ_BUFFER + STEP;
+    static constexpr DWORD MARGIN = 64;
+    // 1, 2, 3, 4 in memory, on machines of either byte order.
+    static constexpr BYTE MARK_BYTES[4] = {1, 2, 3, 4};
+    static constexpr DWORD TEXT_MARKS = __builtin_bit_cast(DWORD, MARK_BYTES);
+
+    bool MakeRoom(DWORD top, DWORD count) {
+        return !IsNearLimit(top) || GrowArea(count / STEP + 1);
+    }
+    void Unmark(DWORD position, DWORD count) { std::memset(m_marks.get() + position, 0, count); }
+
+    std::unique_ptr<BYTE[]> m_bytes;
+    std::unique_ptr<BYTE[]> m_marks;
+    DWORD m_dwUsed = FIRST_USED;
+    DWORD m_pLimit = FIRST_USED;
+    DWORD m_pHeap = START;
+};

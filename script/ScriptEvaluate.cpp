@@ -1,0 +1,179 @@
+// Expressions: their value, assignment, loading and storing.
+#include "script/Script.h"
+
+#include "script/OperatorLevels.h"
+#include "script/ScriptDepth.h"
+
+// Most operands are a literal or a variable by itself: its value is taken at once. False, and
+// nothing is consumed, where a call, a subscript or an assignment follows, and for all else.
+bool CVScript::TakePlain(ScriptValue& record) {
+    const BYTE code = m_Reader.Peek();
+    if (!HasInlineText(code))
+        return false;
+    const auto [payload, behind] = m_Reader.PeekText();
+    const DWORD next = m_Reader.PositionOfCode(behind);
+    const BYTE follower = m_Reader.CodeAt(next);
+    if (follower == '(' || follower == '[' || follower == '=')
+        return false;
+    if (code == TOKEN_NUMBER) {
+        record.word = ScriptWord::Integer(payload);
+    } else if (code == TOKEN_NAME) {
+        const DWORD symbol = m_Symbols.FindVisible(static_cast<DWORD>(payload), record.floor);
+        const ScriptSymbol& entry = m_Symbols[symbol];
+        if (entry.size == SIZE_FUNCTION || entry.elements > 0)
+            return false;
+        record.word = entry.word;
+        record.size = entry.size;
+        record.depth = entry.depth;
+    } else {
+        record.word = ScriptWord::Text(CScriptMemory::AreaLocation(m_Reader.Position() + 1));
+    }
+    if (m_nSkip > 0)
+        record.word = ScriptWord::Integer(1);
+    m_Reader.Seek(next);
+    return true;
+}
+
+// Most expressions are two plain integers with an operator between them. False, and nothing is
+// consumed, for all else.
+bool CVScript::EvalPlainPair(ScriptValue& left) {
+    if (left.word.text)
+        return false;
+    const BYTE operation = m_Reader.Peek();
+    const DWORD start = m_Reader.Position();
+    m_Reader.Take();
+    ScriptValue right(left.floor);
+    if (!TakePlain(right) || right.word.text || IsOperatorNext(LOOSEST_LEVEL)) {
+        m_Reader.Seek(start);
+        return false;
+    }
+    Apply(left, operation, right, start + 1);
+    return true;
+}
+
+ScriptWord CVScript::Evaluate(DWORD floor) {
+    if (HasError())
+        return {};
+    ScriptValue record(floor);
+    if (!TakePlain(record)) {
+        EvalAssign(record);
+        if (!HasError())
+            LoadValue(record);
+    } else if (IsOperatorNext(LOOSEST_LEVEL) && !EvalPlainPair(record)) {
+        EvalOperators(record, LOOSEST_LEVEL);
+    }
+    return HasError() ? ScriptWord{} : record.word;
+}
+
+// A statement that does no more than assign to a plain variable. False, and nothing is consumed,
+// for any other.
+bool CVScript::AssignPlain(DWORD floor) {
+    const auto [payload, behind] = m_Reader.PeekText();
+    const DWORD position = m_Reader.PositionOfCode(behind);
+    if (m_Reader.CodeAt(position) != '=' || m_nSkip > 0)
+        return false;
+    ScriptValue target(floor);
+    target.symbol = m_Symbols.FindVisible(static_cast<DWORD>(payload), floor);
+    if (m_Symbols[target.symbol].size == SIZE_FUNCTION || m_Symbols[target.symbol].elements > 0)
+        return false;
+    m_Reader.Seek(position + 1);
+    const ScriptWord word = Evaluate(floor);
+    if (HasError())
+        return true;
+    target.isLocation = true;
+    Assign(target, word, position);
+    return true;
+}
+
+// The first operand stays a place, which "=" may assign to.
+void CVScript::EvalAssign(ScriptValue& record) {
+    EvalUnary(record);
+    if (!HasError() && IsOperatorNext(LOOSEST_LEVEL))
+        EvalOperators(record, LOOSEST_LEVEL);
+    if (!HasError() && m_Reader.Peek() == '=')
+        EvalAssignment(record);
+}
+
+void CVScript::EvalAssignment(ScriptValue& target) {
+    const CScriptDepth depth(m_nDepth, m_Report);
+    if (!depth)
+        return;
+    do {
+        const DWORD position = m_Reader.Position();
+        m_Reader.Take();
+        const ScriptWord word = Evaluate(target.floor);
+        if (!HasError() && m_nSkip == 0)
+            Assign(target, word, position);
+    } while (!HasError() && m_Reader.Peek() == '=');
+}
+
+// Text is copied, so that no two variables share one. After a dereference the reference itself is
+// stored, unless it would be dead before the variable is.
+void CVScript::Assign(const ScriptValue& target, ScriptWord word, DWORD position) {
+    const bool copies = !m_bNoCopy;
+    m_bNoCopy = false;
+    if (!word.text || !target.isLocation)
+        return StoreValue(target, word, position);
+    const DWORD variable = VariableOf(target);
+    const DWORD home = variable != 0 ? m_Symbols[variable].home : target.home;
+    if (copies || (home != 0 && variable != 0 && DiesBefore(variable, word)))
+        return AssignText(target, word, home, position);
+    m_bTextStored = true;
+    StoreValue(target, word, position);
+}
+
+// The variable that a location is the value of; 0: none, as for an array and its elements.
+DWORD CVScript::VariableOf(const ScriptValue& target) const {
+    const DWORD symbol =
+        target.symbol != 0 ? target.symbol : m_Memory.FindVariable(target.word.Location());
+    return symbol == 0 || m_Symbols[symbol].elements > 0 ? 0 : symbol;
+}
+
+void CVScript::AssignText(const ScriptValue& target, ScriptWord word, DWORD home, DWORD position) {
+    word = CopyText(word, home);
+    if (HasError())
+        return;
+    // A call or a condition may end before the block that the variable stands in.
+    if (home == 0 && target.symbol != 0)
+        m_Kept.push_back(target.symbol);
+    m_bTextStored = m_bTextStored || home == 0;
+    StoreValue(target, word, position);
+}
+
+// What is skipped has a value without being looked at.
+void CVScript::LoadSkipped(ScriptValue& record) {
+    record.word = ScriptWord::Integer(1);
+    record.isLocation = false;
+}
+
+void CVScript::LoadLocation(ScriptValue& record) {
+    const DWORD location = record.word.Location();
+    if (record.size == SIZE_CHARACTER && record.depth == 0) {
+        std::int32_t character = 0;
+        if (!m_Memory.LoadCharacter(location, character))
+            ReportError(ERR_POINTER);
+        record.word = ScriptWord::Integer(character);
+    } else if (!m_Memory.LoadWord(location, record.word)) {
+        ReportError(ERR_POINTER);
+    }
+}
+
+void CVScript::StoreValue(const ScriptValue& record, ScriptWord word, DWORD position) {
+    if (!record.isLocation || record.size == SIZE_FUNCTION)
+        return ReportAt(ERR_SYNTAX, position);
+    if (record.symbol != 0) {
+        m_Symbols[record.symbol].word = word;
+        return;
+    }
+    const DWORD location = record.word.Location();
+    const bool isCharacter = record.size == SIZE_CHARACTER && record.depth == 0;
+    const bool isStored = isCharacter
+                              ? m_Memory.StoreCharacter(location, static_cast<BYTE>(word.value))
+                              : m_Memory.StoreWord(location, word);
+    if (!isStored)
+        ReportAt(ERR_POINTER, position);
+}
+
+void CVScript::ReportAt(DWORD error, DWORD position) {
+    ReportError(error, {}, LineAt(position));
+}

@@ -1,0 +1,35 @@
+#include "script/ScriptFile.h"
+
+#include "platform/File.h"
+
+BYTE CScriptFile::ReadChar() {
+    if (m_pushedBack > 0)
+        return m_chPushBack[--m_pushedBack];
+    if (m_nReadPos < m_nReadCount)
+        return m_buffer[m_nReadPos++];
+    // A buffer that was not filled was the last one.
+    if (m_nReadCount < BUFFER_SIZE)
+        return END_OF_FILE;
+    m_nReadPos = 0;
+    m_nReadCount = 0;
+    // A pipe gives what it has; only nothing is its end.
+    DWORD count = 0;
+    while (
+        m_nReadCount < BUFFER_SIZE &&
+        ReadFile(m_hFile, m_buffer + m_nReadCount, BUFFER_SIZE - m_nReadCount, &count, nullptr) &&
+        count > 0)
+        m_nReadCount += count;
+    return m_nReadCount == 0 ? END_OF_FILE : m_buffer[m_nReadPos++];
+}
+
+BYTE CScriptFile::ReadCharSkipComment() {
+    const BYTE character = ReadChar();
+    if (character != '\'')
+        return character;
+    BYTE skipped = ReadChar();
+    while (skipped != '\n' && skipped != END_OF_FILE)
+        skipped = ReadChar();
+    PushBack(skipped);
+    m_endedInComment = skipped == END_OF_FILE;
+    return m_endedInComment ? ReadChar() : BYTE{'\r'};
+}

@@ -1,0 +1,121 @@
+#include "script/ScriptMemory.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr DWORD kWordSize = 4;
+
+} // namespace
+
+CScriptMemory::Span CScriptMemory::Find(DWORD location) const {
+    if (const DWORD position = AreaPosition(location); position >= CScriptArea::START)
+        return {m_area.Bytes() + position, CScriptArea::CAPACITY - position,
+                position >= m_streamEnd};
+
+    const DWORD result = (location - RESULT_BASE) / RESULT_STRIDE;
+    const DWORD inResult = (location - RESULT_BASE) % RESULT_STRIDE;
+    if (location >= RESULT_BASE && result < CResultBuffers::BUFFERS &&
+        inResult < CResultBuffers::BUFFER_SIZE) {
+        CResultBuffers::Buffer& buffer = m_results[static_cast<EResultBuffer>(result)];
+        return {reinterpret_cast<BYTE*>(buffer.data()) + inResult,
+                static_cast<DWORD>(buffer.size()) - inResult, true};
+    }
+
+    const DWORD response = (location - RESPONSE_BASE) / RESPONSE_STRIDE;
+    const DWORD inResponse = (location - RESPONSE_BASE) % RESPONSE_STRIDE;
+    if (location < RESPONSE_BASE || response >= CResultBuffers::RESPONSES)
+        return {};
+    // The NUL behind it can be read as well.
+    std::string& text = m_results[static_cast<EResponse>(response)];
+    if (inResponse > text.size())
+        return {};
+    return {reinterpret_cast<BYTE*>(text.data()) + inResponse,
+            static_cast<DWORD>(text.size()) + 1 - inResponse, false};
+}
+
+DWORD CScriptMemory::FindVariable(DWORD location) const {
+    const DWORD distance = location - SYMBOL_BASE;
+    const DWORD symbol = distance / SYMBOL_STRIDE;
+    if (distance % SYMBOL_STRIDE != 0 || symbol == 0 || symbol > m_symbols.Top())
+        return 0;
+    return m_symbols[symbol].size == SIZE_FUNCTION ? 0 : symbol;
+}
+
+bool CScriptMemory::LoadWord(DWORD location, ScriptWord& word) const {
+    if (const DWORD symbol = FindVariable(location); symbol != 0) {
+        word = m_symbols[symbol].word;
+        return true;
+    }
+    const Span span = Find(location);
+    if (span.count < kWordSize)
+        return false;
+    if (const DWORD position = AreaPosition(location); position != 0) {
+        word = m_area.LoadWord(position);
+        return true;
+    }
+    word.text = false;
+    std::memcpy(&word.value, span.bytes, kWordSize);
+    return true;
+}
+
+bool CScriptMemory::LoadCharacter(DWORD location, std::int32_t& character) const {
+    const Span span = Find(location);
+    if (span.count == 0)
+        return false;
+    character = *span.bytes < 0x80 ? *span.bytes : *span.bytes - 0x100;
+    return true;
+}
+
+bool CScriptMemory::StoreWord(DWORD location, ScriptWord word) {
+    if (const DWORD symbol = FindVariable(location); symbol != 0) {
+        m_symbols[symbol].word = word;
+        return true;
+    }
+    const Span span = Find(location);
+    const DWORD position = AreaPosition(location);
+    if (!span.isWritable || span.count < kWordSize || position == 0)
+        return false;
+    m_area.StoreWord(position, word);
+    return true;
+}
+
+bool CScriptMemory::StoreCharacter(DWORD location, BYTE character) {
+    const Span span = Find(location);
+    if (!span.isWritable)
+        return false;
+    if (const DWORD position = AreaPosition(location); position != 0)
+        m_area.StoreCharacter(position, character);
+    else
+        *span.bytes = character;
+    return true;
+}
+
+bool CScriptMemory::ReadText(DWORD location, std::string_view& text) const {
+    const Span span = Find(location);
+    if (span.count == 0)
+        return false;
+    const void* end = std::memchr(span.bytes, 0, span.count);
+    const DWORD length = end == nullptr
+                             ? span.count
+                             : static_cast<DWORD>(static_cast<const BYTE*>(end) - span.bytes);
+    text = {reinterpret_cast<const char*>(span.bytes), length};
+    return true;
+}
+
+bool CScriptMemory::WriteText(DWORD location, std::string_view text) {
+    const Span span = Find(location);
+    if (!span.isWritable)
+        return false;
+    const DWORD room = std::min(span.count, CScriptArea::TEXT_BUFFER) - 1;
+    const DWORD length = std::min(static_cast<DWORD>(text.size()), room);
+    if (const DWORD position = AreaPosition(location); position != 0) {
+        m_area.StoreText(position, text, length);
+        return true;
+    }
+    if (length > 0)
+        std::memmove(span.bytes, text.data(), length);
+    span.bytes[length] = 0;
+    return true;
+}

@@ -1,0 +1,312 @@
+#include "script/Tokenizer.h"
+
+#include "script/KeywordTable.h"
+#include "script/NibbleText.h"
+#include "script/TokenCodes.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr bool IsDigit(BYTE character) {
+    return character >= '0' && character <= '9';
+}
+
+constexpr bool IsLetter(BYTE character) {
+    const BYTE lower = character | 0x20;
+    return lower >= 'a' && lower <= 'z';
+}
+
+constexpr bool IsNameStart(BYTE character) {
+    return IsLetter(character) || character == '_' || character == ':' || character == '#' ||
+           character == '$';
+}
+
+constexpr bool IsWordCharacter(BYTE character) {
+    return IsNameStart(character) || IsDigit(character);
+}
+
+// 16 for what is no hexadecimal digit.
+constexpr BYTE HexValue(BYTE character) {
+    if (IsDigit(character))
+        return static_cast<BYTE>(character - '0');
+    const BYTE lower = character | 0x20;
+    return lower >= 'a' && lower <= 'f' ? static_cast<BYTE>(lower - 'a' + 10) : BYTE{16};
+}
+
+constexpr std::string_view kEscapes = "ntfabrv\"'?\\";
+constexpr std::string_view kEscaped = "\n\t\f\a\b\r\v\"'?\\";
+
+// Two characters that are one operator.
+struct PairRow {
+    BYTE first;
+    BYTE second;
+    BYTE code;
+};
+constexpr std::array<PairRow, 3> kPairs = {{
+    {'<', '>', TOKEN_NE},
+    {'<', '=', TOKEN_LE},
+    {'>', '=', TOKEN_GE},
+}};
+
+} // namespace
+
+// What a keyword does to the blocks around it.
+struct CTokenizer::BlockRule {
+    enum class Nesting : BYTE { Nothing, Push, Pop };
+
+    BYTE code;
+    Nesting nesting;
+    ENestKind kind;
+    bool closesBlock;
+    bool opensBlock; // at the end of its line
+};
+
+bool CTokenizer::ApplyBlockRule(BYTE code) {
+    using enum BlockRule::Nesting;
+    static constexpr std::array<BlockRule, 13> kRules = {{
+        {TOKEN_IF, Push, NEST_IF, false, true},
+        {TOKEN_ELSEIF, Nothing, NEST_IF, true, true},
+        {TOKEN_ELSE, Nothing, NEST_IF, true, true},
+        {TOKEN_CASE, Nothing, NEST_SELECT, true, true},
+        {TOKEN_FOR, Push, NEST_FOR, false, true},
+        {TOKEN_WHILE, Push, NEST_WHILE, false, true},
+        {TOKEN_SELECT, Push, NEST_SELECT, false, true},
+        {TOKEN_FUNCTION, Push, NEST_FUNCTION, false, true},
+        {TOKEN_ENDIF, Pop, NEST_IF, true, false},
+        {TOKEN_NEXT, Pop, NEST_FOR, true, false},
+        {TOKEN_WEND, Pop, NEST_WHILE, true, false},
+        {TOKEN_ENDSELECT, Pop, NEST_SELECT, true, false},
+        {TOKEN_ENDFUNCTION, Pop, NEST_FUNCTION, true, false},
+    }};
+    const auto* rule = std::ranges::find(kRules, code, &BlockRule::code);
+    if (rule == kRules.end())
+        return true;
+    CNestStack& stack = m_stacks[rule->kind];
+    const bool isNested =
+        rule->nesting == Nothing || (rule->nesting == Push ? stack.Push(m_nLine) : stack.Pop());
+    if (!isNested)
+        return Fail(ERR_IF + rule->kind);
+    if (code == TOKEN_ELSEIF)
+        stack.m_bEquality = true;
+    if (rule->opensBlock)
+        m_isBracePending = true;
+    if (rule->closesBlock) {
+        m_area.Bytes()[m_pPos - 1] = '}';
+        ++m_pPos;
+    }
+    return true;
+}
+
+CTokenizer::CTokenizer(HANDLE file, CScriptArea& area, CScriptReport& report)
+    : m_area(area), m_report(report), m_file(file, area.Bytes()) {
+    static_assert(CScriptFile::BUFFER_SIZE == CScriptArea::READ_BUFFER);
+    m_report.SetLineSource(this);
+}
+
+bool CTokenizer::Tokenize() {
+    BYTE code = 0;
+    while (code != TOKEN_EOF) {
+        if (m_area.IsNearLimit(m_pPos) && !m_area.GrowArea(1)) {
+            m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::NO_LINE);
+            return false;
+        }
+        if (!ReadToken(code))
+            return false;
+    }
+    if (!CheckNesting())
+        return false;
+    if (m_pPos % 2 != 0)
+        m_area.Bytes()[m_pPos++] = TOKEN_EOF;
+    return true;
+}
+
+bool CTokenizer::ReadToken(BYTE& code) {
+    ++m_pPos;
+    bool isLiteral = false;
+    if (!ReadWord(isLiteral))
+        return false;
+    code = ClassifyWord(isLiteral);
+    if (code == 0)
+        return false;
+    const bool compares = m_stacks[NEST_IF].m_bEquality || m_stacks[NEST_WHILE].m_bEquality;
+    if (code == '=' && compares)
+        code = TOKEN_EQ;
+    if (!ApplyBlockRule(code))
+        return false;
+    m_area.Bytes()[m_pPos - 1] = code;
+    if (HasInlineText(code))
+        m_pPos = m_wordEnd;
+    if (code == TOKEN_EOL)
+        FinishLine();
+    return true;
+}
+
+void CTokenizer::FinishLine() {
+    static_cast<void>(m_file.ReadCharSkipComment()); // the LF of the pair
+    if (m_isBracePending) {
+        m_area.Bytes()[m_pPos++] = '{';
+        m_isBracePending = false;
+        m_stacks[NEST_IF].m_bEquality = false;
+        m_stacks[NEST_WHILE].m_bEquality = false;
+    }
+    ++m_nLine;
+}
+
+bool CTokenizer::CheckNesting() {
+    for (DWORD kind = 0; kind < NEST_KINDS; ++kind) {
+        if (m_stacks[kind].IsEmpty())
+            continue;
+        m_report.ReportError(ERR_IF + kind, {}, static_cast<std::int32_t>(m_stacks[kind].Top()));
+        return false;
+    }
+    return true;
+}
+
+bool CTokenizer::ReadWord(bool& isLiteral) {
+    m_wordEnd = m_pPos;
+    BYTE first = m_file.ReadCharSkipComment();
+    while (first == ' ' || first == '\t')
+        first = m_file.ReadCharSkipComment();
+    if (first == CScriptFile::END_OF_FILE && m_file.EndedInComment())
+        return FailAtEnd();
+    isLiteral = first == '"';
+    return (isLiteral ? ReadLiteral() : ReadPlainWord(first)) && Put(0);
+}
+
+bool CTokenizer::ReadPlainWord(BYTE first) {
+    if (!Put(first))
+        return false;
+    if (!IsWordCharacter(first))
+        return true;
+    for (;;) {
+        const BYTE character = m_file.ReadCharSkipComment();
+        if (character == CScriptFile::END_OF_FILE && m_file.EndedInComment())
+            return FailAtEnd();
+        if (!IsWordCharacter(character)) {
+            m_file.PushBack(character);
+            return true;
+        }
+        if (!Put(character))
+            return false;
+    }
+}
+
+bool CTokenizer::ReadLiteral() {
+    for (;;) {
+        const BYTE character = ReadNeeded();
+        if (character == CScriptFile::END_OF_FILE)
+            return false;
+        if (character == '"')
+            return true;
+        if (!(character == '\\' ? ReadEscape() : Put(character)))
+            return false;
+    }
+}
+
+bool CTokenizer::ReadEscape() {
+    const BYTE character = ReadNeeded();
+    if (character == CScriptFile::END_OF_FILE)
+        return false;
+    const std::size_t row = kEscapes.find(static_cast<char>(character));
+    if (row != std::string_view::npos)
+        return Put(static_cast<BYTE>(kEscaped[row]));
+    if (character != 'x' && character != 'X')
+        return Fail(ERR_ESCAPE);
+    BYTE high = 0;
+    BYTE low = 0;
+    if (!ReadHexDigit(high) || !ReadHexDigit(low))
+        return false;
+    const BYTE value = static_cast<BYTE>(high << 4 | low);
+    return value == 0 ? Fail(ERR_ESCAPE) : Put(value);
+}
+
+bool CTokenizer::ReadHexDigit(BYTE& value) {
+    const BYTE character = ReadNeeded();
+    if (character == CScriptFile::END_OF_FILE)
+        return false;
+    value = HexValue(character);
+    const char detail = static_cast<char>(character);
+    return value < 16 || Fail(ERR_OUT_OF_PLACE, {&detail, 1});
+}
+
+std::string_view CTokenizer::Word() const {
+    return {reinterpret_cast<const char*>(m_area.Bytes()) + m_pPos, m_wordEnd - 1 - m_pPos};
+}
+
+BYTE CTokenizer::ClassifyWord(bool isLiteral) {
+    if (isLiteral)
+        return TOKEN_LITERAL;
+    const std::string_view word = Word();
+    if (const BYTE keyword = FindKeyword(word); keyword != 0)
+        return keyword;
+    const BYTE first = static_cast<BYTE>(word.front());
+    if (word.size() == 1 && IsDelimiter(first))
+        return ClassifyDelimiter(first);
+    if (IsNameStart(first))
+        return TOKEN_NAME;
+    if (const BYTE number = ClassifyNumber(word); number != 0)
+        return number;
+    m_hasUnixLineEnds = word == "\n";
+    Fail(ERR_CHAR, word);
+    return 0;
+}
+
+BYTE CTokenizer::ClassifyDelimiter(BYTE character) {
+    if (character == TOKEN_EOF || character == '}')
+        return character;
+    const BYTE next = ReadNeeded();
+    if (next == CScriptFile::END_OF_FILE)
+        return 0;
+    for (const PairRow& pair : kPairs)
+        if (character == pair.first && next == pair.second)
+            return pair.code;
+    m_file.PushBack(next);
+    return character;
+}
+
+BYTE CTokenizer::ClassifyNumber(std::string_view word) {
+    const bool isHexadecimal = word.starts_with("0x") || word.starts_with("0X");
+    const DWORD base = isHexadecimal ? 16 : 10;
+    DWORD value = 0;
+    for (const char character : word.substr(isHexadecimal ? 2 : 0)) {
+        const BYTE digit = HexValue(static_cast<BYTE>(character));
+        if (digit >= base)
+            return 0;
+        value = value * base + digit;
+    }
+    // Never longer than the digits it replaces.
+    const std::string text = EncodeNumber(value);
+    std::memcpy(m_area.Bytes() + m_pPos, text.c_str(), text.size() + 1);
+    m_wordEnd = m_pPos + static_cast<DWORD>(text.size()) + 1;
+    return TOKEN_NUMBER;
+}
+
+bool CTokenizer::Put(BYTE character) {
+    // The margin behind a token is for the codes that follow it.
+    if (m_area.IsNearLimit(m_wordEnd) && !m_area.GrowArea(1)) {
+        m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::NO_LINE);
+        return false;
+    }
+    m_area.Bytes()[m_wordEnd++] = character;
+    return true;
+}
+
+// Where a script must not end.
+BYTE CTokenizer::ReadNeeded() {
+    const BYTE character = m_file.ReadChar();
+    if (character == CScriptFile::END_OF_FILE)
+        FailAtEnd();
+    return character;
+}
+
+bool CTokenizer::Fail(DWORD error, std::string_view detail) {
+    m_report.ReportError(error, detail);
+    return false;
+}
+
+bool CTokenizer::FailAtEnd() {
+    m_report.ReportError(ERR_EOF, {}, CScriptReport::NO_LINE);
+    return false;
+}

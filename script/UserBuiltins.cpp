@@ -1,0 +1,77 @@
+#include "script/UserBuiltins.h"
+
+#include "modem/Modem.h"
+#include "platform/Clock.h"
+#include "platform/Message.h"
+#include "platform/Notification.h"
+#include "script/BuiltinSupport.h"
+
+#include <algorithm>
+
+namespace builtins {
+namespace {
+
+constexpr UINT kSimpleBeep = 0xFFFFFFFF;
+
+bool DispatchOneMessage() {
+    MSG message;
+    if (!PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+        return false;
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+    return true;
+}
+
+// Blocks until there is a message. False when there is nothing more to wait for: the deadline is
+// reached, or the device is gone.
+bool WaitForMessage(const CDeadline& deadline, HANDLE hangup) {
+    const DWORD handles = hangup != nullptr ? 1 : 0;
+    const DWORD result =
+        MsgWaitForMultipleObjects(handles, &hangup, FALSE, deadline.Remaining(), QS_ALLINPUT);
+    if (result == WAIT_OBJECT_0 + handles)
+        return true;
+    // Without the means to wait for messages the time passes all the same.
+    if (result == WAIT_FAILED)
+        Sleep(deadline.Remaining());
+    return false;
+}
+
+void WaitPumping(DWORD milliseconds, HANDLE hangup) {
+    const CDeadline deadline(milliseconds);
+    do {
+        if (!DispatchOneMessage() && !WaitForMessage(deadline, hangup))
+            return;
+    } while (deadline.Remaining() != 0);
+}
+
+} // namespace
+
+ScriptWord Beep(CVScript&, const BuiltinArguments&) {
+    MessageBeep(kSimpleBeep);
+    return {};
+}
+
+ScriptWord MessageBox(CVScript& script, const BuiltinArguments& arguments) {
+    std::string text;
+    std::string caption;
+    if (!TakeText(script, arguments[0], text) || !TakeText(script, arguments[1], caption))
+        return {};
+    return ScriptWord::Integer(
+        MessageBoxA(nullptr, text.c_str(), caption.c_str(), MB_ICONINFORMATION | MB_OK));
+}
+
+ScriptWord PlaySound(CVScript& script, const BuiltinArguments& arguments) {
+    std::string path;
+    if (!TakeText(script, arguments[0], path))
+        return {};
+    return ScriptWord::Integer(sndPlaySoundA(path.c_str(), SND_ASYNC) ? 1 : 0);
+}
+
+ScriptWord Wait(CVScript& script, const BuiltinArguments& arguments) {
+    const auto milliseconds = static_cast<DWORD>(std::max(arguments[0].value, 0));
+    WaitPumping(milliseconds, script.Host().GetHangupHandle());
+    script.EndIfDeviceGone();
+    return ScriptWord::Integer(1);
+}
+
+} // namespace builtins

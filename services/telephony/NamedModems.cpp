@@ -1,0 +1,75 @@
+#include "services/telephony/NamedModems.h"
+
+#include "services/telephony/Descriptor.h"
+#include "services/telephony/NamesFile.h"
+#include "services/telephony/SystemLog.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+
+namespace telephonyservice {
+namespace {
+
+constexpr const char* SYSTEM_FILE = "/etc/wirelet/modems.conf";
+constexpr const char* USER_FILE = "/wirelet/modems.conf";
+
+// Empty when the user has no place for such files.
+std::string FindUserFile() {
+    const char* const folder = secure_getenv("XDG_CONFIG_HOME");
+    if (folder != nullptr && folder[0] == '/')
+        return std::string(folder) + USER_FILE;
+    const char* const home = secure_getenv("HOME");
+    return home != nullptr && home[0] == '/' ? std::string(home) + "/.config" + USER_FILE : "";
+}
+
+std::string ReadContent(const std::string& path) {
+    // Not to wait for the other end of a FIFO that stands there.
+    const CDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (!file) {
+        if (errno != ENOENT && errno != ENOTDIR)
+            WriteWarning(path + ": " + std::strerror(errno));
+        return {};
+    }
+    if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        WriteWarning(path + ": is no file");
+        return {};
+    }
+    std::string content(MAX_NAMES_FILE, '\0');
+    std::size_t filled = 0;
+    while (filled < content.size()) {
+        const ssize_t count = read(file.Get(), content.data() + filled, content.size() - filled);
+        if (count <= 0)
+            break;
+        filled += static_cast<std::size_t>(count);
+    }
+    if (filled == content.size())
+        WriteWarning(path + ": is too long; what is behind its first 64 KiB is left out");
+    content.resize(filled);
+    return content;
+}
+
+void AppendModemsOf(const std::string& path, std::vector<LineDevice>& modems) {
+    std::vector<NamesFileFault> faults;
+    for (LineDevice& modem : ParseNamesFile(ReadContent(path), faults))
+        modems.push_back(std::move(modem));
+    for (const NamesFileFault& fault : faults)
+        WriteWarning(path + ":" + std::to_string(fault.line) + ": " + fault.reason);
+}
+
+} // namespace
+
+std::vector<LineDevice> ReadNamedModems() {
+    std::vector<LineDevice> modems;
+    AppendModemsOf(SYSTEM_FILE, modems);
+    const std::string userFile = FindUserFile();
+    if (!userFile.empty())
+        AppendModemsOf(userFile, modems);
+    return modems;
+}
+
+} // namespace telephonyservice

@@ -1,0 +1,68 @@
+#include "services/telephony/NamesFile.h"
+
+#include "services/telephony/PlainText.h"
+#include "services/telephony/PortLikeName.h"
+
+#include <climits>
+
+namespace telephonyservice {
+namespace {
+
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+// Null when the name and the path will do.
+const char* FindFault(std::string_view name, std::string_view path) {
+    if (name.empty())
+        return "there is no name before the '='";
+    if (name.size() > MAX_NAME)
+        return "the name is too long";
+    if (!IsPlainText(name))
+        return "the name has characters that cannot be shown";
+    if (ReadsAsPort(name))
+        return "the name would be taken for a port's";
+    if (!path.starts_with('/'))
+        return "the device is no path from the root";
+    if (path.size() >= PATH_MAX)
+        return "the device's path is too long";
+    if (!IsPlainText(path))
+        return "the device's path has characters that cannot be shown";
+    return nullptr;
+}
+
+} // namespace
+
+std::vector<LineDevice> ParseNamesFile(std::string_view content,
+                                       std::vector<NamesFileFault>& faults) {
+    std::vector<LineDevice> modems;
+    if (content.starts_with(BYTE_ORDER_MARK))
+        content.remove_prefix(BYTE_ORDER_MARK.size());
+    for (unsigned number = 1; !content.empty(); ++number) {
+        const std::size_t end = content.find('\n');
+        std::string_view line = content.substr(0, end);
+        content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
+        line = Trim(line);
+        if (line.empty() || line.starts_with('#'))
+            continue;
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos) {
+            faults.push_back({number, "there is no '=' between name and device"});
+            continue;
+        }
+        const std::string_view name = Trim(line.substr(0, equals));
+        const std::string_view path = Trim(line.substr(equals + 1));
+        if (const char* const fault = FindFault(name, path)) {
+            faults.push_back({number, fault});
+            continue;
+        }
+        if (modems.size() == MAX_NAMED_MODEMS) {
+            faults.push_back({number, "there are too many modems"});
+            break;
+        }
+        modems.push_back({std::string(name), std::string(path), true});
+    }
+    return modems;
+}
+
+} // namespace telephonyservice

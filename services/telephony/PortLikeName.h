@@ -1,0 +1,22 @@
+// Names that a user cannot choose a modem by, because they mean a serial port. Pure.
+#pragma once
+
+#include <string_view>
+
+namespace telephonyservice {
+
+// Paths, names in the device namespace, and all that begins with "COM" in either case.
+inline bool ReadsAsPort(std::string_view name) {
+    constexpr std::string_view PORT_PREFIX = "com";
+    if (name.starts_with('/') || name.starts_with('\\'))
+        return true;
+    if (name.size() < PORT_PREFIX.size())
+        return false;
+    for (std::size_t at = 0; at < PORT_PREFIX.size(); ++at) {
+        if (name[at] != PORT_PREFIX[at] && name[at] + ('a' - 'A') != PORT_PREFIX[at])
+            return false;
+    }
+    return true;
+}
+
+} // namespace telephonyservice

@@ -1,0 +1,122 @@
+// How CVTapi finds modems: by going through the line devices, by name, in the registry.
+#include "telephony/Tapi.h"
+
+#include "diagnostics/ModuleTrace.h"
+#include "platform/Error.h"
+#include "platform/Version.h"
+#include "telephony/TapiRecord.h"
+#include "telephony/TapiService.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+// A platform's modems are numbered below this key.
+struct SModemClass {
+    DWORD dwPlatformId;
+    LPCSTR szKeyFormat;
+};
+constexpr SModemClass MODEM_CLASSES[] = {
+    {VER_PLATFORM_WIN32_NT,
+     "System\\CurrentControlSet\\Control\\Class\\{4D36E96D-E325-11CE-BFC1-08002BE10318}\\%0.4ld"},
+    {VER_PLATFORM_WIN32_WINDOWS, "System\\CurrentControlSet\\Services\\Class\\Modem\\%0.4ld"},
+};
+constexpr DWORD FIRST_MAJOR_VERSION = 4; // before it modems were no class
+
+LPCSTR KeyFormatOf(const OSVERSIONINFOA& version) {
+    if (version.dwMajorVersion < FIRST_MAJOR_VERSION)
+        return nullptr;
+    const auto* const found =
+        std::ranges::find(MODEM_CLASSES, version.dwPlatformId, &SModemClass::dwPlatformId);
+    return found != std::end(MODEM_CLASSES) ? found->szKeyFormat : nullptr;
+}
+
+bool IsDataModem(const LINEDEVCAPS& capabilities) {
+    return (capabilities.dwBearerModes & LINEBEARERMODE_VOICE) &&
+           (capabilities.dwMediaModes & LINEMEDIAMODE_DATAMODEM) &&
+           (capabilities.dwLineFeatures & LINEFEATURE_MAKECALL) && LineNameOf(capabilities);
+}
+
+void CopyName(std::string_view name, char* szName, DWORD dwSize) {
+    if (dwSize == 0)
+        return;
+    const std::size_t length = std::min<std::size_t>(name.size(), dwSize - 1);
+    std::ranges::copy(name.substr(0, length), szName);
+    szName[length] = '\0';
+}
+
+} // namespace
+
+LONG CVTapi::IterateModems(char* szName, DWORD dwSize, BOOL bRestart) {
+    const CLock lock(m_CritSec);
+    LONG status = MLineInitialize();
+    if (status < 0)
+        return ReportStatus("CVTapi::IterateModems() - MLineInitialize() failed returning %#08lx\n",
+                            status);
+    if (bRestart)
+        m_dwModemIndex = 0;
+    while (m_dwModemIndex < g_dwNumLineDevs) {
+        LINEDEVCAPS* capabilities = nullptr;
+        status = MLineGetDevCaps(m_dwModemIndex++, &capabilities);
+        const CTaskMemory<LINEDEVCAPS> owner(capabilities);
+        if (status < 0) {
+            ReportStatus("CVTapi::IterateModems() - MLineGetDevCaps() failed returning %#08lx\n",
+                         status);
+            continue;
+        }
+        if (!IsDataModem(*capabilities))
+            continue;
+        CopyName(*LineNameOf(*capabilities), szName, dwSize);
+        return 0;
+    }
+    DebugTrace("CVTapi::IterateModems() - No Tapi devices found\n");
+    return E_TAPI_NODEVICE;
+}
+
+LONG CVTapi::LineDeviceNameToID(LPCSTR szName, LPDWORD pdwDeviceID) {
+    const CLock lock(m_CritSec);
+    const LONG status = MLineInitialize();
+    if (status < 0)
+        return ReportStatus(
+            "CVTapi::LineDeviceNameToID() - MLineInitialize() failed returning %#08lx\n", status);
+    for (DWORD dwDeviceID = 0; dwDeviceID < g_dwNumLineDevs; ++dwDeviceID) {
+        LINEDEVCAPS* capabilities = nullptr;
+        if (MLineGetDevCaps(dwDeviceID, &capabilities) < 0)
+            continue;
+        const CTaskMemory<LINEDEVCAPS> owner(capabilities);
+        if (LineNameOf(*capabilities) != szName)
+            continue;
+        *pdwDeviceID = dwDeviceID;
+        DebugTrace("CVTapi::LineDeviceNameToID() - Device \"%s\" = %ld\n", szName,
+                   static_cast<long>(dwDeviceID));
+        return 0;
+    }
+    DebugError("CVTapi::LineDeviceNameToID() - Device \"%s\" not found\n", szName);
+    return E_TAPI_NODEVICE;
+}
+
+LONG CVTapi::GetModemRegKey(DWORD dwInstance, HKEY* phKey) {
+    *phKey = nullptr;
+    OSVERSIONINFOA version = {};
+    version.dwOSVersionInfoSize = sizeof version;
+    if (!GetVersionExA(&version)) {
+        DebugError("CVTapi::GetModemRegKey() - GetVersionEx() failed - GetLastError() = %ld\n",
+                   static_cast<long>(GetLastError()));
+        return E_TAPI_FAILED;
+    }
+    const LPCSTR szKeyFormat = KeyFormatOf(version);
+    if (!szKeyFormat) {
+        DebugError("CVTapi::GetModemRegKey() - Unknown OS version\n");
+        return E_TAPI_FAILED;
+    }
+    char szKey[128];
+    std::snprintf(szKey, sizeof szKey, szKeyFormat, static_cast<long>(dwInstance));
+    const LONG lResult = RegOpenKeyExA(HKEY_LOCAL_MACHINE, szKey, 0, KEY_ALL_ACCESS, phKey);
+    if (lResult != 0) {
+        DebugError("CVTapi::GetModemRegKey() - RegOpenKeyEx() failed returning %ld\n",
+                   static_cast<long>(lResult));
+        return E_TAPI_FAILED;
+    }
+    return 0;
+}

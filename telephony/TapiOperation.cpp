@@ -1,0 +1,48 @@
+#include "telephony/TapiOperation.h"
+
+#include "diagnostics/ModuleTrace.h"
+
+namespace {
+
+// Statuses are traced as 32 bits, whatever the size of a long.
+unsigned long Bits(LONG lStatus) {
+    return static_cast<DWORD>(lStatus);
+}
+
+LONG ReportStep(const STapiOperation& operation, LPCSTR szStep, LPCSTR szOutcome, LONG lStatus) {
+    DebugError("CVTapi::%s() - %s%s %#08lx%s", operation.szName, szStep, szOutcome, Bits(lStatus),
+               operation.szEnd);
+    return lStatus;
+}
+
+} // namespace
+
+LONG ReportMissing(const STapiOperation& operation, LPCSTR szWhat, LONG lStatus) {
+    DebugError("CVTapi::%s() - %s%s", operation.szName, szWhat, operation.szEnd);
+    return lStatus;
+}
+
+LONG ReportMemory(const STapiOperation& operation, int attempt) {
+    DebugError("CVTapi::%s() - CoTaskMemAlloc() failure #%d%s", operation.szName, attempt,
+               operation.szEnd);
+    return E_TAPI_NOMEMORY;
+}
+
+LONG ReportFailed(const STapiOperation& operation, LONG lStatus) {
+    if (!operation.szFunction)
+        return lStatus;
+    return ReportStep(operation, operation.szFunction, operation.szFailed, lStatus);
+}
+
+LONG ReportInitializeFailed(const STapiOperation& operation, LONG lStatus) {
+    return ReportStep(operation, operation.szInitializeFailed, "", lStatus);
+}
+
+LONG ReportWaitFailed(const STapiOperation& operation, LONG lStatus) {
+    return ReportStep(operation, operation.szWaitFailed, "", lStatus);
+}
+
+LONG ReportStatus(LPCSTR szFormat, LONG lStatus) {
+    DebugError(szFormat, Bits(lStatus));
+    return lStatus;
+}

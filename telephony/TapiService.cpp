@@ -1,0 +1,25 @@
+#include "telephony/TapiService.h"
+
+#include "platform/Clock.h"
+
+CCriticalSection g_TapiLock;
+constinit CVTapiLibrary g_TapiLibrary;
+
+HLINEAPP g_hLineApp = 0;
+DWORD g_dwNumLineDevs = 0;
+HPHONEAPP g_hPhoneApp = 0;
+DWORD g_dwNumPhoneDevs = 0;
+
+LONG g_lTapiObjects = 0;
+
+LONG BringUp(LONG (*initialize)(), LONG lReinit) {
+    constexpr DWORD PAUSE = 1000;  // milliseconds
+    constexpr DWORD LIMIT = 10000; // milliseconds
+    const DWORD dwStart = GetTickCount();
+    for (;;) {
+        const LONG status = initialize();
+        if (status != lReinit || GetTickCount() - dwStart > LIMIT)
+            return status;
+        Sleep(PAUSE);
+    }
+}

@@ -1,0 +1,49 @@
+#include "terminal/PortNames.h"
+
+#include "platform/Version.h"
+#include "terminal/RegistryKey.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr char kSerialKey[] = "HARDWARE\\DEVICEMAP\\SERIALCOMM";
+constexpr std::size_t kValueSize = 256;
+
+// What systems of the other family offer, whether it is there or not.
+constexpr const char* kFixedPorts[] = {"COM1", "COM2", "COM3", "COM4"};
+
+bool IsBefore(std::string_view left, std::string_view right) {
+    return left.size() != right.size() ? left.size() < right.size() : left < right;
+}
+
+bool HasFixedPorts() {
+    OSVERSIONINFOA version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    return !GetVersionExA(&version) || version.dwPlatformId != VER_PLATFORM_WIN32_NT;
+}
+
+} // namespace
+
+void AddPortName(PortNames& names, std::string_view name) {
+    const auto place = std::lower_bound(names.begin(), names.end(), name, IsBefore);
+    if (place == names.end() || *place != name)
+        names.emplace(place, name);
+}
+
+void EnumerateComPorts(PortNames& names) {
+    names.clear();
+    if (HasFixedPorts())
+        for (const char* port : kFixedPorts)
+            AddPortName(names, port);
+
+    CRegistryKey key;
+    if (!key.Open(HKEY_LOCAL_MACHINE, kSerialKey, KEY_READ))
+        return;
+    std::array<char, kValueSize> name;
+    std::array<char, kValueSize> port;
+    for (DWORD index = 0; key.EnumValue(index, name.data(), kValueSize, port.data(), kValueSize);
+         ++index)
+        AddPortName(names, port.data());
+}

@@ -1,0 +1,36 @@
+// CTraceLog: the traffic of a session in a file (-O): everything sent and received, line by line.
+//
+// Owned by the session, on its stack; used from its thread. From Open on it is the sink of the data
+// trace; when it goes, what was received last is written too and the file is closed.
+#pragma once
+
+#include "modem/DataTrace.h"
+#include "terminal/GatheredFile.h"
+
+#include <string>
+
+class CConsole;
+
+class CTraceLog final : public ITraceSink {
+  public:
+    explicit CTraceLog(CConsole& console) : m_console(console) {}
+    CTraceLog(const CTraceLog&) = delete;
+    CTraceLog& operator=(const CTraceLog&) = delete;
+    ~CTraceLog();
+
+    // Creates the file and begins. FALSE when it cannot be created; the user has then been told.
+    BOOL Open(const std::string& fileName);
+
+    BOOL IsCapturing() const override { return m_bCapturing; }
+
+    // A file that takes no more ends the log; the user is told, once.
+    void WriteLine(std::string_view line) override;
+
+  private:
+    void TellFailure(DWORD error);
+
+    CConsole& m_console;
+    std::string m_strFileName;
+    CGatheredFile m_file;
+    BOOL m_bCapturing = FALSE;
+};

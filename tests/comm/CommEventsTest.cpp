@@ -1,0 +1,152 @@
+// Waits for comm events: what ends them, and what must not.
+#include "platform/CommEvents.h"
+#include "platform/Clock.h"
+#include "tests/comm/TestLines.h"
+#include "tests/platform/TestHandle.h"
+
+#include <ctime>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+constexpr DWORD ALL_EVENTS = EV_RXCHAR | EV_RLSD | EV_ERR;
+
+std::ptrdiff_t CountThreads() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+class CCommEventsTest : public testing::TestWithParam<bool> {
+  protected:
+    CCommEventsTest() { m_overlapped.hEvent = m_event; }
+    ~CCommEventsTest() override { CloseHandle(m_port); }
+
+    // Begins a wait, which must stay pending.
+    void Begin() {
+        EXPECT_FALSE(WaitCommEvent(m_port, &m_dwEvents, &m_overlapped));
+        EXPECT_EQ(GetLastError(), ERROR_IO_PENDING);
+    }
+    // Carries the wait out while the other thread does something; returns the events, or the error
+    // with bit 31.
+    DWORD EndWhile(const std::function<void()>& action) {
+        std::thread other([&] {
+            Sleep(30);
+            action();
+        });
+        DWORD unused = 0;
+        const BOOL isDone = GetOverlappedResult(m_port, &m_overlapped, &unused, TRUE);
+        const DWORD result = isDone ? m_dwEvents : GetLastError() | 0x80000000;
+        other.join();
+        return result;
+    }
+    DWORD WaitWhile(const std::function<void()>& action) {
+        Begin();
+        return EndWhile(action);
+    }
+
+    CTestDevice m_device;
+    HANDLE m_port = OpenPort(m_device.Path());
+    const std::shared_ptr<CTestLines> m_lines = CTestLines::PutInto(m_port, GetParam());
+    CTestHandle m_event = MakeEvent(true, false);
+    OVERLAPPED m_overlapped{};
+    DWORD m_dwEvents = 0;
+};
+INSTANTIATE_TEST_SUITE_P(Drivers, CCommEventsTest, testing::Bool(),
+                         [](const auto& row) { return row.param ? "Telling" : "ToBeAsked"; });
+
+TEST_P(CCommEventsTest, EachEventEndsTheWait) {
+    m_lines->SetCarrier(true);
+    m_lines->CountFrameError();
+    ASSERT_TRUE(SetCommMask(m_port, ALL_EVENTS));
+    const auto carrier = [this](bool isOn) { return [=, this] { m_lines->SetCarrier(isOn); }; };
+    EXPECT_EQ(WaitWhile(carrier(false)), EV_RLSD);
+    EXPECT_EQ(WaitWhile(carrier(true)), EV_RLSD);
+    EXPECT_EQ(WaitWhile([this] { m_lines->CountFrameError(); }), EV_ERR);
+    EXPECT_EQ(WaitWhile([this] {
+                  m_lines->CountFrameError();
+                  m_device.Say("x");
+              }) | EV_ERR,
+              EV_RXCHAR | EV_ERR);
+
+    // Bytes that wait are found at once, errors outlive the setting of the mask, and what is not
+    // asked for is not reported.
+    DWORD events = 0;
+    m_lines->CountFrameError();
+    ASSERT_TRUE(SetCommMask(m_port, ALL_EVENTS));
+    EXPECT_TRUE(WaitCommEvent(m_port, &events, nullptr));
+    EXPECT_EQ(events, EV_RXCHAR | EV_ERR);
+    ASSERT_TRUE(SetCommMask(m_port, EV_RLSD));
+    EXPECT_EQ(WaitWhile(carrier(false)), EV_RLSD);
+}
+
+TEST_P(CCommEventsTest, TheMaskAndTheCloseEndTheWait) {
+    // The thread sanitizer starts a thread of its own with the first one of the program.
+    std::thread([] {}).join();
+    const std::ptrdiff_t threads = CountThreads();
+    for (int i = 0; i < 30; ++i) {
+        ASSERT_TRUE(SetCommMask(m_port, ALL_EVENTS));
+        EXPECT_EQ(WaitWhile([this] { SetCommMask(m_port, 0); }), 0u);
+    }
+    DWORD events = ALL_EVENTS;
+    EXPECT_TRUE(WaitCommEvent(m_port, &events, nullptr));
+    EXPECT_EQ(events, 0u);
+
+    ASSERT_TRUE(SetCommMask(m_port, ALL_EVENTS));
+    Begin();
+    EXPECT_FALSE(WaitCommEvent(m_port, &events, nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_FALSE(SetCommMask(m_port, 2));
+    EXPECT_EQ(EndWhile([this] { EXPECT_TRUE(CloseHandle(m_port)); }),
+              ERROR_OPERATION_ABORTED | 0x80000000);
+    EXPECT_FALSE(SetCommMask(m_port, ALL_EVENTS));
+    while (CountThreads() > threads)
+        Sleep(1);
+}
+
+// Another thread that asks for the counts takes the bytes away from where the wait looks for them.
+TEST_P(CCommEventsTest, BytesThatAreCountedAreNotMissed) {
+    ASSERT_TRUE(SetCommMask(m_port, EV_RXCHAR));
+    std::atomic<bool> isDone = false;
+    std::thread counter([&] {
+        COMSTAT status{};
+        while (!isDone)
+            ClearCommError(m_port, nullptr, &status);
+    });
+    for (int i = 0; i < 200; ++i) {
+        std::thread device([this] { m_device.Say("x"); });
+        DWORD events = 0;
+        EXPECT_TRUE(WaitCommEvent(m_port, &events, nullptr));
+        EXPECT_EQ(events, EV_RXCHAR);
+        device.join();
+        EXPECT_TRUE(PurgeComm(m_port, PURGE_RXCLEAR));
+    }
+    isDone = true;
+    counter.join();
+}
+
+TEST_P(CCommEventsTest, ADeviceThatGoesFailsOneWait) {
+    ASSERT_TRUE(SetCommMask(m_port, ALL_EVENTS));
+    EXPECT_EQ(WaitWhile([this] { m_device.Close(); }), ERROR_DEVICE_NOT_CONNECTED | 0x80000000);
+    const std::clock_t before = std::clock();
+    EXPECT_EQ(WaitWhile([this] {
+                  Sleep(400);
+                  SetCommMask(m_port, 0);
+              }),
+              0u);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 5);
+}
+
+TEST_P(CCommEventsTest, NothingIsAskedWithoutNeed) {
+    m_lines->HaveNone();
+    ASSERT_TRUE(SetCommMask(m_port, ALL_EVENTS));
+    Begin();
+    const int asked = m_lines->TimesAsked();
+    EXPECT_EQ(EndWhile([&] {
+                  Sleep(400);
+                  EXPECT_EQ(m_lines->TimesAsked(), asked);
+                  m_device.Say("x");
+              }),
+              EV_RXCHAR);
+}
+
+} // namespace

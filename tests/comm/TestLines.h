@@ -1,0 +1,60 @@
+// CTestLines: modem lines and error counters that a test moves, in place of those of a port that
+// has none. Any thread may call anything.
+#pragma once
+
+#include "platform/CommPort.h"
+#include "platform/Error.h"
+#include "tests/comm/TestPort.h"
+
+#include <sys/ioctl.h>
+
+#include <atomic>
+#include <cerrno>
+
+class CTestLines final : public platform::ICommLines {
+  public:
+    // Whether the driver tells when a line moves, as opposed to one that must be asked.
+    explicit CTestLines(bool isTelling) : m_bTelling(isTelling) {}
+
+    static std::shared_ptr<CTestLines> PutInto(HANDLE port, bool isTelling) {
+        auto lines = std::make_shared<CTestLines>(isTelling);
+        platform::FindHandleOf<platform::CCommPort>(port)->ReplaceLines(lines);
+        return lines;
+    }
+
+    void SetCarrier(bool isOn) {
+        m_nLines = isOn ? TIOCM_CAR : 0;
+        EXPECT_EQ(write(m_moves.writer.Get(), "", 1), 1);
+    }
+    void CountFrameError() { ++m_nFrameErrors; }
+    void BreakDown() { m_bBroken = true; }
+    void HaveNone() { m_bPresent = false; }
+    int TimesAsked() const { return m_nAsked; }
+
+    BOOL GetLines(int& lines) override {
+        ++m_nAsked;
+        lines = m_nLines;
+        return m_bBroken ? platform::FailWith(ERROR_DEVICE_NOT_CONNECTED) : TRUE;
+    }
+    bool HasLines() const override { return m_bPresent; }
+    BOOL GetCounters(serial_icounter_struct& counters) override {
+        ++m_nAsked;
+        counters.frame = m_nFrameErrors;
+        return m_bPresent;
+    }
+    int AwaitMove(int) override {
+        char move = 0;
+        if (!m_bTelling)
+            return ENOTTY;
+        return read(m_moves.reader.Get(), &move, 1) == 1 ? 0 : errno;
+    }
+
+  private:
+    const bool m_bTelling;
+    const Pipe m_moves;
+    std::atomic<int> m_nLines = 0;
+    std::atomic<int> m_nFrameErrors = 0;
+    std::atomic<int> m_nAsked = 0;
+    std::atomic<bool> m_bBroken = false;
+    std::atomic<bool> m_bPresent = true;
+};

@@ -1,0 +1,168 @@
+// The log of a session (-O): decoded, it is what the device itself has sent and got.
+#include "tests/endtoend/SessionTest.h"
+
+#include <csignal>
+#include <filesystem>
+
+namespace {
+
+// The bytes of one direction, up to the next one of the other.
+struct Block {
+    bool sent = false;
+    std::string bytes;
+    friend bool operator==(const Block&, const Block&) = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Block& block) {
+    return stream << (block.sent ? "sent " : "received ")
+                  << ::testing::PrintToString(block.bytes.substr(0, 400));
+}
+
+std::string DecodeHexadecimal(std::string_view line) {
+    std::string bytes;
+    for (std::size_t at = line.rfind('[') + 1; at + 3 < line.size(); at += 3)
+        bytes += static_cast<char>(std::stoi(std::string(line.substr(at, 2)), nullptr, 16));
+    return bytes;
+}
+
+// The log's blocks, from the hexadecimal column. A line that is cut short fails.
+std::vector<Block> Decode(std::string_view log) {
+    std::vector<Block> blocks;
+    while (!log.empty()) {
+        const std::size_t end = log.find("\r\n");
+        const std::string_view line = log.substr(0, end);
+        const bool sent = line.starts_with("[PC ==>     ]  [");
+        if (end == std::string_view::npos || !line.ends_with(" ]") ||
+            (!sent && !line.starts_with("[  <== Phone]  ["))) {
+            ADD_FAILURE() << "no line of a log: " << line;
+            break;
+        }
+        if (blocks.empty() || blocks.back().sent != sent)
+            blocks.push_back({sent, ""});
+        blocks.back().bytes += DecodeHexadecimal(line);
+        log.remove_prefix(end + 2);
+    }
+    return blocks;
+}
+
+} // namespace
+
+class CTraceLogTest : public CSessionTest {
+  protected:
+    void StartLogged(const std::string& file, const std::vector<std::string>& more = {}) {
+        std::vector<std::string> options = {"-O:" + file};
+        options.insert(options.end(), more.begin(), more.end());
+        Start(m_device.GetPath(), options);
+        ASSERT_TRUE(Shows("Setting 19200 baud"));
+    }
+    // The device's own record of what it gets and sends.
+    void Gets(const std::string& bytes) {
+        ASSERT_TRUE(DeviceGets(bytes));
+        m_record.push_back({true, bytes});
+    }
+    // With a mark behind it, which shows when all of it has come.
+    void Sends(const std::string& bytes) {
+        const std::string mark = "mark" + std::to_string(++m_nMark);
+        m_device.Send(bytes + "\r\n" + mark);
+        ASSERT_TRUE(Shows(mark));
+        m_record.push_back({false, bytes + "\r\n" + mark});
+    }
+    void ExpectRecordInLog() {
+        EXPECT_EQ(Decode(ReadWholeFile(m_log)), m_record);
+        m_record.clear();
+    }
+
+    const std::string m_log = m_folder.GetPath("log");
+    std::vector<Block> m_record;
+
+  private:
+    int m_nMark = 0;
+};
+
+TEST_F(CTraceLogTest, HoldsTheWholeSession) {
+    m_folder.Write("log", std::string(100000, 'o'));
+    std::string everyByte;
+    for (int value = 0; value < 256; ++value)
+        everyByte += static_cast<char>(value == 0x1B ? 0 : value);
+    for (const int signal : {0, SIGTERM, SIGHUP}) {
+        StartLogged(m_log);
+        Gets("ATE1V1\r");
+        Sends("ATE1V1\r\r\nOK %s%n\r\n");
+        Type("AT+CGMI\r");
+        Gets("AT+CGMI\r");
+        Sends(everyByte + MakeLines(900));
+        const std::string keys = "100%s\x1B[A\x01" + MakeLines(5000, "\r");
+        Type(keys);
+        Gets(keys);
+        Sends("[ ] [41 42 ]\r\n");
+        if (signal == 0)
+            Type(kAltF4);
+        else
+            m_program->Kill(signal);
+        ASSERT_TRUE(Ends());
+        ExpectRecordInLog();
+    }
+}
+
+TEST_F(CTraceLogTest, HoldsAScriptsSession) {
+    const std::string script =
+        m_folder.Write("script", "FUNCTION main()\r\n  STRING a$\r\n"
+                                 "  a$ = SendCommandGetString(\"ATI\\r\")\r\n"
+                                 "  WaitForString(\"last words\", 30)\r\nENDFUNCTION\r\n");
+    StartLogged(m_log, {"-S:" + script});
+    ASSERT_TRUE(DeviceGets("ATI\r"));
+    m_device.Send("ATI\r\r\nModem\r\n\r\nOK\r\nlast words");
+    ASSERT_TRUE(Ends());
+    m_record = {{true, "ATI\r"}, {false, "ATI\r\r\nModem\r\n\r\nOK\r\nlast words"}};
+    ExpectRecordInLog();
+}
+
+TEST_F(CTraceLogTest, IsInTheFileWithoutAnEnd) {
+    StartLogged(m_log);
+    Gets("ATE1V1\r");
+    Sends("received");
+    Type("typed");
+    Gets("typed");
+    // Nothing more happens, and still the lines get there.
+    ASSERT_TRUE(Fulfils("the log", [&] { return ReadWholeFile(m_log).ends_with("64 ]\r\n"); }));
+    m_program->Kill(SIGKILL);
+    ASSERT_TRUE(EndsWith(-SIGKILL));
+    ExpectRecordInLog();
+}
+
+TEST_F(CTraceLogTest, TellsAFileThatCannotBeCreated) {
+    const std::string folder = m_folder.GetPath("folder");
+    std::filesystem::create_directory(folder);
+    for (const std::string& file : {folder, m_folder.GetPath("missing") + "/log"}) {
+        Start(m_device.GetPath(), {"-O:" + file});
+        ASSERT_TRUE(Shows("Cannot create " + file));
+        ASSERT_TRUE(Ends());
+        EXPECT_EQ(m_device.GetReceived(), "");
+    }
+    // The script is no place for its log, and without a script the last log stays.
+    const std::string script = m_folder.Write("script", "FUNCTION main()\r\nENDFUNCTION\r\n");
+    Start(m_device.GetPath(), {"-S:" + script, "-O:" + script});
+    ASSERT_TRUE(Shows("Cannot create " + script));
+    ASSERT_TRUE(Ends());
+    Start(m_device.GetPath(), {"-S:" + script + "s", "-O:" + script});
+    ASSERT_TRUE(Shows("OK"));
+    Type(" ");
+    ASSERT_TRUE(EndsWith(0));
+    EXPECT_EQ(ReadWholeFile(script), "FUNCTION main()\r\nENDFUNCTION\r\n");
+}
+
+TEST_F(CTraceLogTest, TellsAFullDiskOnceAndGoesOn) {
+    const std::string message = "Cannot write /dev/full: the disk is full";
+    StartLogged("/dev/full");
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+    // More than is gathered while the file takes nothing.
+    const std::string paste(300000, 'p');
+    Type(paste);
+    ASSERT_TRUE(DeviceGets(paste));
+    ASSERT_TRUE(Shows(message));
+    Sends("still shown");
+    Type(kAltF4);
+    ASSERT_TRUE(Ends());
+    const std::string& output = m_terminal.GetOutput();
+    EXPECT_EQ(output.find(message), output.rfind(message));
+}

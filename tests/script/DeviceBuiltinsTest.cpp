@@ -1,0 +1,143 @@
+// Small scripts on a substitute device: where a built-in must wait, stop waiting, or leave
+// something alone.
+#include "modem/Modem.h"
+#include "platform/Message.h"
+#include "script/Script.h"
+#include "tests/modem/SubstituteSerial.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class CTestModem : public CVModem {
+  public:
+    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
+    BOOL SetDataFormat(DWORD baudRate, DWORD, DWORD, DWORD) override {
+        m_rates.push_back(baudRate);
+        return TRUE;
+    }
+
+    std::vector<DWORD> m_rates;
+};
+
+class CDeviceBuiltins : public testing::Test {
+  protected:
+    CDeviceBuiltins() { m_modem.Open("port"); }
+
+    // Runs statements, one a line, with the path as a text p$ and what they sent to the device as
+    // the result.
+    std::string Run(const std::string& statements, const std::string& path = {}) {
+        const std::string text = "STRING p$ = \"" + path + "\"\r\nFUNCTION main()\r\n" +
+                                 statements + "\r\nENDFUNCTION\r\n";
+        m_serial.m_calls.clear();
+        CVScript script;
+        EXPECT_EQ(script.Run(m_folder.Write("script", text).c_str(), &m_modem), 0u);
+        m_bDeviceGone = script.IsDeviceGone();
+        std::string sent;
+        for (const std::string& call : m_serial.m_calls)
+            if (call.starts_with("write "))
+                sent += call.substr(6);
+        return sent;
+    }
+
+    CTempFolder m_folder;
+    CSubstituteSerial m_serial{CSubstituteSerial::Kind::Waitable};
+    CTestModem m_modem{&m_serial};
+    bool m_bDeviceGone = false;
+};
+
+const std::string kWaitForOk = "SendString(String(WaitForString(\"OK\", 60000)))";
+
+TEST_F(CDeviceBuiltins, WaitForStringLeavesWhatComesBehindTheText) {
+    m_serial.m_reads = {std::string("O\r\nOO\0Kre", 9), "st"};
+    EXPECT_EQ(Run(kWaitForOk), "1");
+    char rest[10] = {};
+    DWORD count = 0;
+    EXPECT_TRUE(m_modem.Read(rest, sizeof rest, count));
+    EXPECT_STREQ(rest, "re");
+}
+
+TEST_F(CDeviceBuiltins, WaitForStringBlocksUntilBytesOrTheDeadline) {
+    std::thread device([this] {
+        Sleep(50);
+        m_serial.Arrive("O");
+        Sleep(50);
+        m_serial.Arrive("K");
+    });
+    EXPECT_EQ(Run(kWaitForOk), "1");
+    device.join();
+    EXPECT_LE(m_serial.m_nReads, 5);
+    EXPECT_EQ(Run("SendString(String(WaitForString(\"OK\", 50)))"), "0");
+    m_serial.m_endlessRead = "x";
+    EXPECT_EQ(Run("SendString(String(WaitForString(\"OK\", 50)))"), "0");
+    EXPECT_EQ(Run("SendString(String(WaitForString(\"x\", -1)))"), "0");
+    EXPECT_FALSE(m_bDeviceGone);
+}
+
+TEST_F(CDeviceBuiltins, ADeviceThatVanishesEndsTheRun) {
+    std::thread device([this] {
+        Sleep(50);
+        m_serial.Vanish();
+    });
+    EXPECT_EQ(Run("WaitForString(\"OK\", 60000)\r\nSendString(\"x\")"), "");
+    device.join();
+    EXPECT_TRUE(m_bDeviceGone);
+}
+
+CSubstituteSerial* s_serial = nullptr;
+int s_dispatched = 0;
+
+LRESULT CountMessage(HWND, UINT, WPARAM, LPARAM) {
+    if (++s_dispatched == 4)
+        s_serial->Vanish();
+    return 0;
+}
+
+TEST_F(CDeviceBuiltins, WaitDispatchesMessagesUntilTheDeviceVanishes) {
+    s_serial = &m_serial;
+    const WNDCLASSA windowClass = {CountMessage, "counting"};
+    RegisterClassA(&windowClass);
+    const HWND window =
+        CreateWindowExA(0, "counting", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    ASSERT_NE(window, nullptr);
+    PostMessageA(window, WM_USER, 0, 0);
+    Run("Wait(-5)");
+    EXPECT_EQ(s_dispatched, 1);
+    EXPECT_FALSE(m_bDeviceGone);
+    std::thread poster([window] {
+        for (int count = 0; count < 3; ++count) {
+            Sleep(20);
+            PostMessageA(window, WM_USER, 0, 0);
+        }
+    });
+    EXPECT_EQ(Run("Wait(60000)\r\nSendString(\"x\")"), "");
+    poster.join();
+    EXPECT_EQ(s_dispatched, 4);
+    EXPECT_TRUE(m_bDeviceGone);
+    DestroyWindow(window);
+}
+
+TEST_F(CDeviceBuiltins, SettingsOutOfRange) {
+    EXPECT_EQ(Run("SendString(String(SetBaudRate(-1)))\r\n"
+                  "SendString(String(SetBaudRate(9600)))"),
+              "01");
+    EXPECT_EQ(m_modem.m_rates, std::vector<DWORD>{9600});
+    EXPECT_EQ(Run("SetRetry(-1)\r\nSendString(String(SendCommand(\"AT\\r\")))\r\n"
+                  "SendString(SendCommandGetString(\"AT\\r\"))"),
+              "100");
+    EXPECT_EQ(Run("SendString(String(GetBaudRate()))"), "0");
+}
+
+TEST_F(CDeviceBuiltins, SendFileLeavesOutWhatFollowsANul) {
+    const std::string file = m_folder.Write("file", std::string("ab\0cd\nef\n\0\ngh", 13));
+    EXPECT_EQ(Run("SendString(String(SendFile(p$)))", file), "abef\ngh1");
+    EXPECT_EQ(Run("SendString(String(SendFile(p$)))", m_folder.GetPath("")), "0");
+    EXPECT_EQ(Run("SendString(String(PlaySound(p$)))", m_folder.GetPath("missing")), "0");
+}
+
+} // namespace

@@ -1,0 +1,227 @@
+// What the receivers of a port's notifications are told, and when.
+#include "platform/CommEvents.h"
+#include "tests/comm/TestLines.h"
+#include "tests/platform/TestWindow.h"
+#include "tests/serial/SerialFixture.h"
+
+#include <ctime>
+
+namespace {
+
+constexpr DWORD QUIET = 150; // for what must not come
+
+class CNotifyTest : public CSerialTest {
+  protected:
+    using Told = std::vector<LPARAM>;
+
+    void SetUp() override {
+        Open();
+        m_lines = CTestLines::PutInto(m_wait->GetReceiveHandle(), true);
+    }
+    void Control(DWORD code) { EXPECT_TRUE(m_serial->CommNotifyControl(code)); }
+    // Returns when the thread waits for what the driver reports.
+    void Enable() {
+        m_serial->SetCommNotifyWnd(m_window);
+        Control(_NOTIFY_ENABLE);
+        AwaitThreads(3);
+    }
+    // Lets the window process its messages until it has been told that often since the last time.
+    Told Next(std::size_t count) {
+        PumpUntil([&] { return m_told.size() >= count; });
+        return std::exchange(m_told, {});
+    }
+    // The same until nothing more comes.
+    Told Rest() {
+        MSG message;
+        while (WaitForMessage(QUIET) == WAIT_OBJECT_0)
+            if (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+                DispatchMessageA(&message);
+        return std::exchange(m_told, {});
+    }
+    void AwaitThreads(std::size_t count) {
+        while (EntriesOf("/proc/self/task", m_threads).size() != count)
+            Sleep(1);
+    }
+
+    // Those of the sanitizers begin with the first thread of ours.
+    const Entries m_threads = [] {
+        std::thread([] {}).join();
+        return EntriesOf("/proc/self/task");
+    }();
+    std::shared_ptr<CTestLines> m_lines;
+    bool m_bReading = true; // the window takes what has been received
+    Told m_told;
+    CTestWindow m_window{[this](HWND, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+        EXPECT_TRUE(message == WM_VXCOMMNOTIFY || message == WM_VXMODEMMONITOR);
+        EXPECT_EQ(wParam, 0u);
+        m_told.push_back(lParam);
+        char bytes[100];
+        while (m_bReading && m_serial->Read(bytes, sizeof bytes) != 0)
+            continue;
+        return 0;
+    }};
+};
+
+// Beside the write thread; the watch for carrier is a thread too, which comes with the first wait.
+TEST_F(CNotifyTest, ThreadsRunWhileTheyAreWanted) {
+    AwaitThreads(1);
+    EXPECT_EQ(m_serial->SetCommNotifyWnd(m_window), nullptr);
+    AwaitThreads(1);
+    Control(_NOTIFY_ENABLE);
+    AwaitThreads(3);
+    Control(_NOTIFY_DISABLE);
+    AwaitThreads(1);
+    Control(_NOTIFY_ENABLE);
+    AwaitThreads(3);
+    EXPECT_EQ(m_serial->SetModemMonitorWnd(m_window), nullptr);
+    AwaitThreads(4);
+    EXPECT_EQ(m_serial->SetModemMonitorWnd(nullptr), m_window);
+    EXPECT_EQ(m_serial->SetCommNotifyWnd(nullptr), m_window);
+    AwaitThreads(1);
+    m_serial->SetModemMonitorWnd(m_window);
+    m_serial->SetCommNotifyWnd(m_window);
+    AwaitThreads(4);
+    EXPECT_TRUE(m_serial->Close());
+    AwaitThreads(0);
+    Open(); // a pseudo-terminal's own lines, which are none
+    AwaitThreads(3);
+    const HANDLE port = m_serial->DetachHandle();
+    AwaitThreads(0);
+    EXPECT_TRUE(m_serial->AttachHandle(port, FALSE));
+    AwaitThreads(3);
+    m_device.Say("not overlapped");
+    EXPECT_EQ(Next(1), Told{EV_RXCHAR});
+    EXPECT_TRUE(m_serial->Close());
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(CNotifyTest, OneAtATimeAndCarrierFirst) {
+    Enable();
+    m_bReading = false;
+    m_device.Say("a");
+    EXPECT_EQ(WaitForMessage(PATIENCE), WAIT_OBJECT_0);
+    m_device.Say("b");
+    m_lines->SetCarrier(true);
+    Sleep(QUIET);
+    m_lines->CountFrameError();
+    EXPECT_EQ(Next(3), (Told{EV_RXCHAR, EV_RLSD, EV_RXCHAR}));
+    m_bReading = true;
+    EXPECT_EQ(Rest(), (Told{EV_RXCHAR, EV_ERR}));
+}
+
+TEST_F(CNotifyTest, SuspensionsAreCounted) {
+    struct Step {
+        DWORD code;
+        bool isSaid; // the device speaks next, or its carrier changes
+        Told told;
+    };
+    constexpr DWORD UNKNOWN = 5;
+    Enable();
+    bool hasCarrier = false;
+    for (const Step& step : {
+             Step{_NOTIFY_SUSPEND, true, {}},
+             Step{_NOTIFY_SUSPEND, false, {}},
+             Step{_NOTIFY_REARM, false, {}},
+             Step{_NOTIFY_RESUME, false, {}},
+             Step{UNKNOWN, false, {}},
+             Step{_NOTIFY_RESUME, false, {EV_RLSD, EV_RXCHAR}},
+             Step{_NOTIFY_RESUME, true, {EV_RXCHAR}},
+             Step{_NOTIFY_REARM, true, {EV_RXCHAR}},
+         }) {
+        Control(step.code);
+        if (step.isSaid)
+            m_device.Say("x");
+        else if (step.code == _NOTIFY_SUSPEND)
+            m_lines->SetCarrier(hasCarrier = !hasCarrier);
+        // The window reads with the first message, so the second one needs its own byte.
+        m_bReading = step.told.size() < 2;
+        Told told = step.told.empty() ? Rest() : Next(step.told.size());
+        m_bReading = true;
+        for (const LPARAM event : Rest())
+            EXPECT_EQ(event, EV_RXCHAR);
+        EXPECT_EQ(told, step.told) << step.code;
+    }
+    // A notification that is processed during a suspension lets none follow.
+    m_device.Say("x");
+    EXPECT_EQ(WaitForMessage(PATIENCE), WAIT_OBJECT_0);
+    Control(_NOTIFY_SUSPEND);
+    EXPECT_EQ(Rest(), Told{EV_RXCHAR});
+    m_device.Say("x");
+    EXPECT_EQ(Rest(), Told{});
+    Control(_NOTIFY_RESUME);
+    EXPECT_EQ(Next(1), Told{EV_RXCHAR});
+}
+
+TEST_F(CNotifyTest, TheMonitorPostsEverySecond) {
+    m_serial->SetModemMonitorWnd(m_window);
+    EXPECT_EQ(Next(2), (Told{LINE_DTR, LINE_DTR}));
+    m_lines->SetCarrier(true);
+    EXPECT_EQ(Next(1), Told{LINE_DTR | LINE_DCD});
+}
+
+// The writer holds the port lock all the while.
+TEST_F(CNotifyTest, NotificationsGoOnWhileAWriterWaits) {
+    Block();
+    Enable();
+    m_bReading = false;
+    std::thread writer([this] { Write("x"); });
+    Sleep(QUIET);
+    m_device.Say("x");
+    EXPECT_EQ(Next(3), (Told{EV_RXCHAR, EV_RXCHAR, EV_RXCHAR}));
+    m_device.Close();
+    writer.join();
+}
+
+// A thread that misses its end would hold each of these up for half a minute.
+TEST_F(CNotifyTest, ClosingAtAnyMomentEndsTheThreads) {
+    const CWindowThread receiver;
+    m_serial->SetCommNotifyWnd(receiver);
+    for (int i = 0; i < 60; ++i) {
+        m_lines = CTestLines::PutInto(m_wait->GetReceiveHandle(), true);
+        m_serial->SetModemMonitorWnd(receiver);
+        Control(_NOTIFY_ENABLE);
+        m_device.Say("x");
+        m_lines->SetCarrier(i % 2 == 0);
+        usleep(static_cast<useconds_t>(i * 50));
+        EXPECT_TRUE(m_serial->Close());
+        Control(_NOTIFY_DISABLE);
+        m_serial->SetModemMonitorWnd(nullptr);
+        Open();
+    }
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(CNotifyTest, AWindowThatGoesLeavesTheThreadAtRest) {
+    {
+        const CTestWindow former;
+        m_serial->SetCommNotifyWnd(former);
+        Control(_NOTIFY_ENABLE);
+    }
+    m_device.Say("x");
+    Sleep(QUIET);
+    EXPECT_EQ(Reports(),
+              Texts{Assert("SendMessageCallback(m_hCommNotifyWnd, WM_VXCOMMNOTIFY, 0, dwEvent, "
+                           "(SENDASYNCPROC)SendAsyncProc, (DWORD)this)",
+                           "Verify Failed!")});
+    m_serial->SetCommNotifyWnd(m_window);
+    EXPECT_EQ(Rest(), Told{});
+    Control(_NOTIFY_REARM);
+    EXPECT_EQ(Next(1), Told{EV_RXCHAR});
+}
+
+TEST_F(CNotifyTest, ADeviceThatGoesTakesItsCarrierWithIt) {
+    m_lines->SetCarrier(true);
+    Enable();
+    m_lines->BreakDown();
+    m_device.Close();
+    EXPECT_EQ(Next(1), Told{EV_RLSD});
+    EXPECT_EQ(Rest(), Told{});
+    m_log.Take();
+    const std::clock_t before = std::clock();
+    Sleep(400);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 5);
+    EXPECT_EQ(Reports(), Texts{});
+    EXPECT_TRUE(m_serial->Close());
+}
+
+} // namespace

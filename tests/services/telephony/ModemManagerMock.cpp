@@ -1,0 +1,113 @@
+#include "tests/services/telephony/ModemManagerMock.h"
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <poll.h>
+
+namespace {
+
+constexpr const char* kManager = "org.freedesktop.ModemManager1";
+
+} // namespace
+
+CTestBus::CTestBus() {
+    const std::string socket = m_folder.GetPath("bus");
+    const std::string configuration =
+        m_folder.Write("bus.conf", "<busconfig><type>system</type><auth>EXTERNAL</auth>"
+                                   "<listen>unix:path=" +
+                                       socket +
+                                       "</listen><policy context=\"default\">"
+                                       "<allow user=\"*\"/><allow own=\"*\"/>"
+                                       "<allow send_destination=\"*\"/>"
+                                       "<allow receive_sender=\"*\"/></policy></busconfig>");
+    Pipe ready;
+    ProcessOptions options;
+    options.arguments = {"/usr/bin/dbus-daemon", "--nofork", "--nopidfile", "--print-address",
+                         "--config-file=" + configuration};
+    options.output = ready.writer.Get();
+    m_daemon.emplace(options);
+    ready.writer.Reset();
+    char byte = 0;
+    EXPECT_EQ(read(ready.reader.Get(), &byte, 1), 1) << "needs the package dbus-daemon";
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + socket).c_str(), 1);
+}
+
+CTestBus::~CTestBus() {
+    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+CModemManagerMock::CModemManagerMock(EManager behaviour, std::string port)
+    : m_behaviour(behaviour), m_port(std::move(port)) {
+    EXPECT_GE(sd_bus_open_system(&m_bus), 0);
+    EXPECT_GE(sd_bus_request_name(m_bus, kManager, 0), 0);
+    EXPECT_GE(sd_bus_add_filter(m_bus, nullptr, OnMessage, this), 0);
+    EXPECT_GE(sd_bus_add_match(m_bus, nullptr, "type='signal',member='NameOwnerChanged'", nullptr,
+                               nullptr),
+              0);
+    m_thread = std::thread([this] { Serve(); });
+}
+
+CModemManagerMock::~CModemManagerMock() {
+    m_end.writer.Reset();
+    m_thread.join();
+    sd_bus_close_unref(m_bus);
+}
+
+void CModemManagerMock::Serve() {
+    pollfd descriptors[] = {{sd_bus_get_fd(m_bus), POLLIN, 0}, {m_end.reader.Get(), POLLIN, 0}};
+    while (descriptors[1].revents == 0) {
+        while (sd_bus_process(m_bus, nullptr) > 0) {
+        }
+        poll(descriptors, std::size(descriptors), -1);
+    }
+}
+
+int CModemManagerMock::OnMessage(sd_bus_message* message, void* mock, sd_bus_error*) {
+    return static_cast<CModemManagerMock*>(mock)->Answer(message);
+}
+
+int CModemManagerMock::Answer(sd_bus_message* call) {
+    if (sd_bus_message_is_method_call(call, nullptr, "GetManagedObjects") > 0)
+        return AnswerList(call);
+    if (sd_bus_message_is_method_call(call, kManager, "InhibitDevice") > 0)
+        return AnswerInhibit(call);
+    const char* name = nullptr;
+    const char* before = nullptr;
+    const char* owner = nullptr;
+    if (sd_bus_message_is_signal(call, nullptr, "NameOwnerChanged") > 0 &&
+        sd_bus_message_read(call, "sss", &name, &before, &owner) > 0 && m_holder == name &&
+        owner[0] == '\0')
+        m_bLetGo = false;
+    return 0;
+}
+
+int CModemManagerMock::AnswerList(sd_bus_message* call) const {
+    if (m_behaviour == EManager::TalksNonsense)
+        return sd_bus_reply_method_return(call, "a{oa{sa{sv}}}", 1, "/modem", 1,
+                                          "org.freedesktop.ModemManager1.Modem", 2, "Device", "u",
+                                          1, "Ports", "s", m_port.c_str());
+    return sd_bus_reply_method_return(
+        call, "a{oa{sa{sv}}}", 2, "/org/freedesktop/ModemManager1/Modem/1", 1,
+        "org.freedesktop.ModemManager1.Modem", 2, "Ports", "a(su)", 1, "ttyUSB99", 3, "Device", "s",
+        "/sys/devices/other", "/org/freedesktop/ModemManager1/Modem/2", 2,
+        "org.freedesktop.ModemManager1.Modem.Voice", 1, "Calls", "ao", 0,
+        "org.freedesktop.ModemManager1.Modem", 3, "Device", "s", "/sys/devices/fake", "Ports",
+        "a(su)", 2, "wwan0", 2, m_port.c_str(), 3, "Model", "s", "M1");
+}
+
+int CModemManagerMock::AnswerInhibit(sd_bus_message* call) {
+    const char* device = nullptr;
+    int isInhibited = 0;
+    m_bAsked = true;
+    if (sd_bus_message_read(call, "sb", &device, &isInhibited) <= 0 ||
+        std::strcmp(device, "/sys/devices/fake") != 0 || isInhibited == 0)
+        return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS, "not this one");
+    if (m_behaviour == EManager::NeverAnswers)
+        return 1;
+    if (m_behaviour == EManager::Refuses)
+        return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "not\nallowed");
+    m_holder = sd_bus_message_get_sender(call);
+    m_bLetGo = true;
+    return sd_bus_reply_method_return(call, nullptr);
+}

@@ -1,0 +1,25 @@
+// Descriptors that close themselves: of a pipe, of a pseudo-terminal.
+#pragma once
+
+#include "platform/HandleObject.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+using platform::CDescriptor;
+
+struct Pipe {
+    Pipe() {
+        int ends[2] = {-1, -1};
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        reader.Reset(ends[0]);
+        writer.Reset(ends[1]);
+    }
+    CDescriptor reader;
+    CDescriptor writer;
+};
+
+// The master of a new pseudo-terminal, blocking, and the path of its slave.
+CDescriptor OpenMaster(std::string& slavePath);

@@ -1,0 +1,40 @@
+// Pseudo-terminals made for one test.
+#pragma once
+
+#include "tests/support/ByteQueue.h"
+#include "tests/support/Pipe.h"
+
+#include <string>
+#include <string_view>
+#include <termios.h>
+
+// Both ends: they stay open, so that the settings can be read after the program has gone, and close
+// when it goes.
+class CPseudoTerminal {
+  public:
+    CPseudoTerminal();
+
+    int GetMaster() const { return m_master.Get(); }
+    int GetSlave() const { return m_slave.Get(); }
+    const std::string& GetPath() const { return m_path; }
+
+    termios GetSettings() const;
+    void ApplySettings(const termios& settings);
+    void SetSize(int rows, int columns);
+
+    // Closes the master: for whoever uses the slave, the device is unplugged.
+    void CloseMaster() { m_master.Reset(); }
+
+    // Reads what is there without waiting.
+    std::string Read(std::size_t limit);
+    // Takes from the front of the queue what fits now.
+    void Write(CByteQueue& bytes);
+
+  private:
+    std::string m_path;
+    CDescriptor m_master;
+    CDescriptor m_slave;
+};
+
+// As tcgetattr tells them.
+bool operator==(const termios& left, const termios& right);

@@ -1,0 +1,204 @@
+// Every wrapper: what it asks the service, and what it traces of each of its failures.
+#include "tests/telephony/TelephonyTest.h"
+
+namespace {
+
+int s_allocationsToFail = 0;
+
+} // namespace
+
+extern "C" LPVOID __real__Z14CoTaskMemAllocm(std::size_t cb);
+extern "C" LPVOID __wrap__Z14CoTaskMemAllocm(std::size_t cb) {
+    return s_allocationsToFail > 0 && s_allocationsToFail-- > 0 ? nullptr
+                                                                : __real__Z14CoTaskMemAllocm(cb);
+}
+
+namespace {
+
+using CWrapperTest = CTelephonyTest;
+
+char buffer[4];
+DWORD value;
+HICON icon;
+
+struct SRow {
+    const char* name;
+    LONG (*run)(ITapi& tapi);
+    const char* call;
+    std::vector<std::string> failures; // in the order in which they can happen
+
+    std::string Function() const { return std::string(call, std::strcspn(call, " ")); }
+    bool FailsFor(const char* what) const {
+        return std::ranges::any_of(failures, [&](const std::string& text) {
+            return text.find(what) != std::string::npos;
+        });
+    }
+};
+
+#define ROW(name, ...) #name, [](ITapi & tapi) { return tapi.name(__VA_ARGS__); }
+
+// clang-format off
+const SRow ROWS[] = {
+    {ROW(LineAnswer, TRUE), "lineAnswer 13 null 0", {"No current call handle\n", "lineAnswer() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
+    {ROW(LineBlindTransfer, "1", 49, TRUE), "lineBlindTransfer 13 '1' 49", {"No current call handle\n", "lineBlindTransfer() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
+    {ROW(LineConfigDialog, 3, nullptr, "c"), "lineConfigDialog 3 null 'c'", {"MLineInitialize() failed returning 0x80000048\n", "LineConfigDialog() failed returning 0x80000048\n"}},
+    {ROW(LineConfigDialogEdit, 3, nullptr, "c", "in", 2, CResult<VARSTRING>()), "lineConfigDialogEdit 3 null 'c' * 2 [1024]", {"MLineinitialize failed returning 0x80000048\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n"}},
+    {ROW(LineDial, "1", 49, TRUE), "lineDial 13 '1' 49", {"No current call handle\n", "lineDial() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
+    {ROW(LineDrop, TRUE), "lineDrop 13 null 0", {"No current call handle\n", "lineDrop() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
+    {ROW(LineGatherDigits, 1, buffer, 2, "#", 3, 4), "lineGatherDigits 13 1 * 2 '#' 3 4", {"No current call handle\n", "lineGatherDigits() failed returning 0x80000048\n"}},
+    {ROW(LineGenerateDigits, 1, "5", 2), "lineGenerateDigits 13 1 '5' 2", {"No current call handle\n", "lineGenerateDigits() failed returning 0x80000048\n"}},
+    {ROW(LineGetAppPriority, "a", 1, 2, &value), "lineGetAppPriority 'a' 1 null 2 null", {"lineGetAppPriority() failed returning 0x80000048\n"}},
+    {ROW(LineGetCallInfo, CResult<LINECALLINFO>()), "lineGetCallInfo 13 [1296]", {"No current call handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetCallInfo() failed returning 0x80000048\n"}},
+    {ROW(LineGetCallStatus, CResult<LINECALLSTATUS>()), "lineGetCallStatus 13 [1036]", {"No current call handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetCallStatus() failed returning 0x80000048\n"}},
+    {ROW(LineGetCountry, 49, CResult<LINECOUNTRYLIST>()), "lineGetCountry 49 65540 [1024]", {"CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetCountry() failed returning 0x80000048\n"}},
+    {ROW(LineGetDevCaps, 3, CResult<LINEDEVCAPS>()), "lineGetDevCaps 11 3 65540 0 [1240]", {"MLineInitialize() failed returning 0x80000048\n", "MLineGetDevCaps() failed returning 0x80000048\n"}},
+    {ROW(LineGetDevConfig, 3, CResult<VARSTRING>(), "c"), "lineGetDevConfig 3 [1024] 'c'", {"MLineInitialize() failed returning 0x80000048\n", "MLineGetDevConfig() failed returning 0x80000048\n"}},
+    {ROW(LineGetIcon, 3, "c", &icon), "lineGetIcon 3 'c' *", {"MLineInitialize() failed returning 0x80000048\n", "lineGetIcon() failed returning 0x80000048\n"}},
+    {ROW(LineGetID, CResult<VARSTRING>(), "c"), "lineGetID 12 0 13 4 [56] 'c'", {"No valid line handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetID() failed returning 0x80000048\n"}},
+    {ROW(LineGetLineDevStatus, CResult<LINEDEVSTATUS>()), "lineGetLineDevStatus 12 [1076]", {"No valid line handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetLineDevStatus() failed returning 0x80000048\n"}},
+    {ROW(LineGetRequest, 1, buffer), "lineGetRequest 11 1 *", {"MLineInitialize() failed returning 0x80000048\n", "lineGetRequest() failed returning 0x80000048\n"}},
+    {ROW(LineGetTranslateCaps, CResult<LINETRANSLATECAPS>()), "lineGetTranslateCaps 11 65540 [1044]", {"MLineInitialize() failed returning 0x80000048\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetTranslateCaps() failed returning 0x80000048\n"}},
+    {ROW(LineHandoff, "a", 1), "lineHandoff 13 'a' 1", {"No current call handle\n", "lineHandoff() failed returning 0x80000048\n"}},
+    {ROW(LineHold, TRUE), "lineHold 13", {"No current call handle\n", "lineHold() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
+    {ROW(LineMonitorDigits, 1), "lineMonitorDigits 13 1", {"No current call handle\n", "lineMonitorDigits() failed returning 0x80000048\n"}},
+    {ROW(LineMonitorMedia, 1), "lineMonitorMedia 13 1", {"No current call handle\n", "lineMonitorMedia() failed returning 0x80000048\n"}},
+    {ROW(LineRegisterRequestRecipient, 1, 2, TRUE), "lineRegisterRequestRecipient 11 1 2 1", {"MLineInitialize() failed returnint 0x80000048", "lineRegisterRequestRecipient() failed returning 0x80000048"}},
+    {ROW(LineSetAppPriority, "a", 1, 2, 3), "lineSetAppPriority 'a' 1 null 2 null 3", {"lineSetAppPriority() failed returning 0x80000048"}},
+    {ROW(LineSetAppSpecific, 1), "lineSetAppSpecific 13 1", {"No current call handle", "lineSetAppSpecific() failed returning 0x80000048"}},
+    {ROW(LineSetCallParams, 1, 2, 3, nullptr, TRUE), "lineSetCallParams 13 1 2 3 null", {"No current call handle", "lineSetCallParams() failed returning 0x80000048", "MLineWaitForReply() failed returning 0x80000048"}},
+    {ROW(LineSetCallPrivilege, 4), "lineSetCallPrivilege 13 4", {"No current call handle", "lineSetCallPrivilege() failed returning 0x80000048"}},
+    {ROW(LineSetCurrentLocation, 1), "lineSetCurrentLocation 11 1", {"MLineInitialize() failed returning 0x80000048", "lineSetCurrentLocation() failed returning 0x80000048"}},
+    {ROW(LineSetDevConfig, 3, buffer, 2, "c"), "lineSetDevConfig 3 * 2 'c'", {"MLineInitialize() failed returning 0x80000048", "lineSetDevConfig() failed returning 0x80000048"}},
+    {ROW(LineSetMediaMode, 16), "lineSetMediaMode 13 16", {"No current call handle", "lineSetMediaMode() failed returning 0x80000048"}},
+    {ROW(LineSetTollList, "1", 2), "lineSetTollList 11 0 '1' 2", {"MLineInitialize() failed returning 0x80000048", "lineSetTollList() failed returning 0x80000048"}},
+    {ROW(LineTranslateAddress, "1", 2, 3, CResult<LINETRANSLATEOUTPUT>()), "lineTranslateAddress 11 0 65540 '1' 2 3 [1040]", {"MLineInitialize() failed returning 0x80000048", "CoTaskMemAlloc() failure #1", "CoTaskMemAlloc() failure #2", "lineTranslateAddress() failed returning 0x80000048"}},
+    {ROW(LineTranslateDialog, nullptr, "1"), "lineTranslateDialog 11 0 65540 null '1'", {"MLineInitialize() failed returning 0x80000048", "lineTranslateDialog() failed returning 0x80000048"}},
+    {ROW(LineUnhold, TRUE), "lineUnhold 13", {"No current call handle", "lineUnhold() failed returning 0x80000048", "MLineWaitForReply() failed returning 0x80000048"}},
+    {ROW(PhoneConfigDialog, 3, nullptr, "c"), "phoneConfigDialog 3 null 'c'", {"phoneConfigDialog() failed returning 0x80000048"}},
+    {ROW(PhoneGetDevCaps, 3, CResult<PHONECAPS>()), "phoneGetDevCaps 21 3 65540 0 [1144]", {"MPhoneInitialize() failed returning 0x80000048", "MPhoneGetDevCaps() failed returning 0x80000048"}},
+    {ROW(PhoneGetGain, 1, &value), "phoneGetGain 22 1", {"No valid phone handle", "phoneGetGain() failed returing 0x80000048"}},
+    {ROW(PhoneGetHookSwitch, &value), "phoneGetHookSwitch 22", {"No valid phone handle", "phoneGetHookSwitch() failed returing 0x80000048"}},
+    {ROW(PhoneGetIcon, 3, "c", &icon), "phoneGetIcon 3 'c' *", {"MPhoneInitialize() failed returning 0x80000048", "phoneGetIcon() failed returing 0x80000048"}},
+    {ROW(PhoneGetID, CResult<VARSTRING>(), "c"), "phoneGetID 22 [56] 'c'", {"No valid phone handle", "CoTaskMemAlloc() failure #1", "CoTaskMemAlloc() failure #2", "phoneGetID() failed returning 0x80000048"}},
+    {ROW(PhoneGetRing, &value, &value), "phoneGetRing 22", {"No valid phone handle", "phoneGetRing() failed returing 0x80000048"}},
+    {ROW(PhoneGetStatus, CResult<PHONESTATUS>()), "phoneGetStatus 22 [1100]", {"CoTaskMemAlloc() failure #1", "CoTaskMemAlloc() failure #2", "phoneGetStatus() failed returning 0x80000048"}},
+    {ROW(PhoneGetVolume, 1, &value), "phoneGetVolume 22 1", {"No valid phone handle", "phoneGetVolume() failed returing 0x80000048"}},
+    {ROW(PhoneSetGain, 1, 2, TRUE), "phoneSetGain 22 1 2", {"No valid phone handle", "phoneSetGain() failed returing 0x80000048", "MPhonwWaitForReply() failed returning 0x80000048"}},
+    {ROW(PhoneSetHookSwitch, 1, 2, TRUE), "phoneSetHookSwitch 22 1 2", {"No valid phone handle", "phoneSetHookSwitch() failed returing 0x80000048", "MPhoneWaitForReply() failed returning 0x80000048"}},
+    {ROW(PhoneSetVolume, 1, 2, TRUE), "phoneSetVolume 22 1 2", {"No valid phone handle", "phoneSetVolume() failed returing 0x80000048", "MPhonwWaitForReply() failed returning 0x80000048"}},
+};
+// clang-format on
+
+// Each failure of a row in turn; the trace of all of them is what the row says.
+class CFailures {
+  public:
+    CFailures(const SRow& row, ITapi& tapi) : m_row(row), m_tapi(tapi) {}
+
+    void Missing() {
+        if (m_row.FailsFor("nitialize"))
+            FakeTapi()->results["lineInitialize"] =
+                FakeTapi()->results["phoneInitialize"] = {LINEERR_OPERATIONFAILED};
+        const LONG missing = m_row.FailsFor("call handle")    ? E_TAPI_NOCALL
+                             : m_row.FailsFor("line handle")  ? E_TAPI_NOLINE
+                             : m_row.FailsFor("phone handle") ? E_TAPI_NOPHONE
+                             : m_row.FailsFor("nitialize")    ? LINEERR_OPERATIONFAILED
+                                                              : 0;
+        if (missing != 0) {
+            EXPECT_EQ(m_row.run(m_tapi), missing) << m_row.name;
+        }
+        FakeTapi()->results.clear();
+    }
+    void Memory() {
+        if (!m_row.FailsFor("CoTaskMemAlloc"))
+            return;
+        s_allocationsToFail = 1;
+        EXPECT_EQ(m_row.run(m_tapi), E_TAPI_NOMEMORY) << m_row.name;
+        FakeTapi()->fill = [this](const std::string&, LPVOID record) {
+            static_cast<LPDWORD>(record)[1] = 0x7FFFFFFF; // needed
+            return m_row.name[0] == 'P' ? PHONEERR_STRUCTURETOOSMALL : LINEERR_STRUCTURETOOSMALL;
+        };
+        EXPECT_EQ(m_row.run(m_tapi), E_TAPI_NOMEMORY) << m_row.name;
+        FakeTapi()->fill = nullptr;
+    }
+    void Service() {
+        FakeTapi()->results[m_row.Function()] = {LINEERR_OPERATIONFAILED};
+        EXPECT_EQ(m_row.run(m_tapi), LINEERR_OPERATIONFAILED) << m_row.name;
+        if (!m_row.FailsFor("WaitForReply"))
+            return;
+        FakeTapi()->request = [](DWORD request, bool isPhone) {
+            FakeTapi()->Reply(request, LINEERR_OPERATIONFAILED, isPhone);
+        };
+        EXPECT_EQ(m_row.run(m_tapi), LINEERR_OPERATIONFAILED) << m_row.name;
+        FakeTapi()->request = nullptr;
+    }
+
+  private:
+    const SRow& m_row;
+    ITapi& m_tapi;
+};
+
+std::string TextsOf(const SRow& row) {
+    std::string text;
+    for (const std::string& failure : row.failures)
+        text += "1 CVTapi::" + std::string(row.name) + "() - " + failure + '\n';
+    return text;
+}
+
+// The results that an inner operation obtains and reports as well.
+std::string Own(const SRow& row, std::string trace) {
+    std::string own;
+    while (!trace.empty()) {
+        const std::size_t end = std::min(trace.find("\n1 "), trace.size() - 1);
+        const std::string line = trace.substr(0, end + 1);
+        if (line.find("::" + std::string(row.name)) != std::string::npos)
+            own += line;
+        trace.erase(0, end + 1);
+    }
+    return own;
+}
+
+TEST_F(CWrapperTest, EachAsksTheServiceAndTracesItsFailures) {
+    for (const SRow& row : ROWS) {
+        m_tapi.Reset(); // the services come up anew
+        m_tapi = Make();
+        CFailures failures(row, *m_tapi.Get());
+        failures.Missing();
+        const std::string missing = TakeTrace();
+        MakeCall();
+        ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
+        failures.Memory();
+        failures.Service();
+        EXPECT_EQ(Own(row, missing + TakeTrace()), TextsOf(row));
+
+        TakeCalls();
+        EXPECT_EQ(row.run(*m_tapi.Get()), 0) << row.name;
+        EXPECT_EQ(TakeCalls(), std::string(row.call) + '\n');
+        EXPECT_EQ(TakeTrace(), "");
+    }
+}
+
+// Without settings the edit begins with those that the device has, as far as they can be believed.
+TEST_F(CWrapperTest, EditsTheSettingsThatTheDeviceHas) {
+    Fails("lineGetDevConfig", LINEERR_NODEVICE);
+    EXPECT_EQ(m_tapi->LineConfigDialogEdit(3, nullptr, "c", nullptr, 0, CResult<VARSTRING>()),
+              LINEERR_NODEVICE);
+    EXPECT_EQ(
+        TakeTrace(),
+        "1 CVTapi::MLineGetDevConfig() - lineGetDevConfig() failed returning 0x80000042\n"
+        "1 CVTapi::LineConfigDialogEdit() - mLineGetDevConfig failed returning 0x80000042\n\n");
+    DWORD size = 5;
+    FakeTapi()->fill = [&](const std::string&, LPVOID record) {
+        static_cast<VARSTRING*>(record)->dwStringSize = size;
+        static_cast<VARSTRING*>(record)->dwStringOffset = sizeof(VARSTRING);
+        return 0;
+    };
+    for (const char* const call : {" * 5", " null 0"}) {
+        CResult<VARSTRING> edited;
+        EXPECT_EQ(m_tapi->LineConfigDialogEdit(3, nullptr, "c", nullptr, 0, edited), 0);
+        EXPECT_TRUE(TakeCalls().ends_with("lineConfigDialogEdit 3 null 'c'" + std::string(call) +
+                                          " [1024]\n"));
+        size = 1001;
+    }
+}
+
+} // namespace

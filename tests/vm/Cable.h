@@ -1,0 +1,33 @@
+// The serial devices of the guest, each with the far end of its cable.
+#pragma once
+
+#include <chrono>
+#include <gtest/gtest.h>
+
+// A second is meant where something must not be held up; under emulation on a busy machine it gets
+// longer. What must not happen takes longer still: the drivers wait 30 seconds for their output, a
+// command file waits 10 for an answer.
+inline constexpr std::chrono::seconds GUARD{8};
+
+struct Cable {
+    const char* name; // as the host knows the chip
+    const char* device;
+    const char* farEnd;
+
+    bool operator==(const Cable& other) const { return std::string_view(name) == other.name; }
+};
+
+inline constexpr Cable ADAPTER = {"adapter", "/dev/ttyUSB0", "/dev/vport0p3"}; // ftdi_sio
+inline constexpr Cable UART = {"uart", "/dev/ttyS1", "/dev/vport0p4"};         // 8250
+inline constexpr Cable ACM = {"acm", "/dev/ttyACM0", "/dev/ttyGS0"};           // cdc_acm
+
+// Takes the adapter or the ACM away, and brings it back; returns when it is there.
+void Unplug(const Cable& cable);
+void Plug(const Cable& cable);
+
+inline std::ostream& operator<<(std::ostream& stream, const Cable& cable) {
+    return stream << cable.name;
+}
+inline std::string NameOfCable(const testing::TestParamInfo<Cable>& info) {
+    return info.param.name;
+}

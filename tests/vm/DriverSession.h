@@ -1,0 +1,31 @@
+// A session of the program on a serial device, with a test or the simulated modem at the far end.
+#pragma once
+
+#include "tests/endtoend/SessionTest.h"
+#include "tests/vm/Cable.h"
+#include "tests/vm/FarEnd.h"
+
+#include <optional>
+
+class CDriverSession : public CSessionTest, public testing::WithParamInterface<Cable> {
+  protected:
+    CDriverSession() { Connect(); }
+    ~CDriverSession() override;
+
+    // Takes hold of the far end, again once the device was unplugged.
+    void Connect();
+    // The simulated modem takes the far end over.
+    void ConnectModem(const std::vector<std::string>& options = {});
+    // Starts the interactive terminal and waits for it.
+    void StartOnCable(const std::vector<std::string>& options = {});
+
+    Result FarEndGets(const std::string& bytes) { return m_farEnd->Gets(m_pump, bytes); }
+    // The program ends in order, and before a driver's wait for its output is over.
+    Result EndsSoon();
+
+    std::optional<CFarEnd> m_farEnd;
+
+  private:
+    std::optional<CSimulator> m_modem;
+    std::optional<CFarEnd> m_modemEnd;
+};

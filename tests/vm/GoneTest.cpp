@@ -1,0 +1,70 @@
+// A port whose device is gone.
+#include "platform/Comm.h"
+#include "platform/Error.h"
+#include "platform/Wait.h"
+#include "tests/vm/SerialTest.h"
+
+class CGoneTest : public testing::TestWithParam<Cable> {};
+INSTANTIATE_TEST_SUITE_P(Cables, CGoneTest, testing::Values(ADAPTER, ACM), NameOfCable);
+
+TEST_P(CGoneTest, EveryCallSaysSoOnceAllIsRead) {
+    CPump pump;
+    CFarEnd farEnd(GetParam().farEnd);
+    pump.Add(farEnd);
+    const HANDLE port = CreateFileA(GetParam().device, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
+    ASSERT_NE(port, INVALID_HANDLE_VALUE);
+    COMMTIMEOUTS timeouts = {MAXDWORD, 0, 0, 0, 0};
+    ASSERT_TRUE(SetCommTimeouts(port, &timeouts));
+    const HANDLE hangup = platform::GetCommHangupHandle(port);
+    DCB dcb{};
+    ASSERT_TRUE(GetCommState(port, &dcb));
+    farEnd.Send("said before");
+    COMSTAT status{};
+    ASSERT_TRUE(pump.RunUntil(
+        [&] { return ClearCommError(port, nullptr, &status) && status.cbInQue == 11; }));
+    EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_TIMEOUT);
+
+    Unplug(GetParam());
+    EXPECT_EQ(WaitForSingleObject(hangup, 60000), WAIT_OBJECT_0);
+    char bytes[100] = "";
+    DWORD count = 0;
+    EXPECT_TRUE(ReadFile(port, bytes, sizeof bytes, &count, nullptr));
+    EXPECT_EQ(std::string(bytes, count), "said before");
+    COMMPROP properties{};
+    properties.wPacketLength = sizeof properties;
+    const std::function<BOOL()> calls[] = {
+        [&] { return ReadFile(port, bytes, 1, &count, nullptr); },
+        [&] { return WriteFile(port, bytes, 1, &count, nullptr); },
+        [&] { return ClearCommError(port, nullptr, nullptr); },
+        [&] { return GetCommProperties(port, &properties); },
+        [&] { return SetupComm(port, 100, 100); },
+        [&] { return GetCommState(port, &dcb); },
+        [&] { return SetCommState(port, &dcb); },
+        [&] { return SetCommTimeouts(port, &timeouts); },
+        [&] { return EscapeCommFunction(port, CLRDTR); },
+        [&] { return GetCommModemStatus(port, &count); },
+        [&] { return PurgeComm(port, PURGE_TXCLEAR | PURGE_RXCLEAR); },
+    };
+    for (const auto& call : calls) {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(call()) << &call - calls;
+        EXPECT_EQ(GetLastError(), ERROR_DEVICE_NOT_CONNECTED) << &call - calls;
+    }
+    EXPECT_TRUE(CloseHandle(port));
+    Plug(GetParam());
+}
+
+class CGoneSerialTest : public CSerialTest {};
+INSTANTIATE_TEST_SUITE_P(Cables, CGoneSerialTest, testing::Values(ADAPTER, ACM), NameOfCable);
+
+TEST_P(CGoneSerialTest, WritingAndClosingDoNotWait) {
+    const auto threads = CountThreads();
+    Open();
+    Unplug(GetParam());
+    Write(std::string(200000, 'u'));
+    ExpectClosing(threads);
+    EXPECT_FALSE(m_serial->Open(GetParam().device));
+    Plug(GetParam());
+    Open();
+}

@@ -1,0 +1,37 @@
+// Another user of a serial device, as root may be. While it lives, the program under test is
+// neither the first nor the last one, at whose coming and going the drivers move the lines by
+// themselves.
+#pragma once
+
+#include "tests/support/Pipe.h"
+
+#include <sys/ioctl.h>
+#include <termios.h>
+
+// The kernel's, whose header does not go with <termios.h>: the UART's spare outputs, of which the
+// second lets its interrupts through, and its loop-back.
+inline constexpr int TIOCM_OUT1 = 0x2000;
+inline constexpr int TIOCM_OUT2 = 0x4000;
+inline constexpr int TIOCM_LOOP = 0x8000;
+
+class CHolder {
+  public:
+    explicit CHolder(const char* device)
+        : m_device(open(device, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+        EXPECT_TRUE(m_device);
+    }
+
+    void SetLines(int lines) { EXPECT_EQ(ioctl(m_device.Get(), TIOCMSET, &lines), 0); }
+
+    termios GetSettings() const {
+        termios settings{};
+        EXPECT_EQ(tcgetattr(m_device.Get(), &settings), 0);
+        return settings;
+    }
+    void ApplySettings(const termios& settings) {
+        EXPECT_EQ(tcsetattr(m_device.Get(), TCSANOW, &settings), 0);
+    }
+
+  private:
+    CDescriptor m_device;
+};

@@ -1,0 +1,59 @@
+// What the tests of a port on a real driver share.
+#pragma once
+
+#include "CORE/VXSerial/Lib/ISerial.h"
+#include "common/InterfacePtr.h"
+#include "platform/Comm.h"
+#include "tests/diagnostics/ReportLog.h"
+#include "tests/vm/Cable.h"
+#include "tests/vm/FarEnd.h"
+#include "tests/vm/Host.h"
+
+#include <filesystem>
+#include <regex>
+
+class CSerialTest : public testing::TestWithParam<Cable> {
+  protected:
+    CSerialTest() {
+        EXPECT_EQ(CreateSerial(m_serial.Receive(), nullptr), S_OK);
+        m_pump.Add(m_farEnd);
+    }
+
+    void Open() { ASSERT_TRUE(m_serial->Open(GetParam().device)); }
+    DWORD Write(const std::string& bytes) {
+        return m_serial->Write(bytes.data(), static_cast<DWORD>(bytes.size()));
+    }
+    // Reads until that many bytes have come.
+    std::string Read(std::size_t count) {
+        std::string bytes;
+        char some[4096];
+        m_pump.RunUntil([&] {
+            bytes.append(some, m_serial->Read(some, sizeof some));
+            return bytes.size() >= count;
+        });
+        return bytes;
+    }
+    static auto CountThreads() {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+    }
+    // Closes; must not wait for the device, and leaves no thread.
+    void ExpectClosing(std::ptrdiff_t threadsBefore) {
+        const auto start = std::chrono::steady_clock::now();
+        m_serial->Close();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, GUARD);
+        EXPECT_EQ(CountThreads(), threadsBefore);
+    }
+    auto FarEndGets(const std::string& bytes) { return m_farEnd.Gets(m_pump, bytes); }
+
+    std::string Settings() const { return AskHost(std::string("settings ") + GetParam().name); }
+    // Without the times between.
+    std::string Moves() const {
+        const std::string moves = AskHost(std::string("moves ") + GetParam().name);
+        return std::regex_replace(moves, std::regex("[0-9]+ms "), "");
+    }
+
+    CReportLog m_log;
+    CPump m_pump;
+    CFarEnd m_farEnd{GetParam().farEnd};
+    CInterfacePtr<ISerial> m_serial;
+};
