@@ -62,8 +62,10 @@ void CConsoleMode::Add(int descriptor, bool isInput, bool drawsOnIt) {
 }
 
 void CConsoleMode::GiveBack() {
-    if (m_nProcess.exchange(0) != 0)
-        Restore();
+    if (m_nProcess.load() == 0)
+        return;
+    Restore();
+    m_nProcess.store(0); // only now: a signal before it must find something to rescue
 }
 
 void CConsoleMode::DiscardInput() {

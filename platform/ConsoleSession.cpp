@@ -35,6 +35,7 @@ void CConsoleSession::TakeOver() {
     m_bTakenOver = true;
     m_owner.store(pthread_self());
     consolesignals::Install(m_mode);
+    consolesignals::NoteControlEvents(m_handler != nullptr);
     m_mode.TakeOver(m_nInput, m_nOutput, m_output.IsTerminal());
     m_output.Begin();
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_output.WaitDescriptor() : -1);
@@ -49,6 +50,8 @@ void CConsoleSession::GiveBack(Typed typed) {
     m_output.End();
     if (typed == Typed::DROPPED_IF_READ && m_input.WasRead())
         m_mode.DiscardInput();
+    // Whoever sees the terminal as it was may send the next signal, which must not be lost.
+    consolesignals::NoteControlEvents(false);
     m_mode.GiveBack();
     m_mode.SetTitleChanged(false);
     m_mode.SetScreenBack(nullptr);
@@ -69,7 +72,7 @@ void CConsoleSession::GiveBackAtExit() {
 
 void CConsoleSession::SetHandler(PHANDLER_ROUTINE handler) {
     m_handler = handler;
-    consolesignals::NoteControlEvents(handler != nullptr);
+    consolesignals::NoteControlEvents(m_bTakenOver && handler != nullptr);
 }
 
 void CConsoleSession::SetTitle(const char* title) {

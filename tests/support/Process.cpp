@@ -94,8 +94,9 @@ void CProcess::Execute(const ProcessOptions& options) {
         const int terminal = open(options.terminal.c_str(), O_RDWR | O_CLOEXEC);
         tcsetpgrp(terminal, getpid());
     }
-    std::signal(SIGHUP, SIG_DFL);
-    std::signal(SIGTTOU, SIG_DFL);
+    // A user's shell starts its programs so, whatever this test was started with.
+    for (int signal = 1; signal < SIGRTMIN; ++signal)
+        std::signal(signal, SIG_DFL);
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
     Connect(options.input, STDIN_FILENO);
