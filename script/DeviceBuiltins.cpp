@@ -119,11 +119,8 @@ ScriptWord SendString(CVScript& script, const BuiltinArguments& arguments) {
 }
 
 ScriptWord SetBaudRate(CVScript& script, const BuiltinArguments& arguments) {
-    const std::int32_t rate = arguments[0].value;
-    if (rate < 0)
-        return Finish(script, 0);
-    const BOOL isSet = script.Host().SetDataFormat(static_cast<DWORD>(rate), KEEP_SETTING,
-                                                   KEEP_SETTING, KEEP_SETTING);
+    const auto rate = static_cast<DWORD>(arguments[0].value);
+    const BOOL isSet = script.Host().SetDataFormat(rate, KEEP_SETTING, KEEP_SETTING, KEEP_SETTING);
     return Finish(script, isSet);
 }
 

@@ -27,8 +27,7 @@ ScriptWord SendFile(CVScript& script, const BuiltinArguments& arguments);
 // Text: 0.
 ScriptWord SendString(CVScript& script, const BuiltinArguments& arguments);
 
-// Rate: 1, or 0 when the device refuses it. A negative rate is refused here: one of them would ask
-// the modem to keep the rate.
+// Rate: 1, or 0 when the device refuses it. -1 keeps the rate.
 ScriptWord SetBaudRate(CVScript& script, const BuiltinArguments& arguments);
 
 // Attempts: 1.

