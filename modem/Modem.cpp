@@ -30,6 +30,8 @@ CVModem::CVModem() {
 
 CVModem::~CVModem() {
     Close();
+    // Before the telephony object, which may have given it its port.
+    m_pSerial.Reset();
 }
 
 BOOL CVModem::Open(const std::string& path) {

@@ -1,11 +1,10 @@
 // CVModem: the object through which the rest of the system talks to a phone or modem.
 //
 // It owns the serial port object and, once a modem was opened by name, a telephony object, and
-// offers AT commands with their answers, raw bytes, the control
-// lines and the line settings. It knows no command: it moves bytes and recognises final result
-// codes. One thread uses an object at a time; there is no lock. The destructor closes the device
-// and releases the port. Texts are NUL-terminated bytes unless told otherwise; time-outs are
-// milliseconds.
+// offers AT commands with their answers, raw bytes, the control lines and the line settings. It
+// knows no command: it moves bytes and recognises final result codes. One thread uses an object at
+// a time; there is no lock. The destructor closes the device and releases the port. Texts are
+// NUL-terminated bytes unless told otherwise; time-outs are milliseconds.
 #pragma once
 
 #include "CORE/VXSerial/Lib/ISerial.h"

@@ -116,6 +116,9 @@ LONG CVModem::PlaceCall(const std::string& name, DWORD device) {
     LONG status = m_pTapi->LineOpen(device, LINECALLPRIVILEGE_OWNER, LINEMEDIAMODE_DATAMODEM);
     if (status != 0) {
         DebugTrace("CVModem::OpenDevice() - LineOpen Failed - %s\n", name.c_str());
+        // A line that was open before stays; one that opened with an odd result does not.
+        if (status > 0)
+            m_pTapi->LineClose();
         return status;
     }
     const LINECALLPARAMS parameters = GetPassThroughCall();
@@ -140,9 +143,10 @@ std::string CVModem::AskDevicePath(DWORD device) {
 // The service's answer begins with the handle, 32 bits wide as all handles are.
 BOOL CVModem::TakeHandle(HANDLE& port) {
     VARSTRING* identifier = nullptr;
-    if (m_pTapi->LineGetID(&identifier, kHandleClass) != 0)
-        return FALSE;
+    const LONG status = m_pTapi->LineGetID(&identifier, kHandleClass);
     const CTaskMemory<VARSTRING> owner(identifier);
+    if (status != 0)
+        return FALSE;
     const std::span<const BYTE> bytes = BytesOf(*identifier);
     DWORD value = 0;
     if (bytes.size() < sizeof value)
@@ -153,6 +157,9 @@ BOOL CVModem::TakeHandle(HANDLE& port) {
 }
 
 void CVModem::HangUpCall() {
+    // A handle that AttachHandle was given may be of somebody else's call.
+    if (!m_pTapi)
+        return;
     m_pTapi->LineDrop(FALSE);
     m_pTapi->LineClose();
 }

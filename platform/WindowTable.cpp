@@ -11,16 +11,9 @@
 namespace platform {
 namespace {
 
-// A window's value: the lowest two bits tell it from the handles of other objects, which never have
-// these; bits 2 to 15 are the slot, bits 16 to 30 the slot's generation, which is never 0. No
-// published special value looks like this.
-constexpr std::uintptr_t KIND = 1;
-constexpr std::uintptr_t KIND_MASK = 3;
-constexpr unsigned SLOT_SHIFT = 2;
-constexpr unsigned GENERATION_SHIFT = 16;
-constexpr std::uintptr_t SLOT_MASK = 0x3FFF;
-constexpr std::uint32_t LAST_GENERATION = 0x7FFF;
-constexpr std::size_t SLOTS_MAX = SLOT_MASK + 1;
+std::uintptr_t ToNumber(HWND window) {
+    return reinterpret_cast<std::uintptr_t>(window);
+}
 
 // The published range of a class's number and length of its name.
 constexpr std::size_t FIRST_CLASS = 0xC000;
@@ -104,97 +97,66 @@ HWND CWindowTable::Add(LPCSTR className, std::shared_ptr<CMessageQueue> queue) {
         SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
         return nullptr;
     }
-    const std::uint32_t index = TakeFreeSlot();
-    if (index == NO_SLOT) {
+    const auto classIndex = static_cast<std::size_t>(windowClass - &m_classes[0]);
+    const std::uintptr_t number = m_windows.Add({std::move(queue), classIndex, 0});
+    if (number == 0)
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return nullptr;
-    }
-    ++windowClass->windows;
-    Slot& slot = m_slots[index];
-    slot.queue = std::move(queue);
-    slot.windowClass = static_cast<std::size_t>(windowClass - &m_classes[0]);
-    slot.userData = 0;
-    const std::uintptr_t value = slot.generation << GENERATION_SHIFT | index << SLOT_SHIFT | KIND;
-    return reinterpret_cast<HWND>(value);
-}
-
-std::uint32_t CWindowTable::TakeFreeSlot() {
-    if (m_dwFirstFree != NO_SLOT)
-        return std::exchange(m_dwFirstFree, m_slots[m_dwFirstFree].nextFree);
-    if (m_slots.size() == SLOTS_MAX)
-        return NO_SLOT;
-    try {
-        m_slots.emplace_back();
-    } catch (const std::bad_alloc&) {
-        return NO_SLOT;
-    }
-    return static_cast<std::uint32_t>(m_slots.size() - 1);
+    else
+        ++windowClass->windows;
+    return reinterpret_cast<HWND>(number);
 }
 
 BOOL CWindowTable::Remove(HWND window, const CMessageQueue& owner) {
     const std::lock_guard lock(m_mutex);
-    Slot* const slot = ValidSlotOf(window);
-    if (slot == nullptr)
+    const Window* const found = FindWindow(window);
+    if (found == nullptr)
         return FALSE;
-    if (slot->queue.get() != &owner)
+    if (found->queue.get() != &owner)
         return FailWith(ERROR_ACCESS_DENIED);
-    --m_classes[slot->windowClass].windows;
-    slot->queue.reset();
-    slot->generation = slot->generation == LAST_GENERATION ? 1 : slot->generation + 1;
-    slot->nextFree = m_dwFirstFree;
-    m_dwFirstFree = static_cast<std::uint32_t>(slot - &m_slots[0]);
+    --m_classes[found->windowClass].windows;
+    m_windows.Remove(ToNumber(window));
     return TRUE;
 }
 
 bool CWindowTable::Has(HWND window) {
     const std::lock_guard lock(m_mutex);
-    return SlotOf(window) != nullptr;
+    return m_windows.Find(ToNumber(window)) != nullptr;
 }
 
 std::shared_ptr<CMessageQueue> CWindowTable::QueueOf(HWND window) {
     const std::lock_guard lock(m_mutex);
-    const Slot* const slot = ValidSlotOf(window);
-    return slot != nullptr ? slot->queue : nullptr;
+    const Window* const found = FindWindow(window);
+    return found != nullptr ? found->queue : nullptr;
 }
 
 WNDPROC CWindowTable::ProcedureOf(HWND window, const CMessageQueue& owner) {
     const std::lock_guard lock(m_mutex);
-    const Slot* const slot = ValidSlotOf(window);
-    if (slot == nullptr)
+    const Window* const found = FindWindow(window);
+    if (found == nullptr)
         return nullptr;
-    if (slot->queue.get() == &owner)
-        return m_classes[slot->windowClass].procedure;
+    if (found->queue.get() == &owner)
+        return m_classes[found->windowClass].procedure;
     SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     return nullptr;
 }
 
 LONG_PTR CWindowTable::UserData(HWND window) {
     const std::lock_guard lock(m_mutex);
-    const Slot* const slot = ValidSlotOf(window);
-    return slot != nullptr ? slot->userData : 0;
+    const Window* const found = FindWindow(window);
+    return found != nullptr ? found->userData : 0;
 }
 
 LONG_PTR CWindowTable::ExchangeUserData(HWND window, LONG_PTR value) {
     const std::lock_guard lock(m_mutex);
-    Slot* const slot = ValidSlotOf(window);
-    return slot != nullptr ? std::exchange(slot->userData, value) : 0;
+    Window* const found = FindWindow(window);
+    return found != nullptr ? std::exchange(found->userData, value) : 0;
 }
 
-CWindowTable::Slot* CWindowTable::SlotOf(HWND window) {
-    const auto value = reinterpret_cast<std::uintptr_t>(window);
-    const std::uintptr_t index = value >> SLOT_SHIFT & SLOT_MASK;
-    if ((value & KIND_MASK) != KIND || index >= m_slots.size())
-        return nullptr;
-    Slot& slot = m_slots[index];
-    const bool isNamed = slot.queue != nullptr && slot.generation == value >> GENERATION_SHIFT;
-    return isNamed ? &slot : nullptr;
-}
-
-CWindowTable::Slot* CWindowTable::ValidSlotOf(HWND window) {
-    Slot* const slot = SlotOf(window);
-    if (slot == nullptr)
+CWindowTable::Window* CWindowTable::FindWindow(HWND window) {
+    Window* const found = m_windows.Find(ToNumber(window));
+    if (found == nullptr)
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return slot;
+    return found;
 }
 
 // Never destroyed: threads that outlive main() may still look windows up.

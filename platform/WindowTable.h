@@ -7,6 +7,7 @@
 #pragma once
 
 #include "platform/Message.h"
+#include "platform/SlotTable.h"
 
 #include <cstdint>
 #include <memory>
@@ -48,26 +49,23 @@ class CWindowTable {
         WNDPROC procedure = nullptr;
         std::size_t windows = 0;
     };
-    struct Slot {
-        std::shared_ptr<CMessageQueue> queue; // null while the slot is free
+    struct Window {
+        std::shared_ptr<CMessageQueue> queue;
         std::size_t windowClass = 0;
         LONG_PTR userData = 0;
-        std::uint32_t generation = 1;
-        std::uint32_t nextFree = 0;
     };
 
     Class* FindClass(std::string_view name);
     Class* TakeFreeClass();
-    Slot* SlotOf(HWND window);
-    Slot* ValidSlotOf(HWND window);
-    std::uint32_t TakeFreeSlot();
+    // Null with ERROR_INVALID_WINDOW_HANDLE.
+    Window* FindWindow(HWND window);
 
-    static constexpr std::uint32_t NO_SLOT = 0xFFFFFFFF;
+    // Tells windows from the handles of other objects.
+    static constexpr std::uintptr_t KIND = 1;
 
     std::mutex m_mutex;
     std::vector<Class> m_classes;
-    std::vector<Slot> m_slots;
-    std::uint32_t m_dwFirstFree = NO_SLOT;
+    CSlotTable<Window, KIND> m_windows;
 };
 
 // The process's table.

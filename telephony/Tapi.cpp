@@ -78,8 +78,7 @@ LONG CVTapi::Provide(const STapiOperation& operation) {
 
 LONG CVTapi::Await(const STapiOperation& operation, LONG lRequestID) {
     const auto dwRequestID = static_cast<DWORD>(lRequestID);
-    const LONG status = operation.need == ETapiNeed::Phone
-                            ? MPhoneWaitForReply(dwRequestID, REPLY_TIMEOUT)
-                            : MLineWaitForReply(dwRequestID, REPLY_TIMEOUT);
-    return status < 0 ? ReportWaitFailed(operation, status) : status;
+    return CheckWait(operation, operation.need == ETapiNeed::Phone
+                                    ? MPhoneWaitForReply(dwRequestID, REPLY_TIMEOUT)
+                                    : MLineWaitForReply(dwRequestID, REPLY_TIMEOUT));
 }

@@ -184,10 +184,8 @@ LONG CVTapi::AskAndWait(const STapiOperation& operation, BOOL bWait, Request req
     const LONG missing = Provide(operation);
     if (missing != 0)
         return missing;
-    const LONG status = request();
-    if (status < 0)
-        return ReportFailed(operation, status);
-    return bWait ? Await(operation, status) : status;
+    const LONG status = CheckResult(operation, request());
+    return bWait && status >= 0 ? Await(operation, status) : status;
 }
 
 template <class Record, class Fill>

@@ -40,28 +40,26 @@ LONG CVTapi::LineOpen(DWORD dwDeviceID, DWORD dwPrivileges, DWORD dwMediaModes) 
 }
 
 LONG CVTapi::MLineOpen(DWORD dwDeviceID, DWORD dwPrivileges, DWORD dwMediaModes) {
-    LONG status = MLineInitialize();
+    LONG status = CheckStatus("CVTapi::LineOpen() - MLineInitialize() failed returning %#08lx",
+                              MLineInitialize());
     if (status < 0)
-        return ReportStatus("CVTapi::LineOpen() - MLineInitialize() failed returning %#08lx",
-                            status);
-    status = MLineNegotiateAPIVersion(dwDeviceID, &m_dwLineAPIVersion);
-    if (status < 0)
-        return ReportStatus(
-            "CVTapi::LineOpen() - MLineNegotiateAPIVersion() faile returning %#08lx", status);
-    status = g_TapiLibrary.lineOpen(g_hLineApp, dwDeviceID, &m_hLine, m_dwLineAPIVersion, 0u,
-                                    Instance(), dwPrivileges, dwMediaModes, nullptr);
-    if (status < 0)
-        return ReportStatus("CVTapi::LineOpen() - lineOpen() failed returning %#08lx", status);
-    status = g_TapiLibrary.lineSetStatusMessages(m_hLine, LINE_STATES, 0u);
-    if (status < 0)
-        return ReportStatus("CVTapi::LineOpen() - lineSetStatusMessage() failed returning %#08lx",
-                            status);
-    if (!(dwPrivileges & LINECALLPRIVILEGE_MONITOR))
         return status;
-    status = MLineGetNewCalls();
+    status = CheckStatus("CVTapi::LineOpen() - MLineNegotiateAPIVersion() faile returning %#08lx",
+                         MLineNegotiateAPIVersion(dwDeviceID, &m_dwLineAPIVersion));
     if (status < 0)
-        ReportStatus("CVTapi::LinOpen() - MLineGetNewCalls() failed returning %#08lx", status);
-    return status;
+        return status;
+    status =
+        CheckStatus("CVTapi::LineOpen() - lineOpen() failed returning %#08lx",
+                    g_TapiLibrary.lineOpen(g_hLineApp, dwDeviceID, &m_hLine, m_dwLineAPIVersion, 0u,
+                                           Instance(), dwPrivileges, dwMediaModes, nullptr));
+    if (status < 0)
+        return status;
+    status = CheckStatus("CVTapi::LineOpen() - lineSetStatusMessage() failed returning %#08lx",
+                         g_TapiLibrary.lineSetStatusMessages(m_hLine, LINE_STATES, 0u));
+    if (status < 0 || !(dwPrivileges & LINECALLPRIVILEGE_MONITOR))
+        return status;
+    return CheckStatus("CVTapi::LinOpen() - MLineGetNewCalls() failed returning %#08lx",
+                       MLineGetNewCalls());
 }
 
 LONG CVTapi::LineClose() {
@@ -75,7 +73,7 @@ LONG CVTapi::MLineClose() {
     const LONG status = g_TapiLibrary.lineClose(m_hLine);
     m_hLine = 0;
     m_hCall = 0;
-    return status < 0 ? ReportFailed(LINE_CLOSE_ROW, status) : status;
+    return CheckResult(LINE_CLOSE_ROW, status);
 }
 
 LONG CVTapi::MLineGetNewCalls() {
@@ -88,8 +86,8 @@ LONG CVTapi::MLineGetNewCalls() {
     if (calls)
         TakeCalls(*calls);
     else if (status != E_TAPI_NOMEMORY)
-        ReportStatus("CVTapi::LineGetNewCalls() - lineGetNewCalls() failed returning %#08lx",
-                     status);
+        CheckStatus("CVTapi::LineGetNewCalls() - lineGetNewCalls() failed returning %#08lx",
+                    status);
     return status;
 }
 
@@ -110,28 +108,23 @@ void CVTapi::TakeCalls(const LINECALLLIST& calls) {
 LONG CVTapi::LineMakeCall(LPCSTR szDestination, DWORD dwCountryCode,
                           const LINECALLPARAMS* pCallParams, BOOL bWait) {
     const CLock lock(m_CritSec);
-    LONG status = MLineInitialize();
+    LONG status = CheckStatus(
+        "CVTapi::LineMakeCall() - MLineInitialize() failed returning %#08lx\n", MLineInitialize());
     if (status < 0)
-        return ReportStatus("CVTapi::LineMakeCall() - MLineInitialize() failed returning %#08lx\n",
-                            status);
+        return status;
     if (m_hCall) {
         DebugTrace("CVTapi::LineMakeCall() - A call is already in progress on this line\n");
         return E_TAPI_CALLINPROGRESS;
     }
-    status =
-        g_TapiLibrary.lineMakeCall(m_hLine, &m_hCall, szDestination, dwCountryCode, pCallParams);
-    if (status < 0) {
-        m_hCall = 0;
-        return ReportStatus("CVTapi::LineMakeCall() - lineMakeCall() failed returning %#08lx",
-                            status);
-    }
-    if (!bWait)
-        return status;
-    status = MLineWaitForReply(static_cast<DWORD>(status), CALL_TIMEOUT);
+    status = CheckStatus(
+        "CVTapi::LineMakeCall() - lineMakeCall() failed returning %#08lx",
+        g_TapiLibrary.lineMakeCall(m_hLine, &m_hCall, szDestination, dwCountryCode, pCallParams));
     if (status < 0)
-        ReportStatus("CVTapi::LineMakeCall() - MLineWaitForReply() failed returning %#08lx\n",
-                     status);
-    return status;
+        m_hCall = 0;
+    if (status < 0 || !bWait)
+        return status;
+    return CheckStatus("CVTapi::LineMakeCall() - MLineWaitForReply() failed returning %#08lx\n",
+                       MLineWaitForReply(static_cast<DWORD>(status), CALL_TIMEOUT));
 }
 
 LONG CVTapi::LineDrop(BOOL bWait) {

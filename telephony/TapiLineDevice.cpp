@@ -88,11 +88,11 @@ LONG CVTapi::LineConfigDialogEdit(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDev
         return missing;
     VARSTRING* present = nullptr;
     if (!pConfigIn) {
-        const LONG status = MLineGetDevConfig(dwDeviceID, &present, szDeviceClass);
+        const LONG status = CheckStatus("CVTapi::LineConfigDialogEdit() - mLineGetDevConfig failed "
+                                        "returning %#08lx\n",
+                                        MLineGetDevConfig(dwDeviceID, &present, szDeviceClass));
         if (status < 0)
-            return ReportStatus("CVTapi::LineConfigDialogEdit() - mLineGetDevConfig failed "
-                                "returning %#08lx\n",
-                                status);
+            return status;
         pConfigIn = BytesOf(*present).data();
         dwSize = static_cast<DWORD>(BytesOf(*present).size());
     }

@@ -3,6 +3,7 @@
 #include "telephony/TapiService.h"
 
 #include <algorithm>
+#include <utility>
 
 LONG CVTapi::MLineInitialize() {
     const CLock lock(g_TapiLock);
@@ -12,11 +13,12 @@ LONG CVTapi::MLineInitialize() {
         return g_TapiLibrary.lineInitialize(&g_hLineApp, GetModuleHandleA(nullptr),
                                             &CVTapi::LineCallbackProc, nullptr, &g_dwNumLineDevs);
     };
-    const LONG status = BringUp(initialize, LINEERR_REINIT);
+    const LONG status =
+        CheckStatus("CVTapi::MLineInitialize() - lineInitialize() failed returning %#08lx",
+                    BringUp(initialize, LINEERR_REINIT));
     if (status < 0) {
         g_hLineApp = 0;
-        return ReportStatus("CVTapi::MLineInitialize() - lineInitialize() failed returning %#08lx",
-                            status);
+        return status;
     }
     g_dwNumLineDevs = std::min(g_dwNumLineDevs, TAPI_DEVICES_MAX);
     return 0;
@@ -26,22 +28,17 @@ LONG CVTapi::MLineShutdown() {
     const CLock lock(g_TapiLock);
     if (!g_hLineApp)
         return 0;
-    const LONG status = g_TapiLibrary.lineShutdown(g_hLineApp);
-    if (status < 0)
-        ReportStatus("CVTapi::MLineShutdown() - lineShutdown() failed returning %#08lx", status);
-    g_hLineApp = 0;
-    return status;
+    return CheckStatus("CVTapi::MLineShutdown() - lineShutdown() failed returning %#08lx",
+                       g_TapiLibrary.lineShutdown(std::exchange(g_hLineApp, 0)));
 }
 
 LONG CVTapi::MLineNegotiateAPIVersion(DWORD dwDeviceID, LPDWORD pdwAPIVersion) {
     LINEEXTENSIONID extension = {};
-    const LONG status = g_TapiLibrary.lineNegotiateAPIVersion(
-        g_hLineApp, dwDeviceID, TAPI_API_VERSION, TAPI_API_VERSION, pdwAPIVersion, &extension);
-    if (status < 0)
-        ReportStatus("CVTapi::MLineNegotiateAPIVersion() - lineNegotiateAPIVersion() failed "
-                     "returning %#08lx",
-                     status);
-    return status;
+    return CheckStatus("CVTapi::MLineNegotiateAPIVersion() - lineNegotiateAPIVersion() failed "
+                       "returning %#08lx",
+                       g_TapiLibrary.lineNegotiateAPIVersion(g_hLineApp, dwDeviceID,
+                                                             TAPI_API_VERSION, TAPI_API_VERSION,
+                                                             pdwAPIVersion, &extension));
 }
 
 STapiReply CVTapi::LineReply() {
@@ -71,7 +68,6 @@ void CVTapi::MLineCallback(DWORD hDevice, DWORD dwMessage, DWORD_PTR, DWORD_PTR 
 }
 
 void CVTapi::FollowCallState(HCALL hCall, DWORD dwCallState) {
-    LONG status = 0;
     switch (dwCallState) {
     case LINECALLSTATE_OFFERING:
     case LINECALLSTATE_CONNECTED:
@@ -81,18 +77,15 @@ void CVTapi::FollowCallState(HCALL hCall, DWORD dwCallState) {
         return;
     case LINECALLSTATE_IDLE:
         if (m_hCall)
-            status = g_TapiLibrary.lineDeallocateCall(m_hCall);
-        if (status < 0)
-            ReportStatus("CVTapi::MLineCallback() - lineDeallocateCall() failed returning %#08lx",
-                         status);
+            CheckStatus("CVTapi::MLineCallback() - lineDeallocateCall() failed returning %#08lx",
+                        g_TapiLibrary.lineDeallocateCall(m_hCall));
         m_hCall = 0;
         return;
     case LINECALLSTATE_DISCONNECTED:
         // The call stays until it is idle, and nobody waits for the reply.
         if (m_hCall)
-            status = g_TapiLibrary.lineDrop(m_hCall, nullptr, 0u);
-        if (status < 0)
-            ReportStatus("CVTapi::MLineCallback() - lineDrop() failed returning %#08lx", status);
+            CheckStatus("CVTapi::MLineCallback() - lineDrop() failed returning %#08lx",
+                        g_TapiLibrary.lineDrop(m_hCall, nullptr, 0u));
         return;
     default:
         return;

@@ -50,22 +50,18 @@ void CopyName(std::string_view name, char* szName, DWORD dwSize) {
 
 LONG CVTapi::IterateModems(char* szName, DWORD dwSize, BOOL bRestart) {
     const CLock lock(m_CritSec);
-    LONG status = MLineInitialize();
-    if (status < 0)
-        return ReportStatus("CVTapi::IterateModems() - MLineInitialize() failed returning %#08lx\n",
-                            status);
+    const LONG missing = CheckStatus(
+        "CVTapi::IterateModems() - MLineInitialize() failed returning %#08lx\n", MLineInitialize());
+    if (missing < 0)
+        return missing;
     if (bRestart)
         m_dwModemIndex = 0;
     while (m_dwModemIndex < g_dwNumLineDevs) {
         LINEDEVCAPS* capabilities = nullptr;
-        status = MLineGetDevCaps(m_dwModemIndex++, &capabilities);
+        CheckStatus("CVTapi::IterateModems() - MLineGetDevCaps() failed returning %#08lx\n",
+                    MLineGetDevCaps(m_dwModemIndex++, &capabilities));
         const CTaskMemory<LINEDEVCAPS> owner(capabilities);
-        if (status < 0) {
-            ReportStatus("CVTapi::IterateModems() - MLineGetDevCaps() failed returning %#08lx\n",
-                         status);
-            continue;
-        }
-        if (!IsDataModem(*capabilities))
+        if (!capabilities || !IsDataModem(*capabilities))
             continue;
         CopyName(*LineNameOf(*capabilities), szName, dwSize);
         return 0;
@@ -76,10 +72,11 @@ LONG CVTapi::IterateModems(char* szName, DWORD dwSize, BOOL bRestart) {
 
 LONG CVTapi::LineDeviceNameToID(LPCSTR szName, LPDWORD pdwDeviceID) {
     const CLock lock(m_CritSec);
-    const LONG status = MLineInitialize();
+    const LONG status =
+        CheckStatus("CVTapi::LineDeviceNameToID() - MLineInitialize() failed returning %#08lx\n",
+                    MLineInitialize());
     if (status < 0)
-        return ReportStatus(
-            "CVTapi::LineDeviceNameToID() - MLineInitialize() failed returning %#08lx\n", status);
+        return status;
     for (DWORD dwDeviceID = 0; dwDeviceID < g_dwNumLineDevs; ++dwDeviceID) {
         LINEDEVCAPS* capabilities = nullptr;
         if (MLineGetDevCaps(dwDeviceID, &capabilities) < 0)

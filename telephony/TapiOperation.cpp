@@ -28,21 +28,22 @@ LONG ReportMemory(const STapiOperation& operation, int attempt) {
     return E_TAPI_NOMEMORY;
 }
 
-LONG ReportFailed(const STapiOperation& operation, LONG lStatus) {
-    if (!operation.szFunction)
-        return lStatus;
-    return ReportStep(operation, operation.szFunction, operation.szFailed, lStatus);
-}
-
 LONG ReportInitializeFailed(const STapiOperation& operation, LONG lStatus) {
     return ReportStep(operation, operation.szInitializeFailed, "", lStatus);
 }
 
-LONG ReportWaitFailed(const STapiOperation& operation, LONG lStatus) {
-    return ReportStep(operation, operation.szWaitFailed, "", lStatus);
+LONG CheckResult(const STapiOperation& operation, LONG lStatus) {
+    if (lStatus >= 0 || !operation.szFunction)
+        return lStatus;
+    return ReportStep(operation, operation.szFunction, operation.szFailed, lStatus);
 }
 
-LONG ReportStatus(LPCSTR szFormat, LONG lStatus) {
-    DebugError(szFormat, Bits(lStatus));
+LONG CheckWait(const STapiOperation& operation, LONG lStatus) {
+    return lStatus < 0 ? ReportStep(operation, operation.szWaitFailed, "", lStatus) : lStatus;
+}
+
+LONG CheckStatus(LPCSTR szFormat, LONG lStatus) {
+    if (lStatus < 0)
+        DebugError(szFormat, Bits(lStatus));
     return lStatus;
 }

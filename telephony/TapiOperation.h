@@ -28,9 +28,10 @@ struct STapiOperation {
 // Each writes one failure to the trace and returns the status.
 LONG ReportMissing(const STapiOperation& operation, LPCSTR szWhat, LONG lStatus);
 LONG ReportMemory(const STapiOperation& operation, int attempt); // returns E_TAPI_NOMEMORY
-LONG ReportFailed(const STapiOperation& operation, LONG lStatus);
 LONG ReportInitializeFailed(const STapiOperation& operation, LONG lStatus);
-LONG ReportWaitFailed(const STapiOperation& operation, LONG lStatus);
 
-// The same for a whole text; szFormat takes the status as an unsigned long.
-LONG ReportStatus(LPCSTR szFormat, LONG lStatus);
+// Each returns the status and writes it to the trace if it is a failure: of the operation's
+// function, of its wait, of what the text tells, which takes the status as an unsigned long.
+LONG CheckResult(const STapiOperation& operation, LONG lStatus);
+LONG CheckWait(const STapiOperation& operation, LONG lStatus);
+LONG CheckStatus(LPCSTR szFormat, LONG lStatus);

@@ -72,31 +72,30 @@ LONG CVTapi::PhoneOpen(DWORD dwDeviceID, DWORD dwPrivilege) {
         DebugError("CVTapi::PhoneOpen() - A phone has already been opened");
         return E_TAPI_PHONEOPEN;
     }
-    LONG status = MPhoneInitialize();
-    if (status != 0)
-        ReportStatus("CVTapi::PhoneOpen() - MPhoneInitialize() failed returning %#08lx", status);
-    else
-        status = MPhoneOpen(dwDeviceID, dwPrivilege);
+    const LONG status = MPhoneOpen(dwDeviceID, dwPrivilege);
     if (status < 0)
         MPhoneClose();
     return status;
 }
 
 LONG CVTapi::MPhoneOpen(DWORD dwDeviceID, DWORD dwPrivilege) {
-    LONG status = MPhoneNegotiateAPIVersion(dwDeviceID, &m_dwPhoneAPIVersion);
+    LONG status = CheckStatus("CVTapi::PhoneOpen() - MPhoneInitialize() failed returning %#08lx",
+                              MPhoneInitialize());
     if (status < 0)
-        return ReportStatus(
-            "CVTapi::PhoneOpen() - MPhoneNegotiateAPIVersion() failed returning %#08lx", status);
-    status = g_TapiLibrary.phoneOpen(g_hPhoneApp, dwDeviceID, &m_hPhone, m_dwPhoneAPIVersion, 0u,
-                                     Instance(), dwPrivilege);
+        return status;
+    status =
+        CheckStatus("CVTapi::PhoneOpen() - MPhoneNegotiateAPIVersion() failed returning %#08lx",
+                    MPhoneNegotiateAPIVersion(dwDeviceID, &m_dwPhoneAPIVersion));
     if (status < 0)
-        return ReportStatus("CVTapi::PhoneOpen() - phoneOpen() failed returning %#08lx", status);
-    status = g_TapiLibrary.phoneSetStatusMessages(m_hPhone, PHONE_STATES, PHONEBUTTONMODE_KEYPAD,
-                                                  PHONEBUTTONSTATE_DOWN);
+        return status;
+    status = CheckStatus("CVTapi::PhoneOpen() - phoneOpen() failed returning %#08lx",
+                         g_TapiLibrary.phoneOpen(g_hPhoneApp, dwDeviceID, &m_hPhone,
+                                                 m_dwPhoneAPIVersion, 0u, Instance(), dwPrivilege));
     if (status < 0)
-        ReportStatus("CVTapi::PhoneOpen() - phoneSetStatusMessages() failed returning %#08lx",
-                     status);
-    return status;
+        return status;
+    return CheckStatus("CVTapi::PhoneOpen() - phoneSetStatusMessages() failed returning %#08lx",
+                       g_TapiLibrary.phoneSetStatusMessages(
+                           m_hPhone, PHONE_STATES, PHONEBUTTONMODE_KEYPAD, PHONEBUTTONSTATE_DOWN));
 }
 
 LONG CVTapi::PhoneClose() {
@@ -109,7 +108,7 @@ LONG CVTapi::MPhoneClose() {
         return 0;
     const LONG status = g_TapiLibrary.phoneClose(m_hPhone);
     m_hPhone = 0;
-    return status < 0 ? ReportFailed(PHONE_CLOSE, status) : status;
+    return CheckResult(PHONE_CLOSE, status);
 }
 
 LONG CVTapi::MPhoneGetDevCaps(DWORD dwDeviceID, PHONECAPS** ppCapabilities) {

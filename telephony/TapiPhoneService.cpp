@@ -1,8 +1,11 @@
 // The phone service as CVTapi brings it up, and what its messages do to an object.
 #include "telephony/Tapi.h"
+
+#include "diagnostics/ModuleTrace.h"
 #include "telephony/TapiService.h"
 
 #include <algorithm>
+#include <utility>
 
 LONG CVTapi::MPhoneInitialize() {
     const CLock lock(g_TapiLock);
@@ -16,8 +19,8 @@ LONG CVTapi::MPhoneInitialize() {
     const LONG status = BringUp(initialize, PHONEERR_REINIT);
     if (status != 0) {
         g_hPhoneApp = 0;
-        ReportStatus("CVTapi::MPhoneInitialize() - phoneInitialize() failed returning %#08lx",
-                     status);
+        DebugError("CVTapi::MPhoneInitialize() - phoneInitialize() failed returning %#08lx",
+                   static_cast<unsigned long>(static_cast<DWORD>(status)));
         // A positive result is none that this call can have, and would pass for success.
         return status < 0 ? status : E_TAPI_FAILED;
     }
@@ -29,22 +32,17 @@ LONG CVTapi::MPhoneShutdown() {
     const CLock lock(g_TapiLock);
     if (!g_hPhoneApp)
         return 0;
-    const LONG status = g_TapiLibrary.phoneShutdown(g_hPhoneApp);
-    if (status < 0)
-        ReportStatus("CVTapi::MPhoneShutdown() - phoneShutdown() failed returning %#08lx", status);
-    g_hPhoneApp = 0;
-    return status;
+    return CheckStatus("CVTapi::MPhoneShutdown() - phoneShutdown() failed returning %#08lx",
+                       g_TapiLibrary.phoneShutdown(std::exchange(g_hPhoneApp, 0)));
 }
 
 LONG CVTapi::MPhoneNegotiateAPIVersion(DWORD dwDeviceID, LPDWORD pdwAPIVersion) {
     PHONEEXTENSIONID extension = {};
-    const LONG status = g_TapiLibrary.phoneNegotiateAPIVersion(
-        g_hPhoneApp, dwDeviceID, TAPI_API_VERSION, TAPI_API_VERSION, pdwAPIVersion, &extension);
-    if (status < 0)
-        ReportStatus("CVTapi::MPhoneNegotiateAPIVersion() - phoneNegotiateAPIVersion() failed "
-                     "returning %#08lx",
-                     status);
-    return status;
+    return CheckStatus("CVTapi::MPhoneNegotiateAPIVersion() - phoneNegotiateAPIVersion() failed "
+                       "returning %#08lx",
+                       g_TapiLibrary.phoneNegotiateAPIVersion(g_hPhoneApp, dwDeviceID,
+                                                              TAPI_API_VERSION, TAPI_API_VERSION,
+                                                              pdwAPIVersion, &extension));
 }
 
 STapiReply CVTapi::PhoneReply() {

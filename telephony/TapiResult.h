@@ -61,8 +61,8 @@ LONG ObtainResult(const STapiOperation& operation, const STapiResult& rule, Reco
         dwSize = dwNeeded;
         status = offer();
     }
-    if (status < 0)
-        return ReportFailed(operation, status);
+    if (CheckResult(operation, status) < 0)
+        return status;
     record->dwTotalSize = dwSize;
     *ppResult = record.release();
     return status;

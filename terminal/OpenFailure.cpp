@@ -35,6 +35,15 @@ std::string ExplainUnknown(const std::string& name) {
     return text + "; a serial device is named by its full path, such as /dev/ttyUSB0";
 }
 
+// Not the device's doing: the service does not take it for a modem, say.
+std::string ExplainRefusedModem(const std::string& name, const std::string& path, DWORD error) {
+    std::string text =
+        Quoted(name) + ": the telephony service refuses (error " + std::to_string(error) + ")";
+    if (!path.empty())
+        text += "; without it the device is opened as " + platform::PrintableText(path);
+    return text;
+}
+
 // A modem that is known and did not open.
 std::string ExplainModem(const std::string& name, const std::string& path, DWORD error) {
     switch (error) {
@@ -46,11 +55,12 @@ std::string ExplainModem(const std::string& name, const std::string& path, DWORD
                               "wirelet with sudo, which may ask for it";
     case ERROR_TIMEOUT:
         return Quoted(name) + ": the telephony service did not answer in time; try again";
+    case ERROR_GEN_FAILURE:
+        return ExplainRefusedModem(name, path, error);
     default:
-        if (path.empty())
-            return Quoted(name) + ": the telephony service refuses (error " +
-                   std::to_string(error) + ")";
-        return Quoted(name) + ", " + platform::ExplainPortOpenFailure(path.c_str(), error);
+        return path.empty()
+                   ? ExplainRefusedModem(name, path, error)
+                   : Quoted(name) + ", " + platform::ExplainPortOpenFailure(path.c_str(), error);
     }
 }
 

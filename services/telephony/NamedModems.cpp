@@ -39,7 +39,7 @@ std::string ReadContent(const std::string& path) {
         WriteWarning(path + ": is no file");
         return {};
     }
-    std::string content(MAX_NAMES_FILE, '\0');
+    std::string content(MAX_NAMES_FILE + 1, '\0');
     std::size_t filled = 0;
     while (filled < content.size()) {
         const ssize_t count = read(file.Get(), content.data() + filled, content.size() - filled);
@@ -47,9 +47,12 @@ std::string ReadContent(const std::string& path) {
             break;
         filled += static_cast<std::size_t>(count);
     }
-    if (filled == content.size())
-        WriteWarning(path + ": is too long; what is behind its first 64 KiB is left out");
     content.resize(filled);
+    if (filled > MAX_NAMES_FILE) {
+        WriteWarning(path + ": is too long; what is behind its first 64 KiB is left out");
+        // What is there of the last line may be another device's path.
+        content.resize(content.rfind('\n', MAX_NAMES_FILE - 1) + 1);
+    }
     return content;
 }
 

@@ -5,10 +5,13 @@
 
 namespace telephonyservice {
 
-// Paths, names in the device namespace, and all that begins with "COM" in either case.
+// Paths, names in the device namespace or with a port of it inside, and all that begins with "COM"
+// in either case.
 inline bool ReadsAsPort(std::string_view name) {
     constexpr std::string_view PORT_PREFIX = "com";
-    if (name.starts_with('/') || name.starts_with('\\'))
+    constexpr std::string_view NAMESPACE_PORT = R"(\\.\COM)";
+    if (name.starts_with('/') || name.starts_with('\\') ||
+        name.find(NAMESPACE_PORT) != std::string_view::npos)
         return true;
     if (name.size() < PORT_PREFIX.size())
         return false;

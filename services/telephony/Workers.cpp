@@ -4,6 +4,7 @@
 #include "services/telephony/ModuleReference.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace telephonyservice {
 
@@ -28,29 +29,21 @@ bool CWorkers::Start(Work work) {
     return true;
 }
 
-void CWorkers::Reap() {
-    std::vector<std::unique_ptr<Worker>> ended;
+void CWorkers::Join(bool all) {
+    std::vector<std::unique_ptr<Worker>> joined;
     {
         const std::lock_guard lock(m_mutex);
-        const auto firstEnded =
-            std::stable_partition(m_workers.begin(), m_workers.end(),
-                                  [](const auto& worker) { return !worker->isEnding; });
-        std::move(firstEnded, m_workers.end(), std::back_inserter(ended));
-        m_workers.erase(firstEnded, m_workers.end());
+        const auto first =
+            std::partition(m_workers.begin(), m_workers.end(),
+                           [&](const auto& worker) { return !all && !worker->isEnding; });
+        joined.assign(std::move_iterator(first), std::move_iterator(m_workers.end()));
+        m_workers.erase(first, m_workers.end());
     }
-    for (const auto& worker : ended) {
+    // Without the lock: who starts one meanwhile may hold a lock that the others still need.
+    for (const auto& worker : joined) {
         WaitForSingleObject(worker->thread, INFINITE);
         ReleaseModule();
     }
-}
-
-void CWorkers::Await() {
-    {
-        const std::lock_guard lock(m_mutex);
-        for (const auto& worker : m_workers)
-            WaitForSingleObject(worker->thread, INFINITE);
-    }
-    Reap();
 }
 
 DWORD CWorkers::Run(LPVOID worker) {

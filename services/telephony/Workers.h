@@ -31,8 +31,8 @@ class CWorkers {
 
     // For calls that come from outside, not from the module itself, which may be gone afterwards:
     // awaits those that are ending, or all. Not with a lock that the work takes.
-    void Reap();
-    void Await();
+    void Reap() { Join(false); }
+    void Await() { Join(true); }
 
   private:
     struct Worker {
@@ -41,6 +41,7 @@ class CWorkers {
         CUniqueHandle thread;
     };
 
+    void Join(bool all);
     static DWORD Run(LPVOID worker);
 
     std::mutex m_mutex;

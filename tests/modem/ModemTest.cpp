@@ -78,6 +78,15 @@ TEST(Modem, EndsAtOnceWhenTheDeviceGoesAway) {
     modem.WaitWithoutReading(CDeadline(0xFFFFFFFF));
 }
 
+TEST(Modem, ClosesAPortThatCameWithoutATelephonyObject) {
+    CSubstituteSerial serial;
+    CTestModem modem(&serial);
+    modem.AttachHandle(nullptr, TRUE);
+    EXPECT_TRUE(modem.IsOpen());
+    modem.Close();
+    EXPECT_FALSE(modem.IsOpen());
+}
+
 TEST(Modem, TakesAnyAnswerOnceAndLeavesTheDeviceAHundredMilliseconds) {
     CSubstituteSerial serial;
     CTestModem modem(&serial);

@@ -1,49 +1,41 @@
 // The module: each function of the list, with its arguments written down as they came.
 #include "tests/telephony/FakeTapi.h"
 
-#include "platform/Message.h"
+#include "services/telephony/MessageWindow.h"
 #include "telephony/TapiFunctions.h"
 
-#include <cstdint>
+#include <optional>
 
 namespace {
 
-constexpr LPCSTR WINDOW_CLASS = "FakeTapi";
-
-HWND s_window = nullptr;
+// Of the thread that brings the first service up.
+std::optional<telephonyservice::CMessageWindow> s_window;
 int s_services = 0;
 LINECALLBACK s_callbacks[2] = {}; // lines, phones
 
-LRESULT WindowProc(HWND, UINT, WPARAM, LPARAM) {
+void Deliver(DWORD) {
     const SFakeMessage message = FakeTapi()->messages.front();
     FakeTapi()->messages.pop_front();
     if (s_callbacks[message.isPhone])
         s_callbacks[message.isPhone](message.hDevice, message.dwMessage, message.dwInstance,
                                      message.dwParam1, message.dwParam2, 0);
-    return 0;
 }
 
 void Post(const SFakeMessage& message) {
     FakeTapi()->messages.push_back(message);
-    PostMessageA(s_window, WM_APP, 0, 0);
+    s_window->Post(0);
 }
 
-// The window belongs to the thread that brings the first service up.
 void OpenWindow() {
-    if (s_services++ != 0)
-        return;
-    const WNDCLASSA windowClass = {WindowProc, WINDOW_CLASS};
-    RegisterClassA(&windowClass);
-    s_window = CreateWindowExA(0, WINDOW_CLASS, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                               nullptr, nullptr);
+    if (s_services++ == 0)
+        s_window.emplace(Deliver);
     FakeTapi()->post = Post;
 }
 
 void CloseWindow() {
     if (--s_services != 0)
         return;
-    DestroyWindow(s_window);
-    UnregisterClassA(WINDOW_CLASS, nullptr);
+    s_window.reset();
     FakeTapi()->messages.clear();
     FakeTapi()->post = nullptr;
 }
@@ -112,7 +104,7 @@ class CCall {
         if (m_name.ends_with("Shutdown"))
             CloseWindow();
         if (m_record && m_result >= 0 && FakeTapi()->fill)
-            m_result = FakeTapi()->fill(m_text, m_record);
+            m_result += FakeTapi()->fill(m_text, m_record);
         if (HasReply(m_name) && m_result > 0)
             Request(static_cast<DWORD>(m_result));
         return m_result;

@@ -31,7 +31,7 @@ struct SFakeTapi {
     std::function<void(DWORD dwRequest, bool isPhone)> request; // else the reply 0 is posted
     DWORD dwNextRequest = FIRST_REQUEST;
     int loads = 0;
-    std::string trace; // "8 text" and "1 text", a line each
+    std::vector<std::string> trace; // "8 text" and "1 text"
 
     // What the module has been given, and what it has posted.
     DWORD_PTR dwLineInstance = 0;

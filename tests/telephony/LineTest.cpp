@@ -1,7 +1,6 @@
-// The states of a line and its call, the waits for replies, the growth of results.
+// The states of a line, its call and a phone, the waits for replies, the growth of results.
 #include "tests/telephony/TelephonyTest.h"
 
-#include "platform/Clock.h"
 #include "telephony/TapiRecord.h"
 #include "telephony/TapiService.h"
 
@@ -17,37 +16,45 @@ TEST_F(CLineTest, IsOpenedOnceAndClosedWhenAnyStepFails) {
               "lineInitialize * null\nlineNegotiateAPIVersion 11 0 65540 65540 *\n"
               "lineOpen 11 0 65540 0 4 16 null\nlineSetStatusMessages 12 17041102 0\n");
     EXPECT_EQ(m_tapi->LineOpen(1, OWNER, 16), E_TAPI_LINEOPEN);
+    EXPECT_EQ(m_tapi->LineGetID(CResult<VARSTRING>(), "c"), 0);
     EXPECT_EQ(m_tapi->LineClose(), 0);
     EXPECT_EQ(m_tapi->LineClose(), 0);
-    EXPECT_EQ(TakeCalls(), "lineClose 12\n");
+    EXPECT_EQ(TakeCalls(), "lineGetID 12 0 0 1 [56] 'c'\nlineClose 12\n");
     EXPECT_EQ(TakeTrace(), "1 CVTapi::LineOpen() - A line has already been opened\n");
 
+    // clang-format off
     const struct {
         const char* function;
-        const char* last;
-        const char* trace;
+        const char* last; // of the calls
+        std::vector<std::string> failures;
     } STEPS[] = {
-        {"lineNegotiateAPIVersion", "lineNegotiateAPIVersion 11 0 65540 65540 *\n",
-         "1 CVTapi::MLineNegotiateAPIVersion() - lineNegotiateAPIVersion() failed returning "
-         "0x80000048\n1 CVTapi::LineOpen() - MLineNegotiateAPIVersion() faile returning "
-         "0x80000048\n"},
-        {"lineOpen", "lineOpen 11 0 65540 0 6 16 null\n",
-         "1 CVTapi::LineOpen() - lineOpen() failed returning 0x80000048\n"},
-        {"lineSetStatusMessages", "lineClose 12\n",
-         "1 CVTapi::LineOpen() - lineSetStatusMessage() failed returning 0x80000048\n"},
-        {"lineGetNewCalls", "lineClose 12\n",
-         "1 CVTapi::LineGetNewCalls() - lineGetNewCalls() failed returning 0x80000048\n"
-         "1 CVTapi::LinOpen() - MLineGetNewCalls() failed returning 0x80000048\n"},
+        {"lineNegotiateAPIVersion", "lineNegotiateAPIVersion 11 0 65540 65540 *\n", {"MLineNegotiateAPIVersion() - lineNegotiateAPIVersion() failed", "LineOpen() - MLineNegotiateAPIVersion() faile"}},
+        {"lineOpen", "lineOpen 11 0 65540 0 6 16 null\n", {"LineOpen() - lineOpen() failed"}},
+        {"lineSetStatusMessages", "lineClose 12\n", {"LineOpen() - lineSetStatusMessage() failed"}},
+        {"lineGetNewCalls", "lineClose 12\n", {"LineGetNewCalls() - lineGetNewCalls() failed", "LinOpen() - MLineGetNewCalls() failed"}},
+        {"phoneInitialize", "phoneInitialize * null\n", {"MPhoneInitialize() - phoneInitialize() failed", "PhoneOpen() - MPhoneInitialize() failed"}},
+        {"phoneNegotiateAPIVersion", "65540 *\n", {"MPhoneNegotiateAPIVersion() - phoneNegotiateAPIVersion() failed", "PhoneOpen() - MPhoneNegotiateAPIVersion() failed"}},
+        {"phoneOpen", "phoneOpen 21 0 65540 0 2\n", {"PhoneOpen() - phoneOpen() failed"}},
+        {"phoneSetStatusMessages", "phoneSetStatusMessages 22 14942342 8 2\nphoneClose 22\n", {"PhoneOpen() - phoneSetStatusMessages() failed"}},
     };
+    // clang-format on
     for (const auto& step : STEPS) {
+        SCOPED_TRACE(step.function);
         Fails(step.function, LINEERR_OPERATIONFAILED);
-        EXPECT_EQ(m_tapi->LineOpen(0, 6, 16), LINEERR_OPERATIONFAILED);
-        EXPECT_TRUE(TakeCalls().ends_with(step.last)) << step.function;
-        EXPECT_EQ(TakeTrace(), step.trace);
-        CResult<LINEDEVSTATUS> status;
-        EXPECT_EQ(m_tapi->LineGetLineDevStatus(status), E_TAPI_NOLINE);
+        EXPECT_EQ(step.function[0] == 'p' ? m_tapi->PhoneOpen(0, 2) : m_tapi->LineOpen(0, 6, 16),
+                  LINEERR_OPERATIONFAILED);
+        EXPECT_TRUE(TakeCalls().ends_with(step.last));
+        std::string trace;
+        for (const std::string& failure : step.failures)
+            trace += "1 CVTapi::" + failure + " returning 0x80000048\n";
+        EXPECT_EQ(TakeTrace(), trace);
+        EXPECT_EQ(m_tapi->LineGetLineDevStatus(CResult<LINEDEVSTATUS>()), E_TAPI_NOLINE);
+        EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, FALSE), E_TAPI_NOPHONE);
         TakeTrace();
     }
+    EXPECT_EQ(m_tapi->PhoneOpen(0, 2), 0);
+    EXPECT_EQ(m_tapi->PhoneOpen(0, 2), E_TAPI_PHONEOPEN);
+    EXPECT_EQ(TakeTrace(), "1 CVTapi::PhoneOpen() - A phone has already been opened\n");
 }
 
 TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
@@ -78,20 +85,21 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
     }
 }
 
+// A client's callback: what it is told.
+std::string s_noted;
+void Note(DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR dwParam1,
+          DWORD_PTR dwParam2, DWORD_PTR) {
+    for (const DWORD_PTR value : {DWORD_PTR{hDevice}, DWORD_PTR{dwMessage}, dwInstance, dwParam1})
+        s_noted += std::to_string(value) + ' ';
+    s_noted += std::to_string(dwParam2) + '\n';
+}
+
 TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
-    std::vector<std::string> seen;
-    m_tapi->LineSetUserCallback(
-        [](DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR dwParam1, DWORD_PTR,
-           DWORD_PTR) {
-            reinterpret_cast<std::vector<std::string>*>(dwInstance)
-                ->push_back(std::to_string(hDevice) + ' ' + std::to_string(dwMessage) + ' ' +
-                            std::to_string(dwParam1));
-        },
-        reinterpret_cast<DWORD_PTR>(&seen));
+    m_tapi->LineSetUserCallback(Note, 7);
     OpenLine();
     EXPECT_EQ(m_tapi->LineMakeCall("ATD1", 49, nullptr, TRUE), 0);
     EXPECT_TRUE(TakeCalls().ends_with("lineMakeCall 12 'ATD1' 49 null\n"));
-    EXPECT_EQ(seen, std::vector<std::string>{"0 12 1000"});
+    EXPECT_EQ(std::exchange(s_noted, {}), "0 12 7 1000 0\n");
     EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, TRUE), E_TAPI_CALLINPROGRESS);
     EXPECT_EQ(TakeTrace(),
               "8 CVTapi::LineMakeCall() - A call is already in progress on this line\n\n");
@@ -110,9 +118,12 @@ TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
               "1 CVTapi::MLineCallback() - lineDeallocateCall() failed returning 0x80000048\n");
     EXPECT_EQ(m_tapi->LineDrop(FALSE), E_TAPI_NOCALL);
 
-    // A message of a line that is closed by now brings no call.
+    // A message of a line that is closed by now, dispatched by another wait, brings no call.
     FakeTapi()->CallState(51, LINECALLSTATE_OFFERING);
     m_tapi->LineClose();
+    ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
+    EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, TRUE), 0);
+    EXPECT_EQ(m_tapi->LineDrop(FALSE), E_TAPI_NOCALL);
     Fails("lineMakeCall", LINEERR_INVALLINEHANDLE);
     TakeTrace();
     EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, FALSE), LINEERR_INVALLINEHANDLE);
@@ -139,112 +150,107 @@ TEST_F(CLineTest, WaitsForTheReplyOfItsOwnRequest) {
     EXPECT_EQ(TakeTrace(), "1 CVTapi::MLineWaitForReply() - Function timeout\n"
                            "1 CVTapi::LineAnswer() - MLineWaitForReply() failed returning "
                            "0xa000000b\n\n");
-    FakeTapi()->request = [&](DWORD request, bool) {
-        FakeTapi()->Reply(late, LINEERR_INUSE);
-        FakeTapi()->Reply(request, LINEERR_NODEVICE);
+    FakeTapi()->Reply(late, LINEERR_INUSE);
+    FakeTapi()->request = [](DWORD request, bool isPhone) {
+        FakeTapi()->Reply(request, isPhone ? 9 : LINEERR_NODEVICE, isPhone);
     };
+    ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
+    m_tapi->PhoneSetUserCallback(Note, 8);
+    s_noted.clear();
+    const std::string phoneRequest = std::to_string(FakeTapi()->dwNextRequest);
+    EXPECT_EQ(m_tapi->PhoneSetVolume(1, 2, TRUE), 9);
+    EXPECT_EQ(s_noted, "0 3 8 " + phoneRequest + " 9\n");
     EXPECT_EQ(m_tapi->LineAnswer(TRUE), LINEERR_NODEVICE);
 
     // A request that is over at once.
     FakeTapi()->results["lineHold"] = {0};
     EXPECT_EQ(m_tapi->LineHold(TRUE), 0);
+
+    FakeTapi()->request = [](DWORD, bool) {};
+    EXPECT_EQ(m_tapi->PhoneSetVolume(1, 2, TRUE), E_TAPI_TIMEOUT);
 }
 
-struct SNested {
-    ITapi* tapi;
-    bool isPhone;
-    LONG lResult;
-};
-
-void WaitInside(DWORD, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
-    auto& nested = *reinterpret_cast<SNested*>(dwInstance);
+using Work = std::function<void()>;
+void WorkInside(DWORD, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
     if (dwMessage == LINE_CALLSTATE)
-        nested.lResult =
-            nested.isPhone ? nested.tapi->PhoneSetGain(1, 2, TRUE) : nested.tapi->LineHold(TRUE);
+        (*reinterpret_cast<const Work*>(dwInstance))();
 }
 
 TEST_F(CLineTest, AWaitInsideAWaitEndsBoth) {
-    MakeCall();
     ASSERT_EQ(m_tapi->PhoneOpen(0, 1), 0);
-    SNested nested = {m_tapi.Get(), false, 0};
-    m_tapi->LineSetUserCallback(WaitInside, reinterpret_cast<DWORD_PTR>(&nested));
+    MakeCall();
+    Work work = [&] { EXPECT_EQ(m_tapi->LineHold(TRUE), E_TAPI_REENTERED); };
+    m_tapi->LineSetUserCallback(WorkInside, reinterpret_cast<DWORD_PTR>(&work));
     FakeTapi()->CallState(13, LINECALLSTATE_PROCEEDING);
     EXPECT_EQ(m_tapi->LineUnhold(TRUE), E_TAPI_REENTERED);
-    EXPECT_EQ(nested.lResult, E_TAPI_REENTERED);
     const std::string ABORTED =
-        "1 CVTapi::MLineWaitForReply() - Reentrancy caused function to abort\n";
-    EXPECT_EQ(TakeTrace(), ABORTED +
-                               "1 CVTapi::LineHold() - MLineWaitForReply() failed returning "
-                               "0xa000000c\n\n" +
-                               ABORTED +
-                               "1 CVTapi::LineUnhold() - MLineWaitForReply() failed returning "
-                               "0xa000000c\n");
+        "1 CVTapi::MLineWaitForReply() - Reentrancy caused function to abort\n1 CVTapi::";
+    const std::string FAILED = "() - MLineWaitForReply() failed returning 0xa000000c\n";
+    EXPECT_EQ(TakeTrace(), ABORTED + "LineHold" + FAILED + '\n' + ABORTED + "LineUnhold" + FAILED);
 
     // A wait for the phone is another matter.
-    nested.isPhone = true;
-    nested.lResult = -1;
+    work = [&] { EXPECT_EQ(m_tapi->PhoneSetGain(1, 2, TRUE), 0); };
     FakeTapi()->CallState(13, LINECALLSTATE_PROCEEDING);
     EXPECT_EQ(m_tapi->LineUnhold(TRUE), 0);
-    EXPECT_EQ(nested.lResult, 0);
+    EXPECT_EQ(TakeCalls(), "lineUnhold 13\nlineHold 13\nlineUnhold 13\nphoneSetGain 22 1 2\n");
 }
 
 TEST_F(CLineTest, GrowsAResultOnceByWhatIsNeeded) {
+    constexpr LONG SMALL = LINEERR_STRUCTURETOOSMALL;
+    const struct {
+        LONG answer;
+        DWORD needed[2];
+        LONG status;
+        DWORD total;
+        std::size_t calls;
+    } ROWS[] = {
+        {0, {1240, 0}, 0, 1240, 1},
+        {0, {3000, 4000}, 0, 3000, 2},
+        {SMALL, {3000, 4000}, SMALL, 0, 2},
+        {SMALL, {0, 0}, SMALL, 0, 1},
+        {SMALL, {7, 0}, SMALL, 0, 1},
+        {SMALL, {1240, 0}, SMALL, 0, 1},
+        {0, {TAPI_RESULT_MAX + 1, 0}, E_TAPI_NOMEMORY, 0, 1},
+        {0, {0xFFFFFFFF, 0}, E_TAPI_NOMEMORY, 0, 1},
+    };
     OpenLine();
-    DWORD first = 3000;
-    DWORD second = 0;
-    LONG result = 0;
-    FakeTapi()->fill = [&](const std::string&, LPVOID record) {
-        auto& caps = *static_cast<LINEDEVCAPS*>(record);
-        EXPECT_EQ(caps.dwNumAddresses, 0u); // cleared each time
-        caps.dwNumAddresses = 9;
-        caps.dwNeededSize = FakeTapi()->calls.back().ends_with("[1240]") ? first : second;
-        caps.dwTotalSize = 0x7FFFFFFF;
-        return result;
-    };
-    const auto get = [&](DWORD size) {
-        TakeCalls();
-        CResult<LINEDEVCAPS> caps;
-        const LONG status = m_tapi->LineGetDevCaps(4, caps);
-        EXPECT_EQ(caps.Get() != nullptr, status >= 0);
-        EXPECT_EQ(caps.Get() ? caps->dwTotalSize : 0, size);
-        return status;
-    };
-    EXPECT_EQ(get(3000), 0);
-    EXPECT_EQ(TakeCalls(), "lineGetDevCaps 11 4 65540 0 [1240]\nlineGetDevCaps 11 4 65540 0 "
-                           "[3000]\n");
-    second = 4000;
-    EXPECT_EQ(get(3000), 0); // no third time
-    result = LINEERR_STRUCTURETOOSMALL;
-    EXPECT_EQ(get(0), LINEERR_STRUCTURETOOSMALL);
-    for (const DWORD lie : {0u, 7u, 1240u}) {
-        first = lie;
-        EXPECT_EQ(get(0), LINEERR_STRUCTURETOOSMALL);
-        EXPECT_EQ(TakeCalls(), "lineGetDevCaps 11 4 65540 0 [1240]\n");
-    }
-    for (const DWORD lie : {TAPI_RESULT_MAX + 1, 0xFFFFFFFFu}) {
-        first = lie;
+    for (const auto& row : ROWS) {
+        SCOPED_TRACE(&row - ROWS);
+        FakeTapi()->fill = [&](const std::string& call, LPVOID record) {
+            auto& caps = *static_cast<LINEDEVCAPS*>(record);
+            EXPECT_EQ(std::exchange(caps.dwNumAddresses, 9), 0u) << "cleared each time";
+            caps.dwNeededSize = row.needed[call.ends_with("[1240]") ? 0 : 1];
+            caps.dwTotalSize = 0x7FFFFFFF;
+            return row.answer;
+        };
+        FakeTapi()->calls.clear();
         TakeTrace();
-        EXPECT_EQ(get(0), E_TAPI_NOMEMORY);
-        EXPECT_EQ(TakeTrace(), "1 CVTapi::MLineGetDevCaps() - CoTaskMemAlloc() failure #2\n"
-                               "1 CVTapi::LineGetDevCaps() - MLineGetDevCaps() failed returning "
-                               "0xa0000003\n\n");
+        CResult<LINEDEVCAPS> caps;
+        EXPECT_EQ(m_tapi->LineGetDevCaps(4, caps), row.status);
+        EXPECT_EQ(caps.Get() ? caps->dwTotalSize : 0, row.total);
+        EXPECT_EQ(FakeTapi()->calls.size(), row.calls);
+        EXPECT_TRUE(FakeTapi()->calls.back().ends_with(row.calls == 2 ? "[3000]" : "[1240]"));
     }
+    EXPECT_EQ(TakeTrace(), "1 CVTapi::MLineGetDevCaps() - CoTaskMemAlloc() failure #2\n"
+                           "1 CVTapi::LineGetDevCaps() - MLineGetDevCaps() failed returning "
+                           "0xa0000003\n\n");
 }
 
-TEST_F(CLineTest, IsIdentifiedByItsCallOrItself) {
-    CResult<VARSTRING> none;
-    EXPECT_EQ(m_tapi->LineGetID(none, "comm/datamodem"), E_TAPI_NOLINE);
-    EXPECT_EQ(TakeTrace(), "1 CVTapi::LineGetID() - No valid line handle\n\n");
-    OpenLine();
-    TakeCalls();
-    CResult<VARSTRING> line;
-    EXPECT_EQ(m_tapi->LineGetID(line, "comm/datamodem"), 0);
-    EXPECT_EQ(TakeCalls(), "lineGetID 12 0 0 1 [56] 'comm/datamodem'\n");
-    m_tapi->LineClose();
-    MakeCall();
-    CResult<VARSTRING> call;
-    EXPECT_EQ(m_tapi->LineGetID(call, "comm/datamodem"), 0);
-    EXPECT_EQ(TakeCalls(), "lineGetID 12 0 13 4 [56] 'comm/datamodem'\n");
+// Only a refusal makes a phone's records grow; the service is asked even without a phone.
+TEST_F(CLineTest, KeepsAPhonesIncompleteRecords) {
+    for (const LONG refusal : {0, PHONEERR_STRUCTURETOOSMALL}) {
+        FakeTapi()->fill = [&](const std::string& call, LPVOID record) {
+            static_cast<PHONESTATUS*>(record)->dwNeededSize = 2000;
+            return call.ends_with("[2000]") ? 0 : refusal;
+        };
+        CResult<PHONESTATUS> status;
+        EXPECT_EQ(m_tapi->PhoneGetStatus(status), 0);
+        EXPECT_EQ(status->dwTotalSize, refusal ? 2000u : 1100u);
+        CResult<PHONECAPS> caps;
+        EXPECT_EQ(m_tapi->PhoneGetDevCaps(0, caps), 0);
+        EXPECT_EQ(caps->dwTotalSize, refusal ? 2000u : 1144u);
+    }
+    EXPECT_TRUE(TakeCalls().starts_with("phoneGetStatus 0 [1100]\n"));
 }
 
 TEST_F(CLineTest, TheServiceComesUpOnceAndGoesWithTheLastObject) {

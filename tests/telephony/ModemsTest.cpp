@@ -131,18 +131,15 @@ TEST_F(CModemsTest, AreFoundByTheirExactNames) {
 TEST_F(CModemsTest, HaveTheirRegistryKeys) {
     HKEY key = nullptr;
     EXPECT_EQ(m_tapi->GetModemRegKey(9999, &key), E_TAPI_FAILED);
-    EXPECT_EQ(key, nullptr);
     EXPECT_EQ(TakeTrace(), "1 CVTapi::GetModemRegKey() - RegOpenKeyEx() failed returning 2\n\n");
-    const LONG status = m_tapi->GetModemRegKey(0, &key);
+    // Whether there is a first one is the machine's matter.
     HKEY same = nullptr;
-    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE,
-                            "System\\CurrentControlSet\\Control\\Class\\{4D36E96D-E325-11CE-BFC1-"
-                            "08002BE10318}\\0000",
-                            0, KEY_READ, &same) == 0,
-              status == 0);
-    EXPECT_EQ(key != nullptr, status == 0);
-    for (const HKEY open : {key, same})
-        EXPECT_EQ(RegCloseKey(open), open ? 0 : 6);
+    const LONG status = RegOpenKeyExA(HKEY_LOCAL_MACHINE,
+                                      "System\\CurrentControlSet\\Control\\Class\\"
+                                      "{4D36E96D-E325-11CE-BFC1-08002BE10318}\\0000",
+                                      0, KEY_READ, &same);
+    EXPECT_EQ(m_tapi->GetModemRegKey(0, &key), status == 0 ? 0 : E_TAPI_FAILED);
+    EXPECT_EQ(RegCloseKey(same), RegCloseKey(key));
 }
 
 } // namespace

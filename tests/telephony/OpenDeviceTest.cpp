@@ -27,23 +27,19 @@ class COpenDeviceTest : public CTelephonyTest {
     }
 
     static void FillCapabilities(BYTE* record) {
-        LINEDEVCAPS capabilities{};
-        std::memcpy(&capabilities, record, sizeof capabilities);
+        auto& capabilities = *reinterpret_cast<LINEDEVCAPS*>(record);
         capabilities.dwLineNameOffset = sizeof capabilities;
         capabilities.dwLineNameSize = sizeof NAME;
         capabilities.dwDevSpecificOffset = sizeof capabilities + sizeof NAME;
         capabilities.dwDevSpecificSize = sizeof PATH;
-        std::memcpy(record, &capabilities, sizeof capabilities);
         std::memcpy(record + sizeof capabilities, NAME, sizeof NAME);
         std::memcpy(record + capabilities.dwDevSpecificOffset, PATH, sizeof PATH);
     }
     void FillIdentifier(BYTE* record) const {
-        VARSTRING identifier{};
-        std::memcpy(&identifier, record, sizeof identifier);
+        auto& identifier = *reinterpret_cast<VARSTRING*>(record);
         identifier.dwStringOffset = sizeof identifier + 1;
         identifier.dwStringSize = m_dwIdentifierSize;
         const auto handle = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(m_hPort));
-        std::memcpy(record, &identifier, sizeof identifier);
         std::memcpy(record + identifier.dwStringOffset, &handle, sizeof handle);
     }
 
@@ -64,6 +60,10 @@ TEST_F(COpenDeviceTest, FailuresGiveBackWhatTheyTookAndSayWhy) {
         {"lineMakeCall", LINEERR_ALLOCATED, "LineMakeCall Failed", "lineClose 12\n",
          ERROR_ACCESS_DENIED},
         {"lineGetID", LINEERR_NOMEM, "LineGetID Failed", "lineDrop 13 null 0\nlineClose 12\n",
+         ERROR_GEN_FAILURE},
+        // Results that are neither success nor failure.
+        {"lineSetStatusMessages", 5, "LineOpen Failed", "lineClose 12\n", ERROR_GEN_FAILURE},
+        {"lineGetID", 5, "LineGetID Failed", "lineDrop 13 null 0\nlineClose 12\n",
          ERROR_GEN_FAILURE},
     };
     CVModem modem;

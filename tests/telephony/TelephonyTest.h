@@ -39,12 +39,13 @@ class CTelephonyTest : public testing::Test {
         return CInterfacePtr<ITapi>(tapi);
     }
 
-    // What was traced, and what the service was asked, since the last call.
-    static std::string TakeTrace() { return std::exchange(FakeTapi()->trace, {}); }
-    static std::string TakeCalls() {
+    // What was traced, and what the service was asked, since the last call; a line each.
+    static std::string TakeTrace() { return Take(FakeTapi()->trace); }
+    static std::string TakeCalls() { return Take(FakeTapi()->calls); }
+    static std::string Take(std::vector<std::string>& lines) {
         std::string text;
-        for (const std::string& call : std::exchange(FakeTapi()->calls, {}))
-            text += call + '\n';
+        for (const std::string& line : std::exchange(lines, {}))
+            text += line + '\n';
         return text;
     }
     static void Fails(const std::string& function, LONG lStatus) {

@@ -19,7 +19,7 @@ class CModule final : public IDebugModule {
     HRESULT SetModuleName(LPCSTR) override { return S_OK; }
     HRESULT Output(LPCSTR szText, DWORD dwLevel) override {
         const std::lock_guard lock(s_mutex);
-        FakeTapi()->trace += std::to_string(dwLevel) + ' ' + szText + '\n';
+        FakeTapi()->trace.push_back(std::to_string(dwLevel) + ' ' + szText);
         return S_OK;
     }
 } s_module;

@@ -90,88 +90,67 @@ const SRow ROWS[] = {
 // clang-format on
 
 // Each failure of a row in turn; the trace of all of them is what the row says.
-class CFailures {
-  public:
-    CFailures(const SRow& row, ITapi& tapi) : m_row(row), m_tapi(tapi) {}
 
-    void Missing() {
-        if (m_row.FailsFor("nitialize"))
-            FakeTapi()->results["lineInitialize"] =
-                FakeTapi()->results["phoneInitialize"] = {LINEERR_OPERATIONFAILED};
-        const LONG missing = m_row.FailsFor("call handle")    ? E_TAPI_NOCALL
-                             : m_row.FailsFor("line handle")  ? E_TAPI_NOLINE
-                             : m_row.FailsFor("phone handle") ? E_TAPI_NOPHONE
-                             : m_row.FailsFor("nitialize")    ? LINEERR_OPERATIONFAILED
-                                                              : 0;
-        if (missing != 0) {
-            EXPECT_EQ(m_row.run(m_tapi), missing) << m_row.name;
+void FailWhatIsNeeded(const SRow& row, ITapi& tapi) {
+    auto& results = FakeTapi()->results;
+    results["lineInitialize"] = results["phoneInitialize"] = {LINEERR_OPERATIONFAILED};
+    const std::pair<const char*, LONG> NEEDS[] = {{"call handle", E_TAPI_NOCALL},
+                                                  {"line handle", E_TAPI_NOLINE},
+                                                  {"phone handle", E_TAPI_NOPHONE},
+                                                  {"nitialize", LINEERR_OPERATIONFAILED}};
+    for (const auto& [text, status] : NEEDS)
+        if (row.FailsFor(text)) {
+            EXPECT_EQ(row.run(tapi), status);
         }
-        FakeTapi()->results.clear();
-    }
-    void Memory() {
-        if (!m_row.FailsFor("CoTaskMemAlloc"))
-            return;
-        s_allocationsToFail = 1;
-        EXPECT_EQ(m_row.run(m_tapi), E_TAPI_NOMEMORY) << m_row.name;
-        FakeTapi()->fill = [this](const std::string&, LPVOID record) {
-            static_cast<LPDWORD>(record)[1] = 0x7FFFFFFF; // needed
-            return m_row.name[0] == 'P' ? PHONEERR_STRUCTURETOOSMALL : LINEERR_STRUCTURETOOSMALL;
-        };
-        EXPECT_EQ(m_row.run(m_tapi), E_TAPI_NOMEMORY) << m_row.name;
-        FakeTapi()->fill = nullptr;
-    }
-    void Service() {
-        FakeTapi()->results[m_row.Function()] = {LINEERR_OPERATIONFAILED};
-        EXPECT_EQ(m_row.run(m_tapi), LINEERR_OPERATIONFAILED) << m_row.name;
-        if (!m_row.FailsFor("WaitForReply"))
-            return;
-        FakeTapi()->request = [](DWORD request, bool isPhone) {
-            FakeTapi()->Reply(request, LINEERR_OPERATIONFAILED, isPhone);
-        };
-        EXPECT_EQ(m_row.run(m_tapi), LINEERR_OPERATIONFAILED) << m_row.name;
-        FakeTapi()->request = nullptr;
-    }
-
-  private:
-    const SRow& m_row;
-    ITapi& m_tapi;
-};
-
-std::string TextsOf(const SRow& row) {
-    std::string text;
-    for (const std::string& failure : row.failures)
-        text += "1 CVTapi::" + std::string(row.name) + "() - " + failure + '\n';
-    return text;
+    results.clear();
 }
 
-// The results that an inner operation obtains and reports as well.
-std::string Own(const SRow& row, std::string trace) {
-    std::string own;
-    while (!trace.empty()) {
-        const std::size_t end = std::min(trace.find("\n1 "), trace.size() - 1);
-        const std::string line = trace.substr(0, end + 1);
-        if (line.find("::" + std::string(row.name)) != std::string::npos)
-            own += line;
-        trace.erase(0, end + 1);
-    }
-    return own;
+void FailMemory(const SRow& row, ITapi& tapi) {
+    if (!row.FailsFor("CoTaskMemAlloc"))
+        return;
+    s_allocationsToFail = 1;
+    EXPECT_EQ(row.run(tapi), E_TAPI_NOMEMORY);
+    FakeTapi()->fill = [&](const std::string& call, LPVOID record) {
+        static_cast<LPDWORD>(record)[1] = 0x7FFFFFFF; // needed
+        return call[0] == 'p' ? PHONEERR_STRUCTURETOOSMALL : LINEERR_STRUCTURETOOSMALL;
+    };
+    EXPECT_EQ(row.run(tapi), E_TAPI_NOMEMORY);
+    FakeTapi()->fill = nullptr;
+}
+
+void FailService(const SRow& row, ITapi& tapi) {
+    FakeTapi()->results[row.Function()] = {LINEERR_OPERATIONFAILED};
+    EXPECT_EQ(row.run(tapi), LINEERR_OPERATIONFAILED);
+    if (!row.FailsFor("WaitForReply"))
+        return;
+    FakeTapi()->request = [](DWORD request, bool isPhone) {
+        FakeTapi()->Reply(request, LINEERR_OPERATIONFAILED, isPhone);
+    };
+    EXPECT_EQ(row.run(tapi), LINEERR_OPERATIONFAILED);
+    FakeTapi()->request = nullptr;
 }
 
 TEST_F(CWrapperTest, EachAsksTheServiceAndTracesItsFailures) {
     for (const SRow& row : ROWS) {
+        SCOPED_TRACE(row.name);
         m_tapi.Reset(); // the services come up anew
         m_tapi = Make();
-        CFailures failures(row, *m_tapi.Get());
-        failures.Missing();
-        const std::string missing = TakeTrace();
+        FailWhatIsNeeded(row, *m_tapi.Get());
+        std::vector<std::string> trace = std::exchange(FakeTapi()->trace, {});
         MakeCall();
         ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
-        failures.Memory();
-        failures.Service();
-        EXPECT_EQ(Own(row, missing + TakeTrace()), TextsOf(row));
+        FailMemory(row, *m_tapi.Get());
+        FailService(row, *m_tapi.Get());
+        std::ranges::move(std::exchange(FakeTapi()->trace, {}), std::back_inserter(trace));
+        // Operations inside it report as well.
+        const std::string own = "1 CVTapi::" + std::string(row.name) + "() - ";
+        std::erase_if(trace, [&](const std::string& line) { return !line.starts_with(own); });
+        for (std::string& line : trace)
+            line.erase(0, own.size());
+        EXPECT_EQ(trace, row.failures);
 
         TakeCalls();
-        EXPECT_EQ(row.run(*m_tapi.Get()), 0) << row.name;
+        EXPECT_EQ(row.run(*m_tapi.Get()), 0);
         EXPECT_EQ(TakeCalls(), std::string(row.call) + '\n');
         EXPECT_EQ(TakeTrace(), "");
     }

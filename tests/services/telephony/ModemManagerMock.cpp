@@ -41,30 +41,27 @@ CModemManagerMock::CModemManagerMock(EManager behaviour, std::string port)
     : m_behaviour(behaviour), m_port(std::move(port)) {
     EXPECT_GE(sd_bus_open_system(&m_bus), 0);
     EXPECT_GE(sd_bus_request_name(m_bus, kManager, 0), 0);
-    EXPECT_GE(sd_bus_add_filter(m_bus, nullptr, OnMessage, this), 0);
+    const auto answer = [](sd_bus_message* message, void* mock, sd_bus_error*) {
+        return static_cast<CModemManagerMock*>(mock)->Answer(message);
+    };
+    EXPECT_GE(sd_bus_add_filter(m_bus, nullptr, answer, this), 0);
     EXPECT_GE(sd_bus_add_match(m_bus, nullptr, "type='signal',member='NameOwnerChanged'", nullptr,
                                nullptr),
               0);
-    m_thread = std::thread([this] { Serve(); });
+    m_thread = std::thread([this] {
+        pollfd events[] = {{sd_bus_get_fd(m_bus), POLLIN, 0}, {m_end.reader.Get(), POLLIN, 0}};
+        while (events[1].revents == 0) {
+            while (sd_bus_process(m_bus, nullptr) > 0) {
+            }
+            poll(events, std::size(events), -1);
+        }
+    });
 }
 
 CModemManagerMock::~CModemManagerMock() {
     m_end.writer.Reset();
     m_thread.join();
     sd_bus_close_unref(m_bus);
-}
-
-void CModemManagerMock::Serve() {
-    pollfd descriptors[] = {{sd_bus_get_fd(m_bus), POLLIN, 0}, {m_end.reader.Get(), POLLIN, 0}};
-    while (descriptors[1].revents == 0) {
-        while (sd_bus_process(m_bus, nullptr) > 0) {
-        }
-        poll(descriptors, std::size(descriptors), -1);
-    }
-}
-
-int CModemManagerMock::OnMessage(sd_bus_message* message, void* mock, sd_bus_error*) {
-    return static_cast<CModemManagerMock*>(mock)->Answer(message);
 }
 
 int CModemManagerMock::Answer(sd_bus_message* call) {

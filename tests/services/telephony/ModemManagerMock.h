@@ -43,11 +43,9 @@ class CModemManagerMock {
     bool HasLetGo() const { return m_bLetGo; }
 
   private:
-    static int OnMessage(sd_bus_message* message, void* mock, sd_bus_error* error);
     int Answer(sd_bus_message* call);
     int AnswerList(sd_bus_message* call) const;
     int AnswerInhibit(sd_bus_message* call);
-    void Serve();
 
     const EManager m_behaviour;
     const std::string m_port;

@@ -1,117 +1,124 @@
 // Calls on a modem that the modem manager has, with and without one.
 #include "tests/services/telephony/ModemManagerMock.h"
 #include "tests/services/telephony/TapiModule.h"
-#include "tests/support/DeviceNamespace.h"
 #include "tests/support/PseudoTerminal.h"
 
-#include <gtest/gtest.h>
-
+#include <csignal>
 #include <filesystem>
-#include <optional>
 
 namespace {
 
-class CModemManagerTest : public ::testing::Test {
+class CModemManagerTest : public CTapiTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(CDeviceNamespace::Enter()) << "needs root or user namespaces";
-        CDeviceNamespace::SetInterfaces({});
-        std::filesystem::create_directories(m_folder.GetPath("wirelet"));
+        CTapiTest::SetUp();
         // The port is found through the link.
         const std::string link = m_folder.GetPath("modem");
         std::filesystem::create_symlink(m_terminal.GetPath(), link);
-        m_folder.Write("wirelet/modems.conf", "Modem = " + link + "\n");
-        setenv("XDG_CONFIG_HOME", m_folder.GetPath("").c_str(), 1);
-        m_module.emplace();
+        NameModem(link);
+    }
+    void NameModem(const std::string& path) {
+        NameModems("Modem = " + path + "\n");
         m_hLine = m_module->OpenLine("Modem");
     }
-    std::string GetPort() const {
-        return std::filesystem::path(m_terminal.GetPath()).filename().string();
+    void Restart() {
+        m_module->Restart();
+        m_hLine = m_module->OpenLine("Modem");
+    }
+    LONG MakeCall() { return m_module->MakeCall(m_hLine, &m_hCall); }
+    bool IsGivenBackTo(const CModemManagerMock& manager) {
+        return m_module->RunUntil([&] { return !manager.HasLetGo(); });
     }
 
-    CTempFolder m_folder;
     CPseudoTerminal m_terminal;
-    std::optional<CTapiModule> m_module;
+    const std::string m_port = std::filesystem::path(m_terminal.GetPath()).filename();
+    const CTestBus m_bus;
     HLINE m_hLine = 0;
     HCALL m_hCall = 0;
+    // The ways in which a call ends.
+    const std::function<void()> m_ends[3] = {
+        [this] { EXPECT_GT(m_module->lineDrop(m_hCall, nullptr, 0u), 0); },
+        [this] { EXPECT_EQ(m_module->lineClose(m_hLine), 0); },
+        [this] { m_module->Shutdown(); },
+    };
 };
 
 TEST_F(CModemManagerTest, LetsGoForTheTimeOfTheCall) {
-    const CTestBus bus;
-    const CModemManagerMock manager(EManager::LetsGo, GetPort());
-    using End = std::function<void()>;
-    for (const End& end :
-         {End([&] { m_module->lineDrop(m_hCall, nullptr, 0); }),
-          End([&] { m_module->lineClose(m_hLine); }), End([&] { m_module->Shutdown(); })}) {
-        ASSERT_EQ(m_module->MakeCall(m_hLine, &m_hCall), 0);
-        EXPECT_TRUE(manager.HasLetGo());
+    const CModemManagerMock manager(EManager::LetsGo, m_port);
+    for (const auto& end : m_ends) {
+        ASSERT_EQ(MakeCall(), 0);
         // The hold is the call's, whoever has the port.
         const HANDLE port = m_module->GetPort(m_hCall);
         EXPECT_TRUE(manager.HasLetGo());
         end();
-        EXPECT_TRUE(m_module->RunUntil([&] { return !manager.HasLetGo(); }));
+        EXPECT_TRUE(IsGivenBackTo(manager));
         EXPECT_TRUE(CloseHandle(port));
-        m_module->Restart();
-        m_hLine = m_module->OpenLine("Modem");
+        Restart();
     }
 }
 
+TEST_F(CModemManagerTest, GetsTheModemBackWhenTheProgramDies) {
+    Pipe told;
+    Pipe order;
+    ProcessOptions options;
+    options.input = order.reader.Get();
+    options.output = told.writer.Get();
+    options.work = [&] {
+        char byte = 0;
+        if (read(STDIN_FILENO, &byte, 1) == 1 && MakeCall() == 0)
+            static_cast<void>(!write(STDOUT_FILENO, "c", 1));
+        pause();
+    };
+    const CProcess program(options); // before the manager's thread: it has only its own
+    const CModemManagerMock manager(EManager::LetsGo, m_port);
+    char byte = 0;
+    ASSERT_EQ(write(order.writer.Get(), "c", 1), 1);
+    ASSERT_EQ(read(told.reader.Get(), &byte, 1), 1);
+    EXPECT_TRUE(manager.HasLetGo());
+    program.Kill(SIGKILL);
+    EXPECT_TRUE(IsGivenBackTo(manager));
+    EXPECT_EQ(MakeCall(), 0);
+}
+
 TEST_F(CModemManagerTest, KeepsTheModem) {
-    const CTestBus bus;
-    const CModemManagerMock manager(EManager::Refuses, GetPort());
-    EXPECT_EQ(m_module->MakeCall(m_hLine, &m_hCall), LINEERR_INUSE);
+    const CModemManagerMock manager(EManager::Refuses, m_port);
+    EXPECT_EQ(MakeCall(), LINEERR_INUSE);
     EXPECT_TRUE(manager.WasAsked());
     EXPECT_EQ(m_module->lineDeallocateCall(m_hCall), LINEERR_INVALCALLHANDLE);
 }
 
-TEST_F(CModemManagerTest, GivesItBackWhenTheDeviceCannotBeOpened) {
-    const CTestBus bus;
-    const CModemManagerMock manager(EManager::LetsGo, GetPort());
-    const HLINE hOther = m_module->OpenLine("Modem");
-    HCALL hOtherCall = 0;
-    ASSERT_EQ(m_module->MakeCall(hOther, &hOtherCall), 0);
-    CloseHandle(m_module->GetPort(hOtherCall));
-    m_terminal.CloseMaster();
-    EXPECT_EQ(m_module->MakeCall(m_hLine, &m_hCall), LINEERR_NODEVICE);
-    EXPECT_EQ(m_module->lineClose(hOther), 0);
-    EXPECT_TRUE(m_module->RunUntil([&] { return !manager.HasLetGo(); }));
+TEST_F(CModemManagerTest, GetsItBackWhenTheDeviceCannotBeOpened) {
+    const CModemManagerMock manager(EManager::LetsGo, "null");
+    NameModem("/dev/null");
+    EXPECT_EQ(MakeCall(), LINEERR_NODRIVER);
+    EXPECT_TRUE(manager.WasAsked());
+    EXPECT_TRUE(IsGivenBackTo(manager));
 }
 
 TEST_F(CModemManagerTest, IsNotAskedForWhatItDoesNotHave) {
-    const CTestBus bus;
-    EXPECT_EQ(m_module->MakeCall(m_hLine, &m_hCall), 0) << "without a manager";
-    m_module->Restart();
+    EXPECT_EQ(MakeCall(), 0) << "without a manager";
     for (const EManager behaviour : {EManager::LetsGo, EManager::TalksNonsense}) {
         const bool isNonsense = behaviour == EManager::TalksNonsense;
-        const CModemManagerMock manager(behaviour, isNonsense ? GetPort() : "ttyUSB1");
-        m_hLine = m_module->OpenLine("Modem");
-        EXPECT_EQ(m_module->MakeCall(m_hLine, &m_hCall), 0);
+        const CModemManagerMock manager(behaviour, isNonsense ? m_port : "ttyUSB1");
+        Restart();
+        EXPECT_EQ(MakeCall(), 0);
         EXPECT_FALSE(manager.WasAsked());
-        m_module->Restart();
     }
 }
 
 // Each end comes long before the manager's answer would be given up.
 TEST_F(CModemManagerTest, CanBeGivenUpWhileItIsAsked) {
-    const CTestBus bus;
-    using End = std::function<void()>;
-    const End ends[] = {
-        [&] {
-            EXPECT_GT(m_module->lineDrop(m_hCall, nullptr, 0), 0);
-            EXPECT_TRUE(m_module->RunUntil(
-                [&] { return m_module->HasEvent(m_hCall, LINE_CALLSTATE, LINECALLSTATE_IDLE); }));
-            EXPECT_EQ(m_module->lineDeallocateCall(m_hCall), 0);
-        },
-        [&] { EXPECT_EQ(m_module->lineClose(m_hLine), 0); },
-        [&] { m_module->Shutdown(); },
-    };
-    for (const End& end : ends) {
-        const CModemManagerMock manager(EManager::NeverAnswers, GetPort());
+    for (const auto& end : m_ends) {
+        const CModemManagerMock manager(EManager::NeverAnswers, m_port);
         ASSERT_GT(m_module->StartCall(m_hLine, &m_hCall), 0);
         ASSERT_TRUE(m_module->RunUntil([&] { return manager.WasAsked(); }));
         end();
-        m_module->Restart();
-        m_hLine = m_module->OpenLine("Modem");
+        if (&end == &m_ends[0]) {
+            EXPECT_TRUE(m_module->RunUntil(
+                [&] { return m_module->FindEvent(m_hCall, LINE_CALLSTATE, LINECALLSTATE_IDLE); }));
+            EXPECT_EQ(m_module->lineDeallocateCall(m_hCall), 0);
+        }
+        Restart();
     }
 }
 

@@ -1,11 +1,13 @@
 #include "tests/services/telephony/TapiModule.h"
 
 #include "platform/Message.h"
+#include "telephony/TapiRecord.h"
+#include "tests/support/DeviceNamespace.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <gtest/gtest.h>
+#include <filesystem>
 
 namespace {
 
@@ -25,13 +27,8 @@ struct Identifier {
 
 } // namespace
 
-CTapiModule::CTapiModule() : m_hModule(LoadLibraryA("TAPI32.DLL")) {
+CTapiModule::CTapiModule() {
     g_current = this;
-#define WIRELET_FIND_MEMBER(result, name, parameters)                                              \
-    name = reinterpret_cast<decltype(name)>(GetProcAddress(m_hModule, #name));                     \
-    EXPECT_NE(name, nullptr) << #name;
-    WIRELET_TAPI_FUNCTIONS(WIRELET_FIND_MEMBER)
-#undef WIRELET_FIND_MEMBER
     Restart();
 }
 
@@ -51,73 +48,60 @@ void CTapiModule::Shutdown() {
     m_hLineApp = 0;
 }
 
-void CTapiModule::Unload() {
-    m_hLineApp = 0;
-    EXPECT_TRUE(m_hModule == nullptr || FreeLibrary(m_hModule));
-    m_hModule = nullptr;
-}
-
-std::vector<std::string> CTapiModule::ListLines() const {
+std::vector<std::string> CTapiModule::ListLines() {
     std::vector<std::string> lines;
     for (DWORD device = 0; device < m_dwDevices; ++device) {
         Caps caps{};
         caps.record.dwTotalSize = sizeof caps;
-        EXPECT_EQ(lineGetDevCaps(m_hLineApp, device, TAPI_API_VERSION, 0, &caps.record), 0);
-        EXPECT_LE(caps.record.dwNeededSize, sizeof caps);
-        const char* const name =
-            reinterpret_cast<const char*>(&caps) + caps.record.dwLineNameOffset;
+        EXPECT_EQ(lineGetDevCaps(m_hLineApp, device, TAPI_API_VERSION, 0u, &caps.record), 0);
         const bool isModem = (caps.record.dwMediaModes & LINEMEDIAMODE_DATAMODEM) != 0 &&
                              (caps.record.dwBearerModes & LINEBEARERMODE_VOICE) != 0 &&
                              (caps.record.dwLineFeatures & LINEFEATURE_MAKECALL) != 0;
-        lines.push_back((isModem ? "*" : "") + std::string(name));
+        lines.push_back((isModem ? "*" : "") + std::string(LineNameOf(caps.record).value_or("")));
     }
     return lines;
 }
 
-HLINE CTapiModule::OpenLine(const std::string& name, DWORD_PTR instance) const {
+HLINE CTapiModule::OpenLine(const std::string& name, DWORD_PTR instance) {
     const std::vector<std::string> lines = ListLines();
     HLINE hLine = 0;
     const auto found = std::find(lines.begin(), lines.end(), "*" + name);
     EXPECT_EQ(lineOpen(m_hLineApp, static_cast<DWORD>(found - lines.begin()), &hLine,
-                       TAPI_API_VERSION, 0, instance, LINECALLPRIVILEGE_OWNER,
+                       TAPI_API_VERSION, 0u, instance, LINECALLPRIVILEGE_OWNER,
                        LINEMEDIAMODE_DATAMODEM, nullptr),
               0)
         << name;
     return hLine;
 }
 
-LONG CTapiModule::StartCall(HLINE hLine, HCALL* hCall) const {
+LONG CTapiModule::StartCall(HLINE hLine, HCALL* hCall) {
     LINECALLPARAMS parameters{};
     parameters.dwTotalSize = sizeof parameters;
     parameters.dwBearerMode = LINEBEARERMODE_PASSTHROUGH;
     parameters.dwMediaMode = LINEMEDIAMODE_DATAMODEM;
-    return lineMakeCall(hLine, hCall, nullptr, 0, &parameters);
+    return lineMakeCall(hLine, hCall, nullptr, 0u, &parameters);
 }
 
 LONG CTapiModule::MakeCall(HLINE hLine, HCALL* hCall) {
-    const LONG request = StartCall(hLine, hCall);
-    return request > 0 ? AwaitReply(request) : request;
+    return AwaitReply(StartCall(hLine, hCall));
 }
 
-LONG CTapiModule::AwaitReply(LONG request) {
+LONG CTapiModule::AwaitReply(LONG request) const {
+    if (request <= 0)
+        return request;
     const auto number = static_cast<DWORD_PTR>(request);
-    EXPECT_TRUE(RunUntil([&] { return HasEvent(0, LINE_REPLY, number); }));
-    for (const TapiEvent& event : m_events) {
-        if (event.message == LINE_REPLY && event.parameter1 == number)
-            return static_cast<LONG>(event.parameter2);
-    }
-    return LINEERR_OPERATIONUNAVAIL;
+    if (!RunUntil([&] { return FindEvent(0, LINE_REPLY, number) != nullptr; }))
+        return LINEERR_OPERATIONUNAVAIL;
+    return static_cast<LONG>(FindEvent(0, LINE_REPLY, number)->parameter2);
 }
 
-HANDLE CTapiModule::GetPort(HCALL hCall) const {
+HANDLE CTapiModule::GetPort(HCALL hCall) {
     Identifier identifier{};
     identifier.record.dwTotalSize = sizeof identifier;
-    if (lineGetID(0, 0, hCall, LINECALLSELECT_CALL, &identifier.record, "comm/datamodem") != 0)
+    if (lineGetID(0u, 0u, hCall, LINECALLSELECT_CALL, &identifier.record, "comm/datamodem") != 0)
         return nullptr;
     DWORD number = 0;
-    std::memcpy(&number,
-                reinterpret_cast<const char*>(&identifier) + identifier.record.dwStringOffset,
-                sizeof number);
+    std::memcpy(&number, BytesOf(identifier.record).data(), sizeof number);
     return reinterpret_cast<HANDLE>(std::uintptr_t{number});
 }
 
@@ -139,15 +123,28 @@ void CTapiModule::Dispatch() {
         DispatchMessageA(&message);
 }
 
-bool CTapiModule::HasEvent(DWORD hDevice, DWORD message, DWORD_PTR parameter1) const {
-    for (const TapiEvent& event : m_events) {
-        if (event.hDevice == hDevice && event.message == message && event.parameter1 == parameter1)
-            return true;
-    }
-    return false;
+const TapiEvent* CTapiModule::FindEvent(DWORD hDevice, DWORD message, DWORD_PTR parameter1) const {
+    const auto found = std::ranges::find_if(m_events, [&](const TapiEvent& event) {
+        return event.hDevice == hDevice && event.message == message &&
+               event.parameter1 == parameter1;
+    });
+    return found != m_events.end() ? &*found : nullptr;
 }
 
 void CTapiModule::OnEvent(DWORD hDevice, DWORD message, DWORD_PTR instance, DWORD_PTR parameter1,
                           DWORD_PTR parameter2, DWORD_PTR) {
     g_current->m_events.push_back({hDevice, message, instance, parameter1, parameter2});
+}
+
+void CTapiTest::SetUp() {
+    ASSERT_TRUE(CDeviceNamespace::Enter()) << "needs root or user namespaces";
+    CDeviceNamespace::SetInterfaces({});
+    std::filesystem::create_directories(m_folder.GetPath("wirelet"));
+    setenv("XDG_CONFIG_HOME", m_folder.GetPath("").c_str(), 1);
+    m_module.emplace();
+}
+
+void CTapiTest::NameModems(const std::string& content) {
+    m_folder.Write("wirelet/modems.conf", content);
+    m_module->Restart();
 }

@@ -4,11 +4,14 @@
 // initialised, from the first to the last day of the object.
 #pragma once
 
-#include "platform/Module.h"
 #include "platform/Wait.h"
-#include "telephony/TapiFunctions.h"
+#include "telephony/TapiLibrary.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,53 +23,56 @@ struct TapiEvent {
     DWORD_PTR parameter2;
 };
 
-class CTapiModule {
+class CTapiModule : public CVTapiLibrary {
   public:
     CTapiModule();
-    CTapiModule(const CTapiModule&) = delete;
-    CTapiModule& operator=(const CTapiModule&) = delete;
     ~CTapiModule();
 
-#define WIRELET_DECLARE_MEMBER(result, name, parameters) result(*name) parameters = nullptr;
-    WIRELET_TAPI_FUNCTIONS(WIRELET_DECLARE_MEMBER)
-#undef WIRELET_DECLARE_MEMBER
+    HLINEAPP m_hLineApp = 0;
+    std::vector<TapiEvent> m_events;
 
-    HLINEAPP GetApplication() const {
-        return m_hLineApp;
-    }
     // Shuts the line service down, if there is one, and initialises it.
     void Restart();
     void Shutdown();
-    void Unload();
+    void Unload() {
+        m_hLineApp = 0;
+        CVTapiLibrary::Unload();
+    }
 
     // The names of all lines, with a '*' before those that are data modems.
-    std::vector<std::string> ListLines() const;
+    std::vector<std::string> ListLines();
     // 0 when there is none of that name.
-    HLINE OpenLine(const std::string& name, DWORD_PTR instance = 0) const;
+    HLINE OpenLine(const std::string& name, DWORD_PTR instance = 0);
     // The result of the request.
-    LONG StartCall(HLINE hLine, HCALL* hCall) const;
+    LONG StartCall(HLINE hLine, HCALL* hCall);
     // What the service replies; or the failure of the request.
     LONG MakeCall(HLINE hLine, HCALL* hCall);
-    LONG AwaitReply(LONG request);
+    // The reply to a drop.
+    LONG Drop(HCALL hCall) { return AwaitReply(lineDrop(hCall, nullptr, 0u)); }
     // The handle of a call's port; null when there is none.
-    HANDLE GetPort(HCALL hCall) const;
+    HANDLE GetPort(HCALL hCall);
 
     // Dispatches messages until the condition holds; false when it does not in time.
     bool RunUntil(const std::function<bool()>& condition) const;
     // Dispatches what is there.
     static void Dispatch();
-
-    const std::vector<TapiEvent>& GetEvents() const {
-        return m_events;
-    }
-    bool HasEvent(DWORD hDevice, DWORD message, DWORD_PTR parameter1) const;
+    // The event, null when there was none.
+    const TapiEvent* FindEvent(DWORD hDevice, DWORD message, DWORD_PTR parameter1) const;
 
   private:
     static void OnEvent(DWORD hDevice, DWORD message, DWORD_PTR instance, DWORD_PTR parameter1,
                         DWORD_PTR parameter2, DWORD_PTR parameter3);
+    LONG AwaitReply(LONG request) const;
 
-    HMODULE m_hModule;
-    HLINEAPP m_hLineApp = 0;
     DWORD m_dwDevices = 0;
-    std::vector<TapiEvent> m_events;
+};
+
+// A machine that has the module and no modems but those that the test names.
+class CTapiTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void NameModems(const std::string& content);
+
+    CTempFolder m_folder;
+    std::optional<CTapiModule> m_module;
 };
