@@ -26,9 +26,6 @@ class CUniqueHandle {
         return handle;
     }
 
-    // Holds nothing any more: after the caller has closed the handle, to see the result of that.
-    void Forget() { m_hObject = nullptr; }
-
     // Closes what is held and takes the new one over.
     void Reset(HANDLE handle = nullptr) {
         const HANDLE former = m_hObject;
@@ -40,3 +37,8 @@ class CUniqueHandle {
   private:
     HANDLE m_hObject = nullptr;
 };
+
+// Closes what is held, for those to whom the result matters.
+inline BOOL CloseHandle(CUniqueHandle& handle) {
+    return CloseHandle(handle.Detach());
+}

@@ -188,11 +188,11 @@ BOOL EscapeCommFunction(HANDLE hFile, DWORD dwFunc);
 BOOL GetCommModemStatus(HANDLE hFile, LPDWORD lpModemStat);
 
 // The errors since the last call, from the differences of the driver's own counters, and the bytes
-// that wait in the receive queue and the driver (cbInQue) and in the driver's output queue
-// (cbOutQue). A driver without counters reports no errors. Both out pointers may be null; with a
-// null lpErrors the errors are left for the next call. cbInQue may exceed the receive queue's size,
-// by what the driver holds; while a reader works the queue off, it may leave out what came since
-// the queue was filled.
+// that wait in the receive queue and the driver (cbInQue) and in the driver's output queue and a
+// pending write (cbOutQue). A driver without counters reports no errors. Both out pointers may be
+// null; with a null lpErrors the errors are left for the next call. cbInQue may exceed the receive
+// queue's size, by what the driver holds; while a reader works the queue off, it may leave out what
+// came since the queue was filled.
 BOOL ClearCommError(HANDLE hFile, LPDWORD lpErrors, COMSTAT* lpStat);
 
 // Discards received bytes (PURGE_RXCLEAR), bytes not yet sent (PURGE_TXCLEAR), and ends pending

@@ -323,14 +323,18 @@ BOOL CCommPort::CountReceived(DWORD& count) {
     return TRUE;
 }
 
+// Bytes that are handed over meanwhile may be counted twice, but none is left out.
 BOOL CCommPort::CountUnsent(DWORD& count) {
+    count = m_write.Left();
     const DWORD writes = m_dwWrites;
     if (writes == m_dwDrained)
         return TRUE;
-    if (!m_driver.CountOutput(count))
+    DWORD waiting = 0;
+    if (!m_driver.CountOutput(waiting))
         return FALSE;
-    if (count == 0)
+    if (waiting == 0)
         m_dwDrained = writes;
+    count += waiting;
     return TRUE;
 }
 

@@ -17,7 +17,7 @@ BOOL CCommTransfer::Create() {
 
 void CCommTransfer::Begin(OVERLAPPED* overlapped, DWORD count, DWORD done, DWORD milliseconds) {
     m_overlapped = overlapped;
-    m_dwCount = count;
+    m_dwLeft = count - done;
     m_dwDone = done;
     m_deadline = CDeadline(milliseconds);
     overlapped->Internal = ERROR_IO_PENDING;
@@ -38,6 +38,7 @@ DWORD CCommTransfer::Remaining() const {
 void CCommTransfer::End(DWORD error) {
     if (!IsPending())
         return;
+    m_dwLeft = 0;
     RecordTransfer(std::exchange(m_overlapped, nullptr), error, m_dwDone);
     if (m_nWaiting == 0 || m_bSignalled)
         return;

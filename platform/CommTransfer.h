@@ -1,14 +1,16 @@
 // A transfer of a port that is pending: what is left of it, until when, and whom to tell of its
 // end.
 //
-// Owned by the port, one for each direction, and guarded by that direction's lock. It refers to the
-// caller's OVERLAPPED record and buffer only while it is pending; its end is written into the
-// record, where it stays to be asked for.
+// Owned by the port, one for each direction, and guarded by that direction's lock, but for Left. It
+// refers to the caller's OVERLAPPED record and buffer only while it is pending; its end is written
+// into the record, where it stays to be asked for.
 #pragma once
 
 #include "platform/Deadline.h"
 #include "platform/File.h"
 #include "platform/HandleObject.h"
+
+#include <atomic>
 
 namespace platform {
 
@@ -25,8 +27,12 @@ class CCommTransfer {
     void Begin(OVERLAPPED* overlapped, DWORD count, DWORD done, DWORD milliseconds);
 
     DWORD Done() const { return m_dwDone; }
-    DWORD Left() const { return m_dwCount - m_dwDone; }
-    void Advance(DWORD count) { m_dwDone += count; }
+    // 0 when nothing is pending.
+    DWORD Left() const { return m_dwLeft; }
+    void Advance(DWORD count) {
+        m_dwDone += count;
+        m_dwLeft -= count;
+    }
 
     // The milliseconds that are left, rounded up; INFINITE without a limit.
     DWORD Remaining() const;
@@ -42,7 +48,7 @@ class CCommTransfer {
 
   private:
     OVERLAPPED* m_overlapped = nullptr;
-    DWORD m_dwCount = 0;
+    std::atomic<DWORD> m_dwLeft = 0;
     DWORD m_dwDone = 0;
     CDeadline m_deadline{INFINITE};
     CDescriptor m_abort; // an eventfd

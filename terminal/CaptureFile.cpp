@@ -36,5 +36,5 @@ BOOL CCaptureFile::WriteBytes(std::string_view bytes) {
 BOOL CCaptureFile::Close() {
     if (!m_hFile)
         return TRUE;
-    return CloseHandle(m_hFile.Detach());
+    return CloseHandle(m_hFile);
 }

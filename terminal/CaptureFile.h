@@ -17,8 +17,6 @@ class CCaptureFile {
     // that fails; a file that somebody else has open keeps its content.
     BOOL Open(const std::string& fileName);
 
-    BOOL IsOpen() const { return m_hFile ? TRUE : FALSE; }
-
     // Writes a text with its LFs removed and each CR made CR LF. TRUE also when the file is not
     // open: there is nothing to capture then. FALSE, with the last error set, when the file did not
     // take all.

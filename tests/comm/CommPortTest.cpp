@@ -74,3 +74,23 @@ TEST(CommOpen, OtherEndCloses) {
     EXPECT_TRUE(CloseHandle(port));
     EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_FAILED);
 }
+
+TEST(CommWrite, WhatIsPendingIsUnsent) {
+    CTestDevice device;
+    const HANDLE port = OpenPort(device.Path());
+    const std::string bytes(1 << 20, 'w');
+    const auto count = static_cast<DWORD>(bytes.size());
+    OVERLAPPED overlapped{};
+    DWORD handedOver = 0;
+    ASSERT_FALSE(WriteFile(port, bytes.data(), count, &handedOver, &overlapped));
+    ASSERT_EQ(GetLastError(), ERROR_IO_PENDING);
+    COMSTAT status{};
+    EXPECT_TRUE(ClearCommError(port, nullptr, &status));
+    EXPECT_GT(status.cbOutQue, 0u);
+    EXPECT_TRUE(PurgeComm(port, PURGE_TXABORT));
+    EXPECT_FALSE(GetOverlappedResult(port, &overlapped, &handedOver, TRUE));
+    EXPECT_EQ(handedOver + status.cbOutQue, count);
+    EXPECT_TRUE(ClearCommError(port, nullptr, &status));
+    EXPECT_EQ(status.cbOutQue, 0u);
+    EXPECT_TRUE(CloseHandle(port));
+}

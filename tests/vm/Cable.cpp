@@ -1,7 +1,6 @@
 #include "tests/vm/Cable.h"
 
 #include "tests/support/Pipe.h"
-#include "tests/vm/Host.h"
 
 #include <filesystem>
 #include <fstream>
@@ -40,8 +39,7 @@ void Unplug(const Cable& cable) {
         EXPECT_EQ(AskHost("unplug"), "done");
         return;
     }
-    const std::filesystem::path interface =
-        std::filesystem::canonical("/sys/class/tty/ttyACM0/device");
+    const auto interface = std::filesystem::canonical("/sys/class/tty/ttyACM0/device");
     s_authorization = interface.parent_path() / "authorized";
     Authorize(0);
 }
@@ -54,4 +52,15 @@ void Plug(const Cable& cable) {
     else
         Authorize(1);
     AwaitDevice(cable, true);
+}
+
+std::string AskHost(const std::string& command) {
+    static const CDescriptor line(open("/dev/vport0p2", O_RDWR | O_CLOEXEC));
+    const std::string request = command + '\n';
+    EXPECT_EQ(write(line.Get(), request.data(), request.size()),
+              static_cast<ssize_t>(request.size()));
+    std::string answer;
+    for (char byte = 0; read(line.Get(), &byte, 1) == 1 && byte != '\n';)
+        answer += byte;
+    return answer;
 }

@@ -1,8 +1,10 @@
-// The serial devices of the guest, each with the far end of its cable.
+// The serial devices of the guest, each with the far end of its cable, and the host, which has the
+// chips and the plugs in its hands.
 #pragma once
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <string>
 
 // A second is meant where something must not be held up; under emulation on a busy machine it gets
 // longer. What must not happen takes longer still: the drivers wait 30 seconds for their output, a
@@ -24,6 +26,15 @@ inline constexpr Cable ACM = {"acm", "/dev/ttyACM0", "/dev/ttyGS0"};           /
 // Takes the adapter or the ACM away, and brings it back; returns when it is there.
 void Unplug(const Cable& cable);
 void Plug(const Cable& cable);
+
+// Has the host do something, over the control line, and returns its answer, a line:
+//   plug, unplug    the USB adapter; "done"
+//   break           on the UART's line; "done"
+//   settings CHIP   what is in place in the chip, such as "19200 7E1 - DTR RTS": the speed, the
+//                   format, what output waits for ("-", "CTS" or "XON"), and the lines that are up
+//   moves CHIP      what DTR and RTS have done since last asked: "12ms -DTR 0ms -RTS"
+// CHIP is "adapter" or "uart".
+std::string AskHost(const std::string& command);
 
 inline std::ostream& operator<<(std::ostream& stream, const Cable& cable) {
     return stream << cable.name;

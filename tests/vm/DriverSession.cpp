@@ -31,8 +31,23 @@ void CDriverSession::StartOnCable(const std::vector<std::string>& options) {
     received.clear();
 }
 
+void CDriverSession::StartCommandFile(const std::string& commands) {
+    Start(GetParam().device, {"-A:" + m_folder.Write("commands", commands), "-O:" + m_capture});
+}
+
+void CDriverSession::StartScript(const std::string& statements) {
+    const std::string script = "FUNCTION main()\r\n" + statements + "\r\nENDFUNCTION\r\n";
+    Start(GetParam().device, {"-S:" + m_folder.Write("script", script)});
+}
+
 CSessionTest::Result CDriverSession::EndsSoon() {
     if (m_pump.RunUntil([this] { return m_program->HasEnded(); }, GUARD))
         return EndsWith(0);
     return testing::AssertionFailure() << "still runs; the screen shows\n" << Screen().GetText();
+}
+
+CSessionTest::Result CDriverSession::EndsByKey() {
+    Type(kAltF4);
+    const Result ended = EndsSoon();
+    return ended ? Ends() : ended;
 }

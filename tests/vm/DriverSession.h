@@ -18,11 +18,17 @@ class CDriverSession : public CSessionTest, public testing::WithParamInterface<C
     void ConnectModem(const std::vector<std::string>& options = {});
     // Starts the interactive terminal and waits for it.
     void StartOnCable(const std::vector<std::string>& options = {});
+    // Starts a command file with a capture, and a script of these statements.
+    void StartCommandFile(const std::string& commands);
+    void StartScript(const std::string& statements);
 
     Result FarEndGets(const std::string& bytes) { return m_farEnd->Gets(m_pump, bytes); }
     // The program ends in order, and before a driver's wait for its output is over.
     Result EndsSoon();
+    // So it does at the user's key, and leaves the terminal in order.
+    Result EndsByKey();
 
+    const std::string m_capture = m_folder.GetPath("capture");
     std::optional<CFarEnd> m_farEnd;
 
   private:

@@ -1,27 +1,20 @@
 // A port whose device is gone.
-#include "platform/Comm.h"
 #include "platform/Error.h"
-#include "platform/Wait.h"
 #include "tests/vm/SerialTest.h"
 
-class CGoneTest : public testing::TestWithParam<Cable> {};
+class CGoneTest : public CSerialTest {};
 INSTANTIATE_TEST_SUITE_P(Cables, CGoneTest, testing::Values(ADAPTER, ACM), NameOfCable);
 
 TEST_P(CGoneTest, EveryCallSaysSoOnceAllIsRead) {
-    CPump pump;
-    CFarEnd farEnd(GetParam().farEnd);
-    pump.Add(farEnd);
-    const HANDLE port = CreateFileA(GetParam().device, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                    OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
-    ASSERT_NE(port, INVALID_HANDLE_VALUE);
-    COMMTIMEOUTS timeouts = {MAXDWORD, 0, 0, 0, 0};
-    ASSERT_TRUE(SetCommTimeouts(port, &timeouts));
+    Open();
+    const HANDLE port = Port();
     const HANDLE hangup = platform::GetCommHangupHandle(port);
+    COMMTIMEOUTS timeouts = {MAXDWORD, 0, 0, 0, 0};
     DCB dcb{};
     ASSERT_TRUE(GetCommState(port, &dcb));
-    farEnd.Send("said before");
+    m_farEnd.Send("said before");
     COMSTAT status{};
-    ASSERT_TRUE(pump.RunUntil(
+    ASSERT_TRUE(m_pump.RunUntil(
         [&] { return ClearCommError(port, nullptr, &status) && status.cbInQue == 11; }));
     EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_TIMEOUT);
 
@@ -51,14 +44,11 @@ TEST_P(CGoneTest, EveryCallSaysSoOnceAllIsRead) {
         EXPECT_FALSE(call()) << &call - calls;
         EXPECT_EQ(GetLastError(), ERROR_DEVICE_NOT_CONNECTED) << &call - calls;
     }
-    EXPECT_TRUE(CloseHandle(port));
+    m_serial->Close();
     Plug(GetParam());
 }
 
-class CGoneSerialTest : public CSerialTest {};
-INSTANTIATE_TEST_SUITE_P(Cables, CGoneSerialTest, testing::Values(ADAPTER, ACM), NameOfCable);
-
-TEST_P(CGoneSerialTest, WritingAndClosingDoNotWait) {
+TEST_P(CGoneTest, WritingAndClosingDoNotWait) {
     const auto threads = CountThreads();
     Open();
     Unplug(GetParam());

@@ -5,6 +5,7 @@
 
 #include "tests/support/Pipe.h"
 
+#include <functional>
 #include <sys/ioctl.h>
 #include <termios.h>
 
@@ -22,6 +23,14 @@ class CHolder {
     }
 
     void SetLines(int lines) { EXPECT_EQ(ioctl(m_device.Get(), TIOCMSET, &lines), 0); }
+
+    // Starts the flow control while the UART is looped back, with its RTS, and so CTS, low. Out of
+    // the loop the chip's CTS is high again, but its emulation tells the driver of no change.
+    void LowerCts(const std::function<void()>& startFlowControl) {
+        SetLines(TIOCM_LOOP | TIOCM_OUT2 | TIOCM_DTR);
+        startFlowControl();
+        SetLines(TIOCM_OUT2 | TIOCM_DTR);
+    }
 
     termios GetSettings() const {
         termios settings{};

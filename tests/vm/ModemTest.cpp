@@ -1,6 +1,7 @@
-// The program's sessions on real drivers, against the simulated modem and against itself.
+// The program's sessions on real drivers: against the simulated modem, against itself, and against
+// a device that takes nothing.
 #include "tests/vm/DriverSession.h"
-#include "tests/vm/Host.h"
+#include "tests/vm/Holder.h"
 
 #include <regex>
 
@@ -17,29 +18,21 @@ TEST_P(CModemTest, InteractiveSession) {
     ASSERT_TRUE(Shows("CONNECT"));
     Type("over the line and back");
     ASSERT_TRUE(Shows("over the line and back"));
-    Type(kAltF4);
-    EXPECT_TRUE(EndsSoon());
-    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(EndsByKey());
 }
 
 TEST_P(CModemTest, CommandFile) {
     ConnectModem();
-    const std::string capture = m_folder.GetPath("capture");
-    Start(GetParam().device,
-          {"-A:" + m_folder.Write("commands", "ATE0\nAT+CGMI\nAT+NONE\n"), "-O:" + capture});
+    StartCommandFile("ATE0\nAT+CGMI\nAT+NONE\n");
     ASSERT_TRUE(EndsSoon());
-    EXPECT_EQ(ReadWholeFile(capture),
+    EXPECT_EQ(ReadWholeFile(m_capture),
               "ATE0\r\nATE0\r\n\r\nOK\r\nAT+CGMI\r\n\r\nWirelet\r\n\r\nOK\r\n"
               "AT+NONE\r\n\r\nERROR\r\n");
 }
 
 TEST_P(CModemTest, Script) {
     ConnectModem();
-    Start(GetParam().device,
-          {"-S:" + m_folder.Write("script", "FUNCTION main()\r\n"
-                                            "MessageBox(SendCommandGetString(\"AT+CGMI\\r\"), "
-                                            "\"The maker\")\r\n"
-                                            "ENDFUNCTION\r\n")});
+    StartScript("MessageBox(SendCommandGetString(\"AT+CGMI\\r\"), \"The maker\")");
     ASSERT_TRUE(Shows("The maker"));
     EXPECT_GE(Screen().FindRow("Wirelet"), 0) << Screen().GetText();
     Type("\r");
@@ -67,13 +60,13 @@ TEST_P(CModemTest, ASecondProgramIsRefused) {
     m_pump.Remove(second);
 }
 
-class CChipTest : public CDriverSession {
+class CChipSession : public CDriverSession {
   protected:
     std::string Ask(const char* what) { return AskHost(std::string(what) + ' ' + GetParam().name); }
 };
-INSTANTIATE_TEST_SUITE_P(Cables, CChipTest, testing::Values(ADAPTER, UART), NameOfCable);
+INSTANTIATE_TEST_SUITE_P(Cables, CChipSession, testing::Values(ADAPTER, UART), NameOfCable);
 
-TEST_P(CChipTest, ASpeedThatTheDriverReplacesIsTold) {
+TEST_P(CChipSession, ASpeedThatTheDriverReplacesIsTold) {
     const std::string before = Ask("settings").substr(0, 8);
     StartOnCable({"-B:4000000"});
     EXPECT_TRUE(Shows("Error setting 4000000 baud"));
@@ -85,11 +78,9 @@ TEST_P(CChipTest, ASpeedThatTheDriverReplacesIsTold) {
     EXPECT_EQ(Ask("settings"), "19200 8N1 - DTR RTS");
 }
 
-TEST_P(CChipTest, HangupDropsTheLinesForATenthOfASecond) {
+TEST_P(CChipSession, HangupDropsTheLinesForATenthOfASecond) {
     Ask("moves");
-    Start(GetParam().device, {"-S:" + m_folder.Write("script", "FUNCTION main()\r\n"
-                                                               "Hangup()\r\n"
-                                                               "ENDFUNCTION\r\n")});
+    StartScript("Hangup()");
     ASSERT_TRUE(EndsSoon());
     const std::string moves = Ask("moves");
     const std::regex pattern("-DTR \\d+ms -RTS (\\d+)ms \\+DTR \\d+ms \\+RTS ");
@@ -118,4 +109,82 @@ TEST_P(CMegabyteTest, ArrivesWholeEachWayAtOnce) {
     EXPECT_TRUE(received == "ATE1V1\r" + text) << received.size();
     const std::string shown = ReadWholeFile(path);
     EXPECT_TRUE(shown.ends_with(MakeLines(LINES, " of a long text\n"))) << shown.size();
+}
+
+class CStuckSession : public CDriverSession {};
+INSTANTIATE_TEST_SUITE_P(Cables, CStuckSession, testing::Values(ACM), NameOfCable);
+
+// Whose driver cannot discard what it was given.
+TEST_P(CStuckSession, TheEndDoesNotWait) {
+    StartOnCable();
+    m_pump.Remove(*m_farEnd);
+    Type(std::string(200000, 't'));
+    EXPECT_TRUE(Fulfils("the keys", [this] { return m_terminal.IsAllSent(); }));
+    m_pump.RunFor(std::chrono::milliseconds(300));
+    EXPECT_TRUE(EndsByKey());
+    m_pump.Add(*m_farEnd);
+}
+
+class CFlowSession : public CDriverSession {};
+INSTANTIATE_TEST_SUITE_P(Cables, CFlowSession, testing::Values(UART), NameOfCable);
+
+TEST_P(CFlowSession, TheScreenGoesOn) {
+    CHolder holder(GetParam().device);
+    StartOnCable();
+    const auto choose = [this](const char* key, const char* answer) {
+        Type(kF6);
+        EXPECT_TRUE(Shows("Flow Control: "));
+        Type(key);
+        EXPECT_TRUE(Shows(answer));
+    };
+    const std::string typed(20000, 't');
+    const auto blockAndHear = [&](const std::string& cleared, const std::string& text) {
+        holder.LowerCts([&] { choose("2", "Set to Hardware"); });
+        Type(typed);
+        m_farEnd->Send(cleared + text);
+        EXPECT_TRUE(Shows(text));
+    };
+    blockAndHear("", "the device goes on");
+    EXPECT_EQ(m_farEnd->GetReceived(), "");
+    choose("1", "Set to None");
+    EXPECT_TRUE(FarEndGets(typed));
+    blockAndHear("\x1B[2J", "and on");
+    EXPECT_TRUE(EndsByKey());
+}
+
+class CSelectionSession : public CDriverSession {};
+INSTANTIATE_TEST_SUITE_P(Cables, CSelectionSession, testing::Values(ADAPTER), NameOfCable);
+
+// The guest has no udev: what a modem is called, it says itself.
+TEST_P(CSelectionSession, ToTheModemOrToOneThatIsGone) {
+    ConnectModem();
+    const auto tells = [this](const char* what) {
+        const std::regex pattern(what);
+        return Fulfils(what, [&] { return std::regex_search(m_terminal.GetOutput(), pattern); });
+    };
+    const auto list = [&] {
+        m_terminal.GetReceived().clear();
+        StartWith(-1, -1, -1, {});
+        return tells("Ports:\r\n 1\\) QEMU USB SERIAL\r\n 2\\) Linux .*Gadget Serial.*\r\n"
+                     " 3\\) COM2\r\n 4\\) /dev/ttyACM0\r\n 5\\) /dev/ttyUSB0\r\nEnter .*: $");
+    };
+    ASSERT_TRUE(list());
+    Type("1\r");
+    ASSERT_TRUE(Shows("OK"));
+    Type("AT+CGMI\r");
+    EXPECT_TRUE(Shows("Wirelet"));
+    EXPECT_TRUE(EndsByKey());
+
+    for (const auto& [number, message] :
+         {std::pair("1\r", "\"QEMU USB SERIAL\", /dev/ttyUSB0: no such device"),
+          std::pair("5\r", "/dev/ttyUSB0: no such device")}) {
+        ASSERT_TRUE(list());
+        Unplug(GetParam());
+        EXPECT_TRUE(Fulfils("the end of it", [] { return access(ADAPTER.device, F_OK) != 0; }));
+        Type(number);
+        EXPECT_TRUE(tells(message));
+        Type("\r");
+        EXPECT_TRUE(EndsSoon());
+        Plug(GetParam());
+    }
 }

@@ -19,32 +19,21 @@ constexpr __u8 ASKS_LINES = 5;
 constexpr char NOTHING_TO_SEND = 0x40;
 
 struct __attribute__((packed)) Descriptors {
+    usb_functionfs_descs_head_v2 header;
+    __le32 count;
     usb_interface_descriptor interface;
     usb_endpoint_descriptor_no_audio input;
     usb_endpoint_descriptor_no_audio output;
 };
 
-struct __attribute__((packed)) Head {
-    usb_functionfs_descs_head_v2 header;
-    __le32 fullSpeedCount;
-    __le32 highSpeedCount;
-    Descriptors fullSpeed;
-    Descriptors highSpeed;
-};
-
-usb_endpoint_descriptor_no_audio Endpoint(__u8 address, __u16 size) {
+usb_endpoint_descriptor_no_audio Endpoint(__u8 address) {
+    constexpr __u16 PACKET_SIZE = 512;
     return {sizeof(usb_endpoint_descriptor_no_audio),
             USB_DT_ENDPOINT,
             address,
             USB_ENDPOINT_XFER_BULK,
-            htole16(size),
+            htole16(PACKET_SIZE),
             0};
-}
-
-Descriptors DescriptorsOf(__u16 packetSize) {
-    const usb_interface_descriptor interface = {
-        sizeof interface, USB_DT_INTERFACE, 0, 0, 2, USB_CLASS_VENDOR_SPEC, 0xFF, 0xFF, 0};
-    return {interface, Endpoint(USB_DIR_IN | 1, packetSize), Endpoint(USB_DIR_OUT | 2, packetSize)};
 }
 
 void WriteTo(const fs::path& path, const char* text) {
@@ -73,13 +62,14 @@ CPlayedAdapter::CPlayedAdapter() {
     EXPECT_EQ(mount("played", ENDPOINTS, "functionfs", 0, nullptr), 0);
     const fs::path endpoints = ENDPOINTS;
     m_control.Reset(open((endpoints / "ep0").c_str(), O_RDWR | O_CLOEXEC));
-    const __u32 flags = FUNCTIONFS_HAS_FS_DESC | FUNCTIONFS_HAS_HS_DESC | FUNCTIONFS_ALL_CTRL_RECIP;
-    Put(m_control,
-        Head{{htole32(FUNCTIONFS_DESCRIPTORS_MAGIC_V2), htole32(sizeof(Head)), htole32(flags)},
-             htole32(3),
-             htole32(3),
-             DescriptorsOf(64),
-             DescriptorsOf(512)});
+    const __u32 flags = FUNCTIONFS_HAS_HS_DESC | FUNCTIONFS_ALL_CTRL_RECIP;
+    Put(m_control, Descriptors{{htole32(FUNCTIONFS_DESCRIPTORS_MAGIC_V2),
+                                htole32(sizeof(Descriptors)), htole32(flags)},
+                               htole32(3),
+                               {sizeof(usb_interface_descriptor), USB_DT_INTERFACE, 0, 0, 2,
+                                USB_CLASS_VENDOR_SPEC, 0xFF, 0xFF, 0},
+                               Endpoint(USB_DIR_IN | 1),
+                               Endpoint(USB_DIR_OUT | 2)});
     Put(m_control, usb_functionfs_strings_head{htole32(FUNCTIONFS_STRINGS_MAGIC),
                                                htole32(sizeof(usb_functionfs_strings_head)), 0, 0});
     m_input.Reset(open((endpoints / "ep1").c_str(), O_RDWR | O_CLOEXEC));

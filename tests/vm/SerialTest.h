@@ -2,15 +2,14 @@
 #pragma once
 
 #include "CORE/VXSerial/Lib/ISerial.h"
+#include "CORE/VXSerial/Lib/ISerialWait.h"
 #include "common/InterfacePtr.h"
 #include "platform/Comm.h"
 #include "tests/diagnostics/ReportLog.h"
 #include "tests/vm/Cable.h"
 #include "tests/vm/FarEnd.h"
-#include "tests/vm/Host.h"
 
 #include <filesystem>
-#include <regex>
 
 class CSerialTest : public testing::TestWithParam<Cable> {
   protected:
@@ -20,6 +19,8 @@ class CSerialTest : public testing::TestWithParam<Cable> {
     }
 
     void Open() { ASSERT_TRUE(m_serial->Open(GetParam().device)); }
+    // The open port, for the platform's own calls.
+    HANDLE Port() const { return m_serial.Query<ISerialWait>(IID_ISerialWait)->GetReceiveHandle(); }
     DWORD Write(const std::string& bytes) {
         return m_serial->Write(bytes.data(), static_cast<DWORD>(bytes.size()));
     }
@@ -33,6 +34,8 @@ class CSerialTest : public testing::TestWithParam<Cable> {
         });
         return bytes;
     }
+    auto FarEndGets(const std::string& bytes) { return m_farEnd.Gets(m_pump, bytes); }
+
     static auto CountThreads() {
         return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
     }
@@ -42,14 +45,6 @@ class CSerialTest : public testing::TestWithParam<Cable> {
         m_serial->Close();
         EXPECT_LT(std::chrono::steady_clock::now() - start, GUARD);
         EXPECT_EQ(CountThreads(), threadsBefore);
-    }
-    auto FarEndGets(const std::string& bytes) { return m_farEnd.Gets(m_pump, bytes); }
-
-    std::string Settings() const { return AskHost(std::string("settings ") + GetParam().name); }
-    // Without the times between.
-    std::string Moves() const {
-        const std::string moves = AskHost(std::string("moves ") + GetParam().name);
-        return std::regex_replace(moves, std::regex("[0-9]+ms "), "");
     }
 
     CReportLog m_log;

@@ -32,8 +32,7 @@ class CUnplugTest : public CDriverSession {
         Plug(GetParam());
         Connect();
         StartOnCable();
-        Type(kAltF4);
-        EXPECT_TRUE(EndsSoon());
+        EXPECT_TRUE(EndsByKey());
     }
 
     const std::string m_log = m_folder.GetPath("log");
@@ -54,7 +53,7 @@ TEST_P(CUnplugTest, WhileIdle) {
 
 TEST_P(CUnplugTest, InMidOutput) {
     StartOnCable({"-O:" + m_log});
-    const std::string text = MakeLines(200000);
+    const std::string text = MakeLines(1000000);
     m_farEnd->Send(text);
     ASSERT_TRUE(Fulfils("output", [this] { return m_terminal.GetOutput().size() > 20000; }));
     Unplug(GetParam());
@@ -94,9 +93,7 @@ TEST_P(CUnplugTest, DuringAPaste) {
 }
 
 TEST_P(CUnplugTest, WhileACommandFileWaits) {
-    const std::string capture = m_folder.GetPath("capture");
-    Start(GetParam().device,
-          {"-A:" + m_folder.Write("commands", "AT+CSQ\nATI\n"), "-O:" + capture});
+    StartCommandFile("AT+CSQ\nATI\n");
     ASSERT_TRUE(FarEndGets("AT+CSQ\r"));
     m_farEnd->Send("\r\n+CSQ: 20,0\r\n\r\nOK\r\n");
     ASSERT_TRUE(FarEndGets("ATI\r"));
@@ -105,16 +102,13 @@ TEST_P(CUnplugTest, WhileACommandFileWaits) {
     Unplug(GetParam());
     ExpectGone();
     EXPECT_TRUE(Ends());
-    EXPECT_EQ(ReadWholeFile(capture),
+    EXPECT_EQ(ReadWholeFile(m_capture),
               "AT+CSQ\r\n\r\n+CSQ: 20,0\r\n\r\nOK\r\nATI\r\n\r\nhalf of an answ");
     ExpectBack();
 }
 
 TEST_P(CUnplugTest, WhileAScriptWaits) {
-    Start(GetParam().device, {"-S:" + m_folder.Write("script", "FUNCTION main()\r\n"
-                                                               "SendString(\"ready\\r\")\r\n"
-                                                               "WaitForString(\"go\", 600000)\r\n"
-                                                               "ENDFUNCTION\r\n")});
+    StartScript("SendString(\"ready\\r\")\r\nWaitForString(\"go\", 600000)");
     ASSERT_TRUE(FarEndGets("ready\r"));
     Unplug(GetParam());
     ExpectGone();

@@ -1,5 +1,6 @@
 """The virtual machine: its devices, its monitor, and the cables of its serial devices."""
 import asyncio
+import contextlib
 import fcntl
 import json
 import socket
@@ -42,12 +43,10 @@ def command_line(folder, sockets):
 async def repeat(action):
     """For what works once the emulator is ready for it."""
     for _ in range(500):
-        try:
+        with contextlib.suppress(OSError):
             return await action()
-        except OSError as error:
-            last = error
-            await asyncio.sleep(0.02)
-    raise last
+        await asyncio.sleep(0.02)
+    return await action()
 
 
 async def connect(path):

@@ -118,6 +118,7 @@ class CVSerial final : public CVComponent,
     // Notification; the port lock is held, but by the threads' own.
     BOOL StartCommNotifyThread();
     BOOL CreateCommNotifyEvents();
+    void CloseCommNotifyEvents();
     BOOL StopCommNotifyThread();
     static DWORD CommNotifyThreadProc(LPVOID pObject);
     DWORD RunCommNotifyThread();

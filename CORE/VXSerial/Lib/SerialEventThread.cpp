@@ -32,11 +32,7 @@ BOOL CVSerial::StartCommNotifyThread() {
         DebugReport("CVSerial::StartCommNotifyThread() - CreateThread() failed - "
                     "GetLastError() = %ld",
                     static_cast<long>(GetLastError()));
-        const CLock lock(m_NotifyCritSec);
-        DEBUG_VERIFY(CloseHandle(m_hCommNotifyEnableEvent));
-        m_hCommNotifyEnableEvent.Forget();
-        DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
-        m_hCommNotifyThreadEndEvent.Forget();
+        CloseCommNotifyEvents();
         return FALSE;
     }
     DEBUG_VERIFY(SetThreadPriority(m_hCommNotifyThread, THREAD_PRIORITY_BELOW_NORMAL));
@@ -61,7 +57,6 @@ BOOL CVSerial::CreateCommNotifyEvents() {
                     "GetLastError() = %ld",
                     static_cast<long>(GetLastError()));
         DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
-        m_hCommNotifyThreadEndEvent.Forget();
         return FALSE;
     }
     return TRUE;
@@ -81,13 +76,14 @@ BOOL CVSerial::StopCommNotifyThread() {
         DEBUG_VERIFY(TerminateThread(m_hCommNotifyThread, 0));
     }
     DEBUG_VERIFY(CloseHandle(m_hCommNotifyThread));
-    m_hCommNotifyThread.Forget();
+    CloseCommNotifyEvents();
+    return TRUE;
+}
+
+void CVSerial::CloseCommNotifyEvents() {
     const CLock lock(m_NotifyCritSec);
     DEBUG_VERIFY(CloseHandle(m_hCommNotifyEnableEvent));
-    m_hCommNotifyEnableEvent.Forget();
     DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
-    m_hCommNotifyThreadEndEvent.Forget();
-    return TRUE;
 }
 
 DWORD CVSerial::CommNotifyThreadProc(LPVOID pObject) {

@@ -33,7 +33,6 @@ BOOL CVSerial::StartModemMonitorThread() {
                     "GetLastError() = %ld",
                     static_cast<long>(GetLastError()));
         DEBUG_VERIFY(CloseHandle(m_hModemMonitorThreadEndEvent));
-        m_hModemMonitorThreadEndEvent.Forget();
         return FALSE;
     }
     DEBUG_VERIFY(SetThreadPriority(m_hModemMonitorThread, THREAD_PRIORITY_LOWEST));
@@ -52,9 +51,7 @@ BOOL CVSerial::StopModemMonitorThread() {
         DEBUG_VERIFY(TerminateThread(m_hModemMonitorThread, 0));
     }
     DEBUG_VERIFY(CloseHandle(m_hModemMonitorThread));
-    m_hModemMonitorThread.Forget();
     DEBUG_VERIFY(CloseHandle(m_hModemMonitorThreadEndEvent));
-    m_hModemMonitorThreadEndEvent.Forget();
     return TRUE;
 }
 

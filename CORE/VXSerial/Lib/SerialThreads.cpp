@@ -55,7 +55,6 @@ BOOL CVSerial::StartWriteThread() {
         DebugReport("CVSerial::StartWriteThread() - CreateThread() failed - GetLastError() = %ld",
                     static_cast<long>(GetLastError()));
         DEBUG_VERIFY(CloseHandle(m_hWriteThreadEndEvent));
-        m_hWriteThreadEndEvent.Forget();
         m_hProgressEvent.Reset();
         return FALSE;
     }
@@ -83,9 +82,7 @@ BOOL CVSerial::StopWriteThread() {
         DEBUG_VERIFY(TerminateThread(m_hWriteThread, 0));
     }
     DEBUG_VERIFY(CloseHandle(m_hWriteThread));
-    m_hWriteThread.Forget();
     DEBUG_VERIFY(CloseHandle(m_hWriteThreadEndEvent));
-    m_hWriteThreadEndEvent.Forget();
     return TRUE;
 }
 

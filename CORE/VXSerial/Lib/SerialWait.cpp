@@ -92,7 +92,7 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
         if (ours + pending.dwDriver == 0)
             return TRUE;
         patience.Look(ours + pending.dwDriver);
-        // While a chunk trickles into the driver's queue, which it keeps filled, no count changes.
+        // Some drivers count what they send by the piece, for each of which a slow line takes long.
         const DWORD remaining = patience.Remaining(TransmitTime(pending.dwInHand, baudRate));
         if (remaining == 0)
             return FALSE;
