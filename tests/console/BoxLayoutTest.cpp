@@ -161,21 +161,3 @@ TEST(BoxLayout, EverythingIsReadableInEveryWindow) {
         }
     }
 }
-
-TEST(BoxLayout, SaysThatItCanBeScrolled) {
-    const BoxContent content = {"Log", std::string(39, '\n') + "end", 0};
-    const struct {
-        int columns;
-        int rows;
-        const char* note;
-    } cases[] = {
-        {80, 24, "Lines 1-19 of 40: Up, Down, PageUp, PageDown"},
-        {40, 10, "[ OK ] 1-8 of 40, Up/Down"},
-        {24, 5, "[ OK ] 1-3/40 Up/Dn"},
-        {18, 5, "[ OK ] 1-3/40"},
-    };
-    for (const auto& window : cases) {
-        const std::vector<BoxRow> rows = CBoxLayout(content, window.columns, window.rows).Rows(0);
-        EXPECT_NE(rows.back().text.find(window.note), std::string::npos) << rows.back().text;
-    }
-}

@@ -1,5 +1,5 @@
 // The cursor as the console has it against the cursor that a terminal has, over random output.
-#include "tests/console/Terminal.h"
+#include "tests/console/ShownConsole.h"
 
 #include <random>
 
@@ -9,8 +9,8 @@ namespace {
 
 class CRandomOutput {
   public:
-    CRandomOutput(Console& console, COORD size, unsigned seed, bool wide)
-        : m_output(console.output), m_size(size), m_random(seed), m_bWide(wide) {
+    CRandomOutput(CShownConsole& console, COORD size, unsigned seed, bool wide)
+        : m_console(console), m_size(size), m_random(seed), m_bWide(wide) {
         console.Clear();
     }
 
@@ -22,16 +22,17 @@ class CRandomOutput {
         static constexpr std::string_view WIDE[] = {"\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
         const int choice = Below(24);
         if (choice < 15)
-            Write(m_output, PIECES[choice]);
+            m_console.Write(PIECES[choice]);
         else if (choice < 17)
-            Write(m_output, m_bWide ? WIDE[choice - 15] : "x");
+            m_console.Write(m_bWide ? WIDE[choice - 15] : "x");
         else if (choice < 18)
-            Write(m_output, std::string(static_cast<std::size_t>(Below(2 * m_size.X)), 'm'));
+            m_console.Write(std::string(static_cast<std::size_t>(Below(2 * m_size.X)), 'm'));
         else if (choice < 20)
-            m_output.SetPosition(
+            m_console.output.SetPosition(
                 {static_cast<SHORT>(Below(m_size.X)), static_cast<SHORT>(Below(m_size.Y))});
         else if (choice < 22)
-            m_output.SetAttribute(static_cast<std::uint8_t>(Below(3) == 0 ? 0x07 : Below(256)));
+            m_console.output.SetAttribute(
+                static_cast<std::uint8_t>(Below(3) == 0 ? 0x07 : Below(256)));
         else
             Fill();
     }
@@ -42,18 +43,18 @@ class CRandomOutput {
     void Fill() {
         static constexpr std::uint8_t ATTRIBUTES[] = {0x07, 0x07, 0x1E};
         const int cells = m_size.X * m_size.Y;
-        const COORD cursor = CursorOf(m_output);
+        const COORD cursor = m_console.GetCursor();
         const bool here = Below(2) == 0;
         const int column = here ? cursor.X : Below(m_size.X);
         const int row = here ? cursor.Y : Below(m_size.Y);
         if (Below(8) == 0)
-            FillCells(m_output, 0, 0, cells, ATTRIBUTES[Below(3)]);
+            m_console.Fill(0, 0, cells, ATTRIBUTES[Below(3)]);
         else
-            FillCells(m_output, column, row, Below(m_size.X + 3), ATTRIBUTES[Below(3)],
-                      Below(4) == 0 ? '#' : ' ');
+            m_console.Fill(column, row, Below(m_size.X + 3), ATTRIBUTES[Below(3)],
+                           Below(4) == 0 ? '#' : ' ');
     }
 
-    CConsoleOutput& m_output;
+    CShownConsole& m_console;
     const COORD m_size;
     std::mt19937 m_random;
     const bool m_bWide;
@@ -61,10 +62,10 @@ class CRandomOutput {
 
 constexpr COORD SIZES[] = {{20, 6}, {7, 3}, {3, 2}, {33, 1}, {80, 25}};
 
-std::vector<std::string> Everything(const Console& console, int rows) {
-    std::vector<std::string> text = console.terminal.Scrollback();
+std::vector<std::string> Everything(const CShownConsole& console, int rows) {
+    std::vector<std::string> text = console.screen.GetScrollback();
     for (int row = 0; row < rows; ++row)
-        text.push_back(console.terminal.Row(row));
+        text.push_back(console.Row(row));
     return text;
 }
 
@@ -73,20 +74,20 @@ std::vector<std::string> Everything(const Console& console, int rows) {
 TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
     constexpr int STEPS = 30'000;
     for (const COORD size : SIZES) {
-        Console console(size.X, size.Y);
+        CShownConsole console(size.X, size.Y);
         CRandomOutput random(console, size, static_cast<unsigned>(size.X), true);
         for (int step = 0; step < STEPS; ++step) {
             random.Step();
             if (random.Below(4) != 0)
                 continue;
             console.Show();
-            const COORD cursor = CursorOf(console.output);
-            const int column = console.terminal.CursorColumn();
+            const COORD cursor = console.GetCursor();
+            const int column = console.screen.GetCursor().col;
             // libvterm leaves the cursor on a wide character in the last two columns.
             const bool onWide = cursor.X == size.X - 1 && column == cursor.X - 1 &&
-                                console.terminal.Cell(column, cursor.Y).width == 2;
+                                console.screen.GetCell(cursor.Y, column).width == 2;
             ASSERT_EQ(onWide ? cursor.X : column, cursor.X) << size.X << " columns, step " << step;
-            ASSERT_EQ(console.terminal.CursorRow(), cursor.Y)
+            ASSERT_EQ(console.screen.GetCursor().row, cursor.Y)
                 << size.X << " columns, step " << step;
         }
     }
@@ -96,8 +97,8 @@ TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
 TEST(ConsoleModel, ItIsTheSameInOnePieceAndInMany) {
     constexpr int STEPS = 2'000;
     for (const COORD size : SIZES) {
-        Console whole(size.X, size.Y);
-        Console pieces(size.X, size.Y);
+        CShownConsole whole(size.X, size.Y);
+        CShownConsole pieces(size.X, size.Y);
         CRandomOutput first(whole, size, 11, false);
         CRandomOutput second(pieces, size, 11, false);
         for (int step = 0; step < STEPS; ++step) {
@@ -109,6 +110,6 @@ TEST(ConsoleModel, ItIsTheSameInOnePieceAndInMany) {
         }
         whole.Show();
         EXPECT_EQ(Everything(whole, size.Y), Everything(pieces, size.Y)) << size.X << " columns";
-        EXPECT_EQ(whole.terminal.CursorColumn(), pieces.terminal.CursorColumn());
+        EXPECT_EQ(whole.screen.GetCursor().col, pieces.screen.GetCursor().col);
     }
 }

@@ -1,7 +1,5 @@
 // What becomes of written bytes on a terminal.
-#include "tests/console/Terminal.h"
-
-#include "platform/ConsoleGlyphs.h"
+#include "tests/console/ShownConsole.h"
 
 using namespace platform;
 
@@ -10,34 +8,16 @@ namespace {
 constexpr const char* FFFD = "\xEF\xBF\xBD";
 
 std::string Shown(std::string_view text, std::size_t step = std::string::npos) {
-    Console console(60, 4);
+    CShownConsole console(60, 4);
     console.Clear();
     for (; !text.empty(); text.remove_prefix(std::min(step, text.size()))) {
-        Write(console.output, text.substr(0, step));
+        console.Write(text.substr(0, step));
         console.Show();
     }
-    return console.terminal.Row(0);
+    return console.Row(0);
 }
 
 } // namespace
-
-TEST(ConsoleText, NoByteIsAControlFunction) {
-    for (int value = 0; value < 256; ++value) {
-        const auto byte = static_cast<std::uint8_t>(value);
-        if (byte >= 0x07 && byte <= 0x0D && byte != 0x0B && byte != 0x0C)
-            continue; // BEL BS TAB LF CR
-        const std::string one(1, static_cast<char>(byte));
-        const bool undecided = byte >= 0xC2 && byte <= 0xF4;
-        std::string picture(byte < 0xA0 ? PictureOf(byte) : REPLACEMENT);
-        EXPECT_EQ(Shown("[" + one + "x"), "[" + picture + "x") << value;
-        EXPECT_EQ(Shown(one + "[2J" + one + "]0;t\a" + one + "c|"),
-                  picture + "[2J" + picture + "]0;t" + picture + "c|")
-            << value;
-        if (undecided) {
-            EXPECT_EQ(Shown("[" + one), "[") << value;
-        }
-    }
-}
 
 TEST(ConsoleText, Utf8IsShownWholeAndByteByByte) {
     const std::string r = FFFD;
@@ -67,21 +47,21 @@ TEST(ConsoleText, Utf8IsShownWholeAndByteByByte) {
 }
 
 TEST(ConsoleText, AnUnfinishedCharacterIsGivenUpWhenSomethingElseComes) {
-    Console console;
+    CShownConsole console;
     console.Clear();
-    Write(console.output, "a\xE2\x82");
+    console.Write("a\xE2\x82");
     console.Show();
-    EXPECT_EQ(console.terminal.Row(0), "a");
+    EXPECT_EQ(console.Row(0), "a");
     console.output.SetPosition({5, 0});
-    Write(console.output, "\xAC\xC3");
+    console.Write("\xAC\xC3");
     console.output.SetAttribute(0x0A);
-    Write(console.output, "b");
+    console.Write("b");
     console.Show();
-    EXPECT_EQ(console.terminal.Row(0), std::string("a") + FFFD + "   " + FFFD + FFFD + "b");
+    EXPECT_EQ(console.Row(0), std::string("a") + FFFD + "   " + FFFD + FFFD + "b");
 }
 
 TEST(ConsoleText, TheTitleIsCleanAndNotCutInsideOfACharacter) {
-    Console console;
+    CShownConsole console;
     const std::string longTitle(255, 'x');
     for (const auto& [title, shown] :
          {std::pair{std::string("COM1\x1b]2;evil\a \xC2\x9C\xFF \xC3\xA9"),
@@ -89,6 +69,6 @@ TEST(ConsoleText, TheTitleIsCleanAndNotCutInsideOfACharacter) {
           std::pair{longTitle + "\xC3\xA9", longTitle}}) {
         console.output.SetTitle(title);
         console.Show();
-        EXPECT_EQ(console.terminal.Title(), shown);
+        EXPECT_EQ(console.screen.GetTitle(), shown);
     }
 }

@@ -48,14 +48,12 @@ class CDeviceListTest : public CSessionTest {
         CProcess process(options);
         output.CloseWriter();
         error.CloseWriter();
-        for (IPollable* part : {static_cast<IPollable*>(&process), static_cast<IPollable*>(&output),
-                                static_cast<IPollable*>(&error)})
-            m_pump.Add(*part);
-        EXPECT_TRUE(m_pump.RunUntil(
+        CPump pump;
+        for (IPollable* part :
+             std::initializer_list<IPollable*>{&process, &output, &error, &m_device})
+            pump.Add(*part);
+        EXPECT_TRUE(pump.RunUntil(
             [&] { return process.HasEnded() && output.HasEnded() && error.HasEnded(); }));
-        for (IPollable* part : {static_cast<IPollable*>(&process), static_cast<IPollable*>(&output),
-                                static_cast<IPollable*>(&error)})
-            m_pump.Remove(*part);
         return {process.GetExit(), output.GetText(), error.GetText()};
     }
 };
@@ -103,49 +101,62 @@ TEST_F(CDeviceListTest, FromTheListToTheModemAndBackAgain) {
 
 TEST_F(CDeviceListTest, AnswersAndTheirExitCodes) {
     const std::string tooLong = "1" + std::string(127, ' ') + "\n";
-    Outcome none = Run(WIRELET, {}, "1\n");
+    const Outcome usage = Run(WIRELET, {"-?"}, "");
+    EXPECT_EQ(usage.exit, 1);
+    EXPECT_TRUE(usage.output.starts_with("Corvane v2.2\n")) << usage.output;
+    EXPECT_NE(usage.output.find("Usage:"), std::string::npos);
+    const Outcome none = Run(WIRELET, {}, "1\n");
     EXPECT_EQ(none.exit, 2);
     EXPECT_EQ(none.output, "Corvane v2.2\nNo modems or ports found\n");
     EXPECT_EQ(none.error, "");
 
     NameModems("One = " + m_device.GetPath() + "\n");
-    for (const char* answers : {"x\n", "0\nabc\n-1\nXyz\n", "", "\n2"}) {
+    for (const std::string& answers :
+         {std::string("x\n"), std::string("0\nabc\n-1\nXyz\n"), std::string(), std::string("\n2"),
+          tooLong + "x" + tooLong + "X"}) {
         const Outcome outcome = Run(WIRELET, {}, answers);
         EXPECT_EQ(outcome.exit, 0) << answers;
         EXPECT_EQ(outcome.output.find("Press"), std::string::npos) << outcome.output;
+        if (answers.starts_with(tooLong)) {
+            EXPECT_EQ(outcome.output.find("Invalid selection.\n"),
+                      outcome.output.find("exit: ") + 6);
+        }
     }
-    const Outcome cut = Run(WIRELET, {}, tooLong + "x" + tooLong + "X");
-    EXPECT_EQ(cut.output.find("Press"), std::string::npos) << cut.output;
-    EXPECT_EQ(cut.output.find("Invalid selection.\n"), cut.output.find("exit: ") + 6);
-
     // What follows the answer is the session's.
     EXPECT_EQ(Run(WIRELET, {}, "1\nAT+X\r").exit, 0);
     EXPECT_TRUE(DeviceGets("ATE1V1\rAT+X\r"));
 }
 
-TEST_F(CDeviceListTest, ModemsThatDoNotOpenAreExplained) {
+TEST_F(CDeviceListTest, DevicesThatDoNotOpenAreExplained) {
     CDeviceNamespace::SetInterfaces({OnBoard("null")});
     NameModems("Gone = " + m_folder.GetPath("gone") +
                "\nFile = /dev/zero\nUsed = " + m_device.GetPath() + "\n");
-    const struct {
-        const char* name;
-        std::string error;
-    } rows[] = {
+    const std::string noSuchName =
+        ": no modem has this name; there are \"Gone\", \"File\", \"Used\"; ";
+    const std::string file = m_folder.Write("file", "content");
+    const std::string longName = '/' + std::string(5000, 'n');
+    const std::pair<std::string, std::string> rows[] = {
         {"Gone", "\"Gone\", " + m_folder.GetPath("gone") + ": no such device.\n"},
         {"File", "\"File\", /dev/zero: is no serial device.\n"},
-        {"gone",
-         "\"gone\": no modem has this name; there are \"Gone\", \"File\", \"Used\"; a serial "
-         "device is named by its full path, such as /dev/ttyUSB0\n"},
-        {"null", "\"null\": no modem has this name; there are \"Gone\", \"File\", \"Used\"; the "
-                 "serial device of that name is opened as /dev/null\n"},
+        {"gone", "\"gone\"" + noSuchName +
+                     "a serial device is named by its full path, such as /dev/ttyUSB0\n"},
+        {"null",
+         "\"null\"" + noSuchName + "the serial device of that name is opened as /dev/null\n"},
         {"-x\x1B[2J", "\"-x?[2J\": no port and no modem; wirelet -? tells the usage\n"},
+        {"/dev/missing-device", "/dev/missing-device: no such device.\n"},
+        {"/dev/null", "/dev/null: is no serial device.\n"},
+        {"/tmp", "/tmp: is a directory, not a serial device.\n"},
+        {file, file + ": is no serial device.\n"},
+        {longName, longName + ": no such device.\n"},
+        {"/dev/\x1B]2;title\a", "/dev/?]2;title?: no such device.\n"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const Outcome outcome = Run(WIRELET, {row.name}, "\n");
-        EXPECT_EQ(outcome.error, row.error);
+    for (const auto& [name, error] : rows) {
+        const Outcome outcome = Run(WIRELET, {name}, "\n");
+        EXPECT_EQ(outcome.error, error);
+        EXPECT_TRUE(outcome.output.ends_with("\"\nPress Enter to exit.")) << outcome.output;
         EXPECT_EQ(outcome.exit, 0);
     }
+    EXPECT_EQ(ReadWholeFile(file), "content");
     Start("Used");
     EXPECT_TRUE(DeviceGets("ATE1V1\r"));
     EXPECT_EQ(Run(WIRELET, {"Used"}, "\n").error,

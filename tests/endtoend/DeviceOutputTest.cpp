@@ -6,18 +6,6 @@
 
 class CDeviceOutputTest : public CSessionTest {
   protected:
-    // The device is told this position, and the terminal's cursor really is there.
-    Result ReportsPosition(const std::string& position) {
-        m_device.GetReceived().clear();
-        m_device.Send("\x1B[6n");
-        return Fulfils(position.c_str(), [&] {
-            const VTermPos cursor = Screen().GetCursor();
-            return m_device.GetReceived() == "\x1B[" + position + 'R' &&
-                   position ==
-                       std::to_string(cursor.row + 1) + ';' + std::to_string(cursor.col + 1);
-        });
-    }
-
     std::pair<int, int> GetColours(int row, int column) {
         const VTermScreenCell cell = Screen().GetCell(row, column);
         return {IndexOf(cell.fg), IndexOf(cell.bg)};
@@ -26,14 +14,21 @@ class CDeviceOutputTest : public CSessionTest {
 
 namespace {
 
-// Where the first C1 control or invalid UTF-8 begins; npos when there is none.
+// A control function that is none of those the program itself uses.
+bool IsHostile(utf8proc_int32_t character) {
+    const std::u32string_view own = U"\a\b\t\n\r\x1B";
+    const auto code = static_cast<char32_t>(character);
+    return (code < 0x20 && own.find(code) == own.npos) || (code >= 0x7F && code < 0xA0);
+}
+
+// Where the first such one or invalid UTF-8 begins; npos when there is none.
 std::size_t FindHostileByte(const std::string& output) {
     const auto* const bytes = reinterpret_cast<const utf8proc_uint8_t*>(output.data());
     for (std::size_t place = 0; place < output.size();) {
         utf8proc_int32_t character = 0;
         const auto left = static_cast<utf8proc_ssize_t>(output.size() - place);
         const utf8proc_ssize_t length = utf8proc_iterate(bytes + place, left, &character);
-        if (length < 1 || (character >= 0x80 && character < 0xA0))
+        if (length < 1 || IsHostile(character))
             return place;
         place += static_cast<std::size_t>(length);
     }
@@ -60,38 +55,18 @@ TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
     EXPECT_EQ(GetColours(4, 13), std::make_pair(11, 4));
     EXPECT_EQ(GetColours(4, 17), std::make_pair(-1, -1));
     EXPECT_EQ(GetColours(7, 0), std::make_pair(0, 7));
-}
 
-TEST_F(CDeviceOutputTest, KnowsWhereTheCursorIs) {
-    StartInteractive();
-    const struct {
-        std::string text;
-        const char* position;
-    } rows[] = {
-        {"\x1B[2J\x1B[H", "1;1"},
-        {"\u6F22\u5B57", "1;5"},                             // two columns each
-        {"e\u0301", "1;6"},                                  // a combining accent takes none
-        {"\x1B[3;1H" + std::string(79, 'x'), "3;80"},        //
-        {"x", "3;80"},                                       // the wrap is pending
-        {"y", "4;2"},                                        //
-        {"\x1B[5;1H" + std::string(80, 'x') + '\b', "5;79"}, //
-        {"\x1B[5;1H" + std::string(80, 'x') + "\r", "5;1"},  //
-        {"\x1B[5;1H" + std::string(80, 'x') + "\n", "6;1"},  //
-        {"\b\b", "6;1"},                                     // not beyond the first column
-        {"\x1B[7;80H\u6F22", "8;3"},                         // no room for its right half
-        {"\x1B[9;1H\ta\t", "9;17"},                          //
-        {"\x1B[9;79H\t\t", "9;80"},                          //
-        {"\x1B[10;1H\xF0\x9F\x99\x82", "10;3"},              //
-        {"\x1B[11;1H\xFF\xC3(\x80", "11;5"},                 // invalid bytes, one column each
-        {"\x1B[24;5Hx\n", "24;1"},                           // scrolls
-        {"\x1B[24;1H" + std::string(200, 'w'), "24;41"},     //
-        {"\x1B[99;99H", "24;80"},                            //
+    // Wide and combining characters, the end of a row and what lies beyond the screen.
+    const std::pair<std::string, const char*> reports[] = {
+        {"\x1B[16;1H\u6F22e\u0301", "\x1B[16;4R"},
+        {"\x1B[17;1H" + std::string(80, 'x'), "\x1B[17;80R"},
+        {"y", "\x1B[18;2R"},
+        {"\a\x1B[99;99H", "\x1B[24;80R"},
     };
-    for (const auto& row : rows) {
-        m_device.Send(row.text);
-        ASSERT_TRUE(ReportsPosition(row.position)) << ::testing::PrintToString(row.text);
+    for (const auto& [text, report] : reports) {
+        m_device.Send(text + "\x1B[6n");
+        EXPECT_TRUE(DeviceGets(report));
     }
-    m_device.Send("\a");
     EXPECT_TRUE(Fulfils("the bell", [this] { return Screen().GetBells() == 1; }));
 }
 
@@ -155,4 +130,28 @@ TEST_F(CDeviceOutputTest, LosesNothingOnATerminalThatHoldsBack) {
     m_terminal.SetReading(true);
     ASSERT_TRUE(Shows("the end"));
     ExpectLines(kLines);
+}
+
+TEST_F(CDeviceOutputTest, StaysRightInAWindowOfAnotherSize) {
+    StartInteractive();
+    const std::pair<int, int> sizes[] = {{10, 40}, {50, 99}, {24, 80}, {3, 10}, {30, 90}};
+    for (const auto& [rows, columns] : sizes) {
+        m_terminal.Resize(rows, columns);
+        const std::string corner =
+            "\x1B[" + std::to_string(rows) + ';' + std::to_string(columns) + 'R';
+        ASSERT_TRUE(Fulfils(corner.c_str(), [&] {
+            m_device.GetReceived().clear();
+            m_device.Send("\x1B[99;99H\x1B[6n");
+            m_pump.RunUntil([&] { return m_device.GetReceived().ends_with('R'); });
+            return m_device.GetReceived() == corner;
+        }));
+        m_device.Send("\x1B[2J\x1B[1;1Htop\x1B[2;" + std::to_string(columns - 1) + "Hwrap");
+        ASSERT_TRUE(ShowsInRow(2, "ap"));
+        EXPECT_EQ(Screen().GetRow(0), "top");
+        EXPECT_EQ(Screen().GetRow(1),
+                  std::string(static_cast<std::size_t>(columns) - 2, ' ') + "wr");
+        m_device.Send("\x1B[99;1Hlast\r\nscrolled");
+        ASSERT_TRUE(ShowsInRow(rows - 1, "scrolled"));
+        EXPECT_EQ(Screen().GetRow(rows - 2), "last");
+    }
 }

@@ -24,14 +24,13 @@ TEST_F(CEndTest, SignalsAndCrashes) {
         m_program->Kill(signal);
         EXPECT_TRUE(Ends(exit)) << "signal " << signal;
     }
-    StartColoured();
-    Type(std::string("typed") + kCtrlBackslash);
-    EXPECT_TRUE(Ends());
     // An interrupt is no end: Ctrl+C is a key here.
     StartColoured();
     m_program->Kill(SIGINT);
     Type("still there");
     EXPECT_TRUE(DeviceGets("still there"));
+    Type(std::string("typed") + kCtrlBackslash);
+    EXPECT_TRUE(Ends());
 }
 
 TEST_F(CEndTest, StoppedForAWhile) {
@@ -56,10 +55,10 @@ TEST_F(CEndTest, StoppedForAWhile) {
     ASSERT_TRUE(ShowsInRow(0, "afterwards"));
 }
 
-TEST_F(CEndTest, SequencesCutShort) {
-    for (const char* beginning : {"\x1B[1;3", "\xF0\x9F\x99"}) {
+TEST_F(CEndTest, SequencesCutShortAndACursorAnywhere) {
+    for (const char* ending : {"\x1B[1;3", "\xF0\x9F\x99", "\x1B[20;5H", "\x1B[H", "\r\n"}) {
         StartInteractive();
-        m_device.Send(std::string("text") + beginning);
+        m_device.Send(std::string("text") + ending);
         ASSERT_TRUE(ShowsInRow(2, "text"));
         Type(kAltF4);
         ASSERT_TRUE(Ends());
@@ -111,10 +110,17 @@ TEST_F(CEndTest, DeviceThatTakesNothingDoesNotHoldTheEndUp) {
     EXPECT_TRUE(EndsWith(0));
 }
 
-TEST_F(CEndTest, TerminalClosed) {
-    StartInteractive();
-    // However busy the device is.
-    m_device.SendEndlessly("some output\r\n");
-    m_terminal.CloseWindow();
-    EXPECT_TRUE(Ends());
+// However busy the device is.
+TEST_F(CEndTest, WhileTheDeviceSends) {
+    for (const bool isClosed : {false, true}) {
+        StartInteractive();
+        m_device.SendEndlessly("some output\r\n");
+        m_pump.RunUntil([this] { return m_device.GetSentCount() > 200000; });
+        if (isClosed)
+            m_terminal.CloseWindow();
+        else
+            m_program->Kill(SIGTERM);
+        EXPECT_TRUE(Ends());
+        m_device = CDevice();
+    }
 }

@@ -63,8 +63,13 @@ void CSessionTest::StartWith(int input, int output, int error,
     process.output = orTerminal(output);
     process.error = orTerminal(error);
     process.terminal = m_terminal.GetLine().GetPath();
-    if (m_program)
+    if (m_program) {
         m_pump.Remove(*m_program);
+        // A terminal controls one session at a time.
+        m_program.reset();
+        // What the session before has left must not pass for this one's output.
+        Screen().Feed("\x1B[2J\x1B[H");
+    }
     m_program = std::make_unique<CProcess>(process);
     m_pump.Add(*m_program);
 }
@@ -160,8 +165,9 @@ CSessionTest::Result CSessionTest::IsSane() {
     const VTermScreenCell cell = screen.GetCell(screen.GetCursor().row, 0);
     const std::vector<std::string>& oddities = screen.GetOddities();
     const auto titles = std::count(oddities.begin(), oddities.end(), "CSI t");
-    // Who crashes cannot put the device's settings back.
-    const bool isDeviceAsBefore = m_program->GetExit() < 0 || m_device.GetDescriptor() < 0 ||
+    // Who crashes cannot put the device's settings back, and goes to the last row.
+    const bool isCrash = m_program->GetExit() < 0;
+    const bool isDeviceAsBefore = isCrash || m_device.GetDescriptor() < 0 ||
                                   m_device.GetLine().GetSettings() == m_deviceBefore;
     const std::pair<bool, const char*> demands[] = {
         {m_terminal.GetLine().GetSettings() == m_terminalBefore,
@@ -169,6 +175,8 @@ CSessionTest::Result CSessionTest::IsSane() {
         {isDeviceAsBefore, "the device's settings as before"},
         {text == kPrompt || text.ends_with(std::string("\n") + kPrompt),
          "the cursor below the text"},
+        {isCrash || !text.ends_with(std::string("\n\n") + kPrompt),
+         "the cursor right below the text"},
         {IndexOf(cell.fg) == -1 && IndexOf(cell.bg) == -1, "the prompt in the default colours"},
         {!cell.attrs.bold && !cell.attrs.reverse, "the prompt in plain letters"},
         {screen.IsCursorVisible(), "a cursor to be seen"},

@@ -1,12 +1,10 @@
 #include "platform/DebugOutput.h"
-#include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
-#include <string>
-#include <vector>
+#include <thread>
 
 namespace {
 
@@ -32,11 +30,11 @@ TEST(DebugOutput, TextsOfManyThreadsArriveWhole) {
         for (int i = 0; i < TEXTS; ++i)
             OutputDebugStringA(text.c_str());
     };
-    std::vector<CTestHandle> threads;
+    std::vector<std::thread> threads;
     for (int i = 0; i < THREADS; ++i)
-        threads.push_back(StartThread(write));
-    for (const CTestHandle& thread : threads)
-        EXPECT_TRUE(AwaitEnd(thread));
+        threads.emplace_back(write);
+    for (std::thread& thread : threads)
+        thread.join();
     platform::SetDebugListener(nullptr);
     for (int i = 0; i < THREADS; ++i) {
         const std::string half(700, static_cast<char>('a' + i));

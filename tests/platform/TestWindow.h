@@ -23,8 +23,9 @@ inline LRESULT TestProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
 }
 
 // A window of a registered class; null on failure.
-inline HWND MakeWindow(LPCSTR className, LPVOID lpParam = nullptr, HWND parent = HWND_MESSAGE) {
-    return CreateWindowExA(0, className, "", 0, 0, 0, 0, 0, parent, nullptr, nullptr, lpParam);
+inline HWND MakeWindow(LPCSTR className) {
+    return CreateWindowExA(0, className, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                           nullptr);
 }
 
 // A window whose procedure is the handler, which must outlive it.
