@@ -16,6 +16,10 @@
 // keys are recognised as xterm, the Linux console, screen, tmux and rxvt send them and as the
 // terminal's terminfo entry has them. A lone ESC becomes a key after at most 50 ms. When standard
 // input is no terminal its bytes are the keys.
+//
+// In the background of a shell the terminal's modes are left alone. Output is drawn there all the
+// same; a wait for a key stops the process (SIGTTIN). The terminal is taken over once the process
+// is in the foreground.
 #pragma once
 
 #include "platform/Types.h"
@@ -107,10 +111,11 @@ HANDLE GetStdHandle(DWORD nStdHandle);
 BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode);
 
 // Mode 0 on the input takes the console over: raw keys, no echo; Ctrl+C, Ctrl+Z, Ctrl+S and Ctrl+Q
-// are keys, Ctrl+\ is the break signal. From now on whatever ends the process, a crash included,
-// leaves the terminal sane. The saved mode gives the console back: gathered output goes out (as
-// long as the terminal takes it, at most 2 s without progress), attributes and title return, the
-// cursor stands below the text.
+// are keys, Ctrl+\ is the break signal; what was typed before and nobody has read comes first, its
+// Enter as CR too. From now on whatever ends the process, a crash included, leaves the terminal
+// sane. The saved mode gives the console back: gathered output goes out (as long as the terminal
+// takes it, at most 2 s without progress), attributes and title return, the cursor stands below the
+// text.
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 
 // Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails

@@ -31,6 +31,13 @@ void CConsoleInput::Use(int descriptor, const char* terminalType) {
     m_nDescriptor = descriptor;
     m_terminalType = terminalType;
     m_bEnd = fcntl(descriptor, F_GETFD) < 0; // started without a standard input
+    // A read that stopped the process begins again by itself when it continues, before the terminal
+    // is raw: it must not wait for a line then. Other terminals stop nobody.
+    if (tcgetpgrp(descriptor) < 0)
+        return;
+    m_own.Reset(open("/dev/tty", O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (m_own)
+        m_nDescriptor = m_own.Get();
 }
 
 void CConsoleInput::AddMenuEvent() {
@@ -119,6 +126,8 @@ bool CConsoleInput::IsReady() const {
 }
 
 int CConsoleInput::ReadyInMilliseconds() const {
+    if (IsReadAnyway())
+        return 0;
     if (m_nBegin == m_nEnd)
         return -1;
     const std::int64_t since = m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime;
@@ -129,7 +138,7 @@ int CConsoleInput::ReadyInMilliseconds() const {
 bool CConsoleInput::TryAcquire(short events) {
     if (IsReady())
         return true;
-    if (events != 0)
+    if (events != 0 || IsReadAnyway())
         Read();
     return IsReady() || (m_nBegin < m_nEnd && IsTimeUp());
 }
@@ -165,10 +174,20 @@ void CConsoleInput::Fill(std::size_t end) {
         m_bEnd = true;
         return;
     }
+    BringEnterBack(static_cast<std::size_t>(length));
     if (!m_bKeysLoaded && std::memchr(m_bytes + m_nEnd, CConsoleKeys::ESCAPE,
                                       static_cast<std::size_t>(length)) != nullptr)
         LoadKeys();
     m_nEnd += static_cast<std::size_t>(length);
+}
+
+// In the bytes just read.
+void CConsoleInput::BringEnterBack(std::size_t count) {
+    const std::size_t before = std::min(count, m_nTypedBefore);
+    std::replace(m_bytes + m_nEnd, m_bytes + m_nEnd + before, std::uint8_t{'\n'},
+                 std::uint8_t{'\r'});
+    if (!IsSomebodyElses())
+        m_nTypedBefore -= before;
 }
 
 void CConsoleInput::KeepUnfinished() {

@@ -2,6 +2,9 @@
 // they are asked for. A sequence that is not complete waits for its rest, at most 50 ms after its
 // first byte; a lone ESC is such a sequence.
 //
+// While the terminal is somebody else's, who waits for a key stops the process, as the system stops
+// one that reads; when it continues, the wait goes on.
+//
 // One object lives as long as the process; it is used by the thread that has taken the console
 // over. As a handle object it is signalled while a record can be taken without blocking, and for
 // good at the end of the input.
@@ -9,6 +12,7 @@
 
 #include "platform/Console.h"
 #include "platform/ConsoleKeys.h"
+#include "platform/ConsoleMode.h"
 #include "platform/HandleObject.h"
 
 #include <cstddef>
@@ -33,6 +37,11 @@ class CConsoleInput final : public CHandleObject {
         }
         return TakeSlow(record);
     }
+
+    // How many of the bytes that are read next were typed while Enter was made LF: they arrive with
+    // CR in its place. CConsoleMode::EVERY: the terminal is in somebody else's hands.
+    void SetTypedBefore(std::size_t count) { m_nTypedBefore = count; }
+    bool IsSomebodyElses() const { return m_nTypedBefore == CConsoleMode::EVERY; }
 
     // Whether anything was ever read from the keyboard.
     bool WasRead() const { return m_nReadTime != 0; }
@@ -69,6 +78,9 @@ class CConsoleInput final : public CHandleObject {
     bool IsTimeUp() const;
     void Read();
     void Fill(std::size_t end);
+    void BringEnterBack(std::size_t count);
+    // A read does not wait for keys, but stops the process or finds the end.
+    bool IsReadAnyway() const { return m_own && IsSomebodyElses(); }
     void KeepUnfinished();
     void LoadKeys();
 
@@ -80,7 +92,9 @@ class CConsoleInput final : public CHandleObject {
     std::size_t m_nCarried = 0; // the end of the bytes that came with an earlier read
     std::int64_t m_nCarriedTime = 0;
     std::int64_t m_nReadTime = 0;
+    std::size_t m_nTypedBefore = 0;
     int m_nDescriptor = -1;
+    CDescriptor m_own; // the controlling terminal, opened anew
     bool m_bEnd = false;
     bool m_bKeysLoaded = false;
     COORD m_size = {0, 0};

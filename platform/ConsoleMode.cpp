@@ -1,9 +1,11 @@
 #include "platform/ConsoleMode.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,25 +42,18 @@ termios RawInput(termios mode) {
 
 } // namespace
 
-void CConsoleMode::TakeOver(int input, int output, bool drawsOnOutput) {
+std::size_t CConsoleMode::TakeOver(int input, int output, bool drawsOnOutput) {
     m_nTerminals = 0;
     const bool same = AreSameTerminal(input, output);
     Add(input, true, drawsOnOutput && same);
     if (!same && drawsOnOutput)
         Add(output, false, true);
-    m_nProcess.store(getpid());
-    TakeAgain();
+    return TakeAgain();
 }
 
-void CConsoleMode::Add(int descriptor, bool isInput, bool drawsOnIt) {
-    Terminal& terminal = m_terminals[m_nTerminals];
-    if (tcgetattr(descriptor, &terminal.found) != 0)
-        return;
-    terminal.descriptor = descriptor;
-    terminal.raw = isInput ? RawInput(terminal.found) : terminal.found;
-    if (drawsOnIt)
-        terminal.raw.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    ++m_nTerminals;
+void CConsoleMode::Add(int descriptor, bool isInput, bool isDrawnOn) {
+    if (isatty(descriptor) != 0)
+        m_terminals[m_nTerminals++] = {descriptor, isInput, isDrawnOn};
 }
 
 void CConsoleMode::GiveBack() {
@@ -77,17 +72,50 @@ void CConsoleMode::DiscardInput() {
 
 void CConsoleMode::Restore() {
     for (int index = 0; index < m_nTerminals; ++index) {
-        if (IsForeground(m_terminals[index]))
+        if (m_terminals[index].isFound && IsForeground(m_terminals[index]))
             Apply(m_terminals[index], m_terminals[index].found);
     }
 }
 
-void CConsoleMode::TakeAgain() {
-    for (int index = 0; index < m_nTerminals; ++index) {
-        if (IsForeground(m_terminals[index]))
-            Apply(m_terminals[index], m_terminals[index].raw);
+std::size_t CConsoleMode::TakeAgain() {
+    m_bInBackground = false;
+    std::size_t typed = 0;
+    for (int index = 0; index < m_nTerminals; ++index)
+        typed += Take(m_terminals[index]);
+    m_nProcess.store(getpid());
+    return typed;
+}
+
+std::size_t CConsoleMode::Take(Terminal& terminal) {
+    if (!IsForeground(terminal)) {
+        m_bInBackground = true;
+        return terminal.isInput ? EVERY : 0;
+    }
+    termios present{};
+    if (tcgetattr(terminal.descriptor, &present) != 0)
+        return 0;
+    if (!terminal.isFound) {
+        m_nProcess.store(0); // a signal must not bring back what is only half there
+        terminal.found = present;
+        terminal.raw = terminal.isInput ? RawInput(present) : present;
+        if (terminal.isDrawnOn)
+            terminal.raw.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+        terminal.isFound = true;
     }
     m_nProcess.store(getpid());
+    Apply(terminal, terminal.raw);
+    // Counted only now: a line without its Enter does not count before.
+    int waiting = 0;
+    if (!terminal.isInput || (present.c_iflag & ICRNL) == 0 ||
+        ioctl(terminal.descriptor, FIONREAD, &waiting) != 0)
+        return 0;
+    return static_cast<std::size_t>(waiting);
+}
+
+bool CConsoleMode::HasComeForward() const {
+    if (!m_bInBackground)
+        return false;
+    return std::all_of(m_terminals, m_terminals + m_nTerminals, IsForeground);
 }
 
 // A terminal that is not the process's own controlling one has no foreground.

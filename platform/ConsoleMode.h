@@ -6,22 +6,33 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <termios.h>
 
 namespace platform {
 
 class CConsoleMode {
   public:
+    // Of the keys: all, until the terminal is taken again.
+    static constexpr std::size_t EVERY = SIZE_MAX;
+
     // Makes the terminals behind the two descriptors raw: keys as they are typed, no echo,
     // Ctrl+\ the only key that is a signal; output unprocessed if the output is drawn on as a
     // terminal. What is no terminal is left alone.
-    void TakeOver(int input, int output, bool drawsOnOutput);
-    // Brings the modes that TakeOver found back, and makes the terminals raw again after that. In
-    // the background the terminals belong to somebody else and stay as they are.
+    //
+    // Returns how many bytes wait to be read that were typed before, while Enter was made LF. In
+    // the background the terminals belong to somebody else and stay as they are; EVERY then.
+    std::size_t TakeOver(int input, int output, bool drawsOnOutput);
+    // Brings the modes back that were found when the terminals were first in the foreground, and
+    // makes the terminals raw again after that; returns as TakeOver.
     void GiveBack();
+    std::size_t TakeAgain();
+    // Whether the terminals were in the background when they were last to be taken, and no longer
+    // are.
+    bool HasComeForward() const;
     // Drops what was typed and has not been read.
     void DiscardInput();
-    void TakeAgain();
 
     // The descriptor, besides those of TakeOver, through which Rescue speaks to the terminal; what
     // leaves the alternate screen, while it is shown (null: it is not); and whether the title has
@@ -38,18 +49,23 @@ class CConsoleMode {
   private:
     struct Terminal {
         int descriptor = -1;
+        bool isInput = false;
+        bool isDrawnOn = false;
+        bool isFound = false; // what was found in the background was somebody else's for a while
         termios found = {};
         termios raw = {};
     };
     static constexpr int MOST_TERMINALS = 2;
 
-    void Add(int descriptor, bool isInput, bool drawsOnIt);
+    void Add(int descriptor, bool isInput, bool isDrawnOn);
+    std::size_t Take(Terminal& terminal);
     void Restore();
     static bool IsForeground(const Terminal& terminal);
     static void Apply(const Terminal& terminal, const termios& mode);
 
     Terminal m_terminals[MOST_TERMINALS];
     int m_nTerminals = 0;
+    bool m_bInBackground = false;
     std::atomic<int> m_nProcess = 0; // the process that has taken the console over; 0: none
     std::atomic<int> m_nRescueOutput = -1;
     std::atomic<const char*> m_screenBack = nullptr;

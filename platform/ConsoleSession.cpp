@@ -36,7 +36,7 @@ void CConsoleSession::TakeOver() {
     m_owner.store(pthread_self());
     consolesignals::Install(m_mode);
     consolesignals::NoteControlEvents(m_handler != nullptr);
-    m_mode.TakeOver(m_nInput, m_nOutput, m_output.IsTerminal());
+    m_input.SetTypedBefore(m_mode.TakeOver(m_nInput, m_nOutput, m_output.IsTerminal()));
     m_output.Begin();
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_output.WaitDescriptor() : -1);
     SetWaitCompanion(this);
@@ -53,6 +53,7 @@ void CConsoleSession::GiveBack(Typed typed) {
     // Whoever sees the terminal as it was may send the next signal, which must not be lost.
     consolesignals::NoteControlEvents(false);
     m_mode.GiveBack();
+    m_input.SetTypedBefore(0);
     m_mode.SetTitleChanged(false);
     m_mode.SetScreenBack(nullptr);
     consolesignals::Remove();
@@ -107,6 +108,9 @@ void CConsoleSession::DoWork() {
 }
 
 int CConsoleSession::Watch(pollfd* descriptors) {
+    // A shell does not tell a process that already runs.
+    if (m_mode.HasComeForward())
+        Continue();
     int count = 0;
     if (consolesignals::Descriptor() >= 0)
         descriptors[count++] = {consolesignals::Descriptor(), POLLIN, 0};
@@ -173,7 +177,9 @@ void CConsoleSession::Stop() {
 
 // The shell may have set the terminal up for itself meanwhile.
 void CConsoleSession::Continue() {
-    m_mode.TakeAgain();
+    // None says nothing of those counted before: they may not have been read yet.
+    if (const std::size_t typed = m_mode.TakeAgain(); typed != 0 || m_input.IsSomebodyElses())
+        m_input.SetTypedBefore(typed);
     m_output.Resume();
     if (m_bRedraws)
         AddSizeEvent();

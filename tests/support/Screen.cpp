@@ -1,5 +1,6 @@
 #include "tests/support/Screen.h"
 
+#include <algorithm>
 #include <span>
 
 namespace {
@@ -25,6 +26,18 @@ std::string TextOfCells(std::span<const VTermScreenCell> cells) {
     }
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
+}
+
+// How many bytes at the end begin a character whose other bytes are still to come.
+std::size_t CountCutOff(std::string_view bytes) {
+    for (std::size_t count = 1; count <= std::min<std::size_t>(3, bytes.size()); ++count) {
+        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - count]);
+        if (byte >= 0xC0)
+            return count < (byte < 0xE0 ? 2U : byte < 0xF0 ? 3U : 4U) ? count : 0;
+        if (byte < 0x80)
+            return 0;
+    }
+    return 0;
 }
 
 // The user of the fallbacks is the list of oddities.
@@ -97,8 +110,11 @@ void CScreen::SetProperty(VTermProp property, const VTermValue& value) {
 }
 
 void CScreen::Feed(std::string_view bytes) {
-    vterm_input_write(m_pTerminal, bytes.data(), bytes.size());
+    m_unfed += bytes;
+    const std::size_t whole = m_unfed.size() - CountCutOff(m_unfed);
+    vterm_input_write(m_pTerminal, m_unfed.data(), whole);
     vterm_screen_flush_damage(m_pScreen);
+    m_unfed.erase(0, whole);
 }
 
 VTermPos CScreen::GetSize() const {

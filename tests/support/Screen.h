@@ -46,6 +46,8 @@ class CScreen {
     std::vector<std::string> m_scrollback;
     std::vector<std::string> m_oddities;
     std::string m_replies;
+    // libvterm draws a character that comes in two pieces as two if text stands before it.
+    std::string m_unfed;
     std::string m_title;
     int m_nBells = 0;
     bool m_bCursorVisible = true;
