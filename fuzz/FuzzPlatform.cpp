@@ -3,6 +3,7 @@
 #include "CORE/VXSerial/Lib/ISerial.h"
 #include "diagnostics/ModuleTrace.h"
 #include "platform/Clock.h"
+#include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/Message.h"
@@ -180,6 +181,11 @@ DWORD WaitForSingleObject(HANDLE, DWORD dwMilliseconds) {
 }
 
 // There is no port: the device is the modem object itself.
+BOOL GetCommState(HANDLE, DCB*) {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return FALSE;
+}
+
 HRESULT CreateSerial(ISerial** lppSerial, IUnknown*) {
     *lppSerial = nullptr;
     return E_OUTOFMEMORY;

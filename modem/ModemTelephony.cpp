@@ -1,6 +1,7 @@
 #include "modem/Modem.h"
 
 #include "diagnostics/ModuleTrace.h"
+#include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/TaskMemory.h"
 #include "platform/Wait.h"
@@ -57,6 +58,12 @@ LINECALLPARAMS GetPassThroughCall() {
     parameters.dwCallParamFlags = LINECALLPARAMFLAGS_ORIGOFFHOOK;
     parameters.dwAddressMode = LINEADDRESSMODE_ADDRESSID;
     return parameters;
+}
+
+// A port whose device is gone or whose driver refuses is one all the same.
+bool IsPort(HANDLE handle) {
+    DCB settings{};
+    return GetCommState(handle, &settings) || GetLastError() != ERROR_INVALID_HANDLE;
 }
 
 } // namespace
@@ -140,7 +147,8 @@ std::string CVModem::AskDevicePath(DWORD device) {
     return path.starts_with('/') ? std::string(path) : std::string();
 }
 
-// The service's answer begins with the handle, 32 bits wide as all handles are.
+// The service's answer begins with the handle, 32 bits wide as all handles are. A number that is no
+// port may be anybody's handle, so it is not closed: the service has it back with the call.
 BOOL CVModem::TakeHandle(HANDLE& port) {
     VARSTRING* identifier = nullptr;
     const LONG status = m_pTapi->LineGetID(&identifier, kHandleClass);
@@ -153,7 +161,7 @@ BOOL CVModem::TakeHandle(HANDLE& port) {
         return FALSE;
     std::memcpy(&value, bytes.data(), sizeof value);
     port = reinterpret_cast<HANDLE>(std::uintptr_t{value});
-    return TRUE;
+    return IsPort(port) ? TRUE : FALSE;
 }
 
 void CVModem::HangUpCall() {

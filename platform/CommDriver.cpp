@@ -2,6 +2,7 @@
 
 #include "platform/CommClose.h"
 #include "platform/CommErrors.h"
+#include "platform/CommTerminal.h"
 #include "platform/Error.h"
 
 #include <fcntl.h>
@@ -9,7 +10,6 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,10 +18,6 @@
 
 namespace platform {
 namespace {
-
-// The other ends of pseudo-terminals have the device majors 136 to 143.
-constexpr unsigned FIRST_PTY_MAJOR = 136;
-constexpr unsigned LAST_PTY_MAJOR = 143;
 
 constexpr int OPEN_FLAGS = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
 
@@ -78,14 +74,15 @@ BOOL CCommDriver::OpenDevice(LPCSTR path) {
         return FailWith(ERROR_ACCESS_DENIED);
     if (!S_ISCHR(status.st_mode))
         return FailWith(ERROR_NOT_SUPPORTED);
+    if (IsOwnTerminal(status))
+        return FailWith(ERROR_ACCESS_DENIED);
 
     do
         m_descriptor.Reset(open(path, OPEN_FLAGS));
     while (!m_descriptor && errno == EINTR);
     if (!m_descriptor || fstat(m_descriptor.Get(), &status) != 0)
         return FailOpen(errno);
-    const unsigned major = major(status.st_rdev);
-    m_bPseudoTerminal = major >= FIRST_PTY_MAJOR && major <= LAST_PTY_MAJOR;
+    m_bPseudoTerminal = IsPseudoTerminal(status.st_rdev);
     return TRUE;
 }
 

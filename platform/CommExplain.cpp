@@ -1,5 +1,6 @@
 #include "platform/Comm.h"
 
+#include "platform/CommTerminal.h"
 #include "platform/CommUsers.h"
 #include "platform/Error.h"
 #include "platform/PrintableText.h"
@@ -111,6 +112,8 @@ std::string ExplainRefusal(const std::string& path) {
         return errno == EACCES ? "Permission denied on the way to it." : ExplainMissing(path);
     if (S_ISDIR(device.st_mode))
         return "is a directory, not a serial device.";
+    if (IsOwnTerminal(device))
+        return "is the terminal you are sitting at. Choose another device.";
     if (faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) != 0)
         return ExplainPermission(device);
     const CommUser user = FindCommUser(device);

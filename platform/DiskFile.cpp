@@ -19,7 +19,7 @@ namespace {
 
 // How long a FIFO or a terminal may take no byte until a write to it fails: a reader that has gone
 // must not hold the program for ever.
-constexpr DWORD WRITE_PATIENCE = 30'000;
+constexpr DWORD WRITE_PATIENCE = 10'000;
 
 constexpr mode_t NEW_FILE_MODE = 0666; // the user's umask takes from it
 
@@ -73,6 +73,18 @@ void RecordResult(OVERLAPPED* overlapped, BOOL succeeded, DWORD count) {
 }
 
 } // namespace
+
+bool IsFolder(LPCSTR name) {
+    struct stat status {};
+    return stat(name, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsSameFile(LPCSTR name, LPCSTR other) {
+    struct stat one {};
+    struct stat two {};
+    return stat(name, &one) == 0 && stat(other, &two) == 0 && one.st_dev == two.st_dev &&
+           one.st_ino == two.st_ino;
+}
 
 std::shared_ptr<CTransferObject> OpenDiskFile(LPCSTR name, DWORD access, DWORD shareMode,
                                               DWORD disposition) {
@@ -157,7 +169,7 @@ BOOL CDiskFile::WriteAll(const BYTE* bytes, DWORD count, LPDWORD written) {
             return FailWithWriteErrno(errno);
         const int shown = WaitForDescriptor(m_file.Get(), POLLOUT, WRITE_PATIENCE);
         if (shown <= 0)
-            return shown == 0 ? FailWith(ERROR_WRITE_FAULT) : FALSE;
+            return shown == 0 ? FailWith(ERROR_TIMEOUT) : FALSE;
     }
     return TRUE;
 }

@@ -33,9 +33,9 @@ struct OVERLAPPED {
 // FILE_SHARE_READ before (an advisory lock).
 //
 // Errors: ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED (no permission; a
-// directory; a port in use), ERROR_SHARING_VIOLATION (a file in use), ERROR_NOT_SUPPORTED (a port's
-// name leads to something that is no serial device), ERROR_DEVICE_NOT_CONNECTED (a device node
-// whose device is gone).
+// directory; a port in use; the terminal that the program runs on, as a port),
+// ERROR_SHARING_VIOLATION (a file in use), ERROR_NOT_SUPPORTED (a port's name leads to something
+// that is no serial device), ERROR_DEVICE_NOT_CONNECTED (a device node whose device is gone).
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    SECURITY_ATTRIBUTES* lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile);
@@ -45,8 +45,9 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
 BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
               LPDWORD lpNumberOfBytesRead, OVERLAPPED* lpOverlapped);
 
-// Writes all of the bytes to a file; TRUE. FALSE with ERROR_DISK_FULL or ERROR_WRITE_FAULT, and the
-// count of the bytes that went out before it. A serial port: see platform/Comm.h.
+// Writes all of the bytes to a file; TRUE. FALSE with ERROR_DISK_FULL, ERROR_WRITE_FAULT, or
+// ERROR_TIMEOUT (a FIFO or a terminal has taken none for ten seconds), and the count of the bytes
+// that went out before it. A serial port: see platform/Comm.h.
 BOOL WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite,
                LPDWORD lpNumberOfBytesWritten, OVERLAPPED* lpOverlapped);
 
@@ -56,3 +57,13 @@ BOOL WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite,
 // ERROR_DEVICE_NOT_CONNECTED.
 BOOL GetOverlappedResult(HANDLE hFile, OVERLAPPED* lpOverlapped, LPDWORD lpNumberOfBytesTransferred,
                          BOOL bWait);
+
+namespace platform {
+
+// Whether the name leads to a folder.
+bool IsFolder(LPCSTR name);
+
+// Whether both names lead to one file that is there.
+bool IsSameFile(LPCSTR name, LPCSTR other);
+
+} // namespace platform

@@ -58,13 +58,13 @@ bool CCommandFileRun::OpenFiles(const std::string& fileName) {
     if (!m_commands.Open(fileName.c_str())) {
         const DWORD error = GetLastError();
         TellUser(m_console, "Cannot open %s\n", fileName.c_str());
-        TellReason(m_console, error);
+        TellReason(m_console, error, fileName);
         return false;
     }
     if (!g_strOutputFile.empty() && !m_capture.Open(g_strOutputFile)) {
         const DWORD error = GetLastError();
         TellUser(m_console, "Cannot create %s\n", g_strOutputFile.c_str());
-        TellReason(m_console, error);
+        TellReason(m_console, error, g_strOutputFile);
         return false;
     }
     return true;

@@ -10,8 +10,10 @@ namespace {
 constexpr std::size_t kWriteSize = std::size_t{64} << 10;
 constexpr DWORD kLongestHeld = 1000;
 
-// Gathered while the file takes nothing.
-constexpr std::size_t kMostGathered = std::size_t{1} << 20;
+// What waits for a file that is slow, and how long the session may then wait for it to take some: a
+// log is not worth a terminal that takes no keys.
+constexpr std::size_t kMostHeld = std::size_t{16} << 20;
+constexpr DWORD kLongestStall = 2000;
 
 HANDLE MakeEvent(BOOL manualReset) {
     return CreateEventA(nullptr, manualReset, FALSE, nullptr);
@@ -49,25 +51,31 @@ BOOL CGatheredFile::AppendLine(std::string_view line) {
     return TRUE;
 }
 
-// Returns the error of the file, if it has one.
+// Returns the error of the file, if it has one, or of the waiting.
 DWORD CGatheredFile::WaitForRoom() {
     for (;;) {
         {
             const CLock lock(m_CritSec);
-            if (m_dwWriteError != ERROR_SUCCESS || m_strGathered.size() < kMostGathered)
+            if (m_dwWriteError != ERROR_SUCCESS || m_strGathered.size() + m_nWriting < kMostHeld)
                 return m_dwWriteError;
         }
-        if (WaitForSingleObject(m_hTakenEvent, INFINITE) != WAIT_OBJECT_0)
-            return GetLastError();
+        if (WaitForSingleObject(m_hTakenEvent, kLongestStall) != WAIT_OBJECT_0)
+            return ERROR_NOT_ENOUGH_QUOTA;
     }
 }
 
+BOOL CGatheredFile::Finish(DWORD milliseconds) {
+    if (!m_hThread)
+        return TRUE;
+    SetEvent(m_hEndEvent);
+    if (WaitForSingleObject(m_hThread, milliseconds) != WAIT_OBJECT_0)
+        return FALSE;
+    m_hThread.Reset();
+    return TRUE;
+}
+
 BOOL CGatheredFile::Close() {
-    if (m_hThread) {
-        SetEvent(m_hEndEvent);
-        WaitForSingleObject(m_hThread, INFINITE);
-        m_hThread.Reset();
-    }
+    Finish(INFINITE);
     const BOOL closed = m_file.Close();
     if (m_dwWriteError == ERROR_SUCCESS)
         return closed;
@@ -94,15 +102,32 @@ void CGatheredFile::WriteGathered() {
     {
         const CLock lock(m_CritSec);
         m_strWriting.swap(m_strGathered);
+        m_nWriting = m_strWriting.size();
         ResetEvent(m_hFullEvent);
     }
-    SetEvent(m_hTakenEvent);
-    if (!m_file.WriteBytes(m_strWriting)) {
-        const DWORD error = GetLastError();
-        const CLock lock(m_CritSec);
-        m_dwWriteError = error;
-        m_strGathered.clear();
-        SetEvent(m_hTakenEvent);
+    // In pieces, so that a slow file is seen to take them.
+    for (std::string_view rest = m_strWriting; !rest.empty();) {
+        const std::string_view piece = rest.substr(0, kWriteSize);
+        if (!m_file.WriteBytes(piece)) {
+            NoteFailure(GetLastError());
+            break;
+        }
+        NoteWritten(piece.size());
+        rest.remove_prefix(piece.size());
     }
     m_strWriting.clear();
+}
+
+void CGatheredFile::NoteWritten(std::size_t count) {
+    const CLock lock(m_CritSec);
+    m_nWriting -= count;
+    SetEvent(m_hTakenEvent);
+}
+
+void CGatheredFile::NoteFailure(DWORD error) {
+    const CLock lock(m_CritSec);
+    m_dwWriteError = error;
+    m_nWriting = 0;
+    m_strGathered.clear();
+    SetEvent(m_hTakenEvent);
 }

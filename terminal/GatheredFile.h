@@ -25,30 +25,38 @@ class CGatheredFile {
     BOOL Open(const std::string& fileName);
 
     // Adds a line, with CR LF behind it. FALSE, with the last error set, once the file has not
-    // taken what was written; the line is then dropped. Waits, with the console served, while the
-    // file takes nothing and a mebibyte is on its way.
+    // taken what was written; the line is then dropped. With 16 MiB on their way it waits, with the
+    // console served, for a file that takes them; FALSE with ERROR_NOT_ENOUGH_QUOTA for one that
+    // takes none of them for two seconds.
     BOOL AppendLine(std::string_view line);
 
-    // Writes what is gathered. FALSE, with the last error set, when the file does not hold all that
-    // was added. Harmless when closed.
+    // Nothing will be added any more: TRUE once all is written, or the file has failed; FALSE
+    // after so many milliseconds. Harmless when closed.
+    BOOL Finish(DWORD milliseconds);
+
+    // Writes what is gathered, for as long as the file takes some of it. FALSE, with the last error
+    // set, when the file does not hold all that was added. Harmless when closed.
     BOOL Close();
 
   private:
     static DWORD WriteThreadProc(LPVOID gatheredFile);
     void WriteUntilClosed();
     void WriteGathered();
+    void NoteWritten(std::size_t count);
+    void NoteFailure(DWORD error);
     DWORD WaitForRoom();
 
     CCaptureFile m_file;
     std::string m_strWriting; // the write thread's own
 
-    CCriticalSection m_CritSec; // for the two that follow
+    CCriticalSection m_CritSec; // for the three that follow
     std::string m_strGathered;
+    std::size_t m_nWriting = 0; // bytes that the write thread has still to write
     DWORD m_dwWriteError = 0;
 
     CUniqueHandle m_hBegunEvent; // something is gathered
     CUniqueHandle m_hFullEvent;  // enough for a write
-    CUniqueHandle m_hTakenEvent; // what was gathered is being written
+    CUniqueHandle m_hTakenEvent; // the file has taken some, or failed
     CUniqueHandle m_hEndEvent;   // nothing will be added any more
     CUniqueHandle m_hThread;
 };

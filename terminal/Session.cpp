@@ -4,6 +4,7 @@
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/PrintableText.h"
+#include "platform/Wait.h"
 #include "script/Script.h"
 #include "terminal/CommandFile.h"
 #include "terminal/CommandLine.h"
@@ -34,17 +35,31 @@ void SetTitle(CTermConsole& console, const std::string& title) {
     console.SetTitle(text.data());
 }
 
+// Also with bytes unread that it sent before.
+bool IsUnplugged(CTermModem& modem) {
+    const HANDLE hangup = modem.GetHangupHandle();
+    return hangup && WaitForSingleObject(hangup, 0) == WAIT_OBJECT_0;
+}
+
+// What the script's own message does not tell about its file.
+std::string ExplainScriptFile(const CVScript& script) {
+    const std::string file = platform::PrintableText(g_strScriptFile);
+    if (platform::IsFolder(g_strScriptFile.c_str()))
+        return "wirelet: " + file + " is a directory, not a script\n";
+    if (!script.HasUnixLineEnds())
+        return {};
+    return "wirelet: " + file + " has Unix line ends, a script needs CR LF: convert it with " +
+           "\"unix2dos " + file + "\", or save it so in the editor\n";
+}
+
 // Returns what is left to be said once the console has been given back.
 std::string RunScript(CTermModem& modem, CTermConsole& console, const std::string& title) {
     CVScript script;
     script.Run(g_strScriptFile.c_str(), &modem);
-    if (script.IsDeviceGone())
+    // While its last message stands on the screen, the script does not see to the device.
+    if (script.IsDeviceGone() || IsUnplugged(modem))
         TellDeviceGone(console, title);
-    if (!script.HasUnixLineEnds())
-        return {};
-    const std::string file = platform::PrintableText(g_strScriptFile);
-    return "wirelet: " + file + " has Unix line ends, a script needs CR LF: convert it with " +
-           "\"unix2dos " + file + "\", or save it so in the editor\n";
+    return ExplainScriptFile(script);
 }
 
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {

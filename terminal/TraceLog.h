@@ -1,7 +1,9 @@
 // CTraceLog: the traffic of a session in a file (-O): everything sent and received, line by line.
 //
 // Owned by the session, on its stack; used from its thread. From Open on it is the sink of the data
-// trace; when it goes, what was received last is written too and the file is closed.
+// trace; when it goes, what was received last is written too and the file is closed. A file that
+// takes its time then is waited for, for as long as it takes something, with the console given
+// back.
 #pragma once
 
 #include "modem/DataTrace.h"
@@ -23,10 +25,11 @@ class CTraceLog final : public ITraceSink {
 
     BOOL IsCapturing() const override { return m_bCapturing; }
 
-    // A file that takes no more ends the log; the user is told, once.
+    // A file that takes no more, or too slowly, ends the log; the user is told, once.
     void WriteLine(std::string_view line) override;
 
   private:
+    void TellWait();
     void TellFailure(DWORD error);
 
     CConsole& m_console;

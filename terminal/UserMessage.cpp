@@ -1,7 +1,9 @@
 #include "terminal/UserMessage.h"
 
 #include "platform/Error.h"
+#include "platform/File.h"
 #include "platform/PrintableText.h"
+#include "terminal/CommandLine.h"
 #include "terminal/Console.h"
 
 #include <algorithm>
@@ -26,6 +28,8 @@ constexpr std::array kErrorTexts = {
     ErrorText{ERROR_READ_FAULT, "the system could not read it"},
     ErrorText{ERROR_SHARING_VIOLATION, "another program has it open"},
     ErrorText{ERROR_DISK_FULL, "the disk is full"},
+    ErrorText{ERROR_TIMEOUT, "it took nothing for ten seconds"},
+    ErrorText{ERROR_NOT_ENOUGH_QUOTA, "it takes the bytes too slowly"},
 };
 
 // The analyser takes the list of arguments for one that nobody began.
@@ -48,6 +52,18 @@ void WriteToStandardError(const std::string& text) {
     std::fprintf(
         stderr, "%s\n",
         platform::PrintableText(std::string_view(text).substr(begin, end - begin)).c_str());
+}
+
+const char* DescribeOpenError(DWORD error, const std::string& file) {
+    if (error == ERROR_ACCESS_DENIED && platform::IsFolder(file.c_str()))
+        return "it is a directory";
+    if (error != ERROR_SHARING_VIOLATION)
+        return DescribeError(error);
+    if (platform::IsSameFile(file.c_str(), g_strCommandFile.c_str()))
+        return "it is the command file itself";
+    if (platform::IsSameFile(file.c_str(), g_strScriptFile.c_str()))
+        return "it is the script file itself";
+    return DescribeError(error);
 }
 
 } // namespace
@@ -75,8 +91,8 @@ void TellDeviceGone(CConsole& console, const std::string& deviceName) {
              deviceName.c_str());
 }
 
-void TellReason(CConsole& console, DWORD error) {
-    TellUser(console, "(%s)\n", DescribeError(error));
+void TellReason(CConsole& console, DWORD error, const std::string& file) {
+    TellUser(console, "(%s)\n", DescribeOpenError(error, file));
 }
 
 const char* DescribeError(DWORD error) {

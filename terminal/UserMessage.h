@@ -18,8 +18,8 @@ void TellUser(CConsole& console, const char* format, ...) __attribute__((format(
 // Says that the device is gone, by the name that the user knows it by.
 void TellDeviceGone(CConsole& console, const std::string& deviceName);
 
-// The reason of a failure that was just told, as a line of its own.
-void TellReason(CConsole& console, DWORD error);
+// Why a file did not open, which was just told, as a line of its own.
+void TellReason(CConsole& console, DWORD error, const std::string& file);
 
 // The reason behind an error code of the platform layer, for use in a message.
 const char* DescribeError(DWORD error);

@@ -24,9 +24,10 @@ class CCommandFileTest : public CSessionTest {
 
     // The run ends without a command sent.
     void ExpectRefusal(const std::string& commands, const std::string& capture,
-                       const std::string& message) {
+                       const std::string& message, const std::string& reason) {
         Start(m_device.GetPath(), {"-A:" + commands, "-O:" + capture});
         ASSERT_TRUE(Shows(message));
+        ASSERT_TRUE(Shows("(" + reason + ")"));
         ASSERT_TRUE(Ends());
         EXPECT_EQ(m_device.GetReceived(), "") << message;
     }
@@ -111,24 +112,27 @@ TEST_F(CCommandFileTest, RefusesFilesThatCannotBeOpened) {
     const std::string kept = m_folder.Write("kept", "kept content");
     const std::string missing = m_folder.GetPath("missing");
     const std::string folder = m_folder.GetPath("folder");
+    const std::string link = m_folder.GetPath("link");
     std::filesystem::create_directory(folder);
+    std::filesystem::create_symlink(commands, link);
 
     // A missing command file is found out before the capture file is made.
-    ExpectRefusal(missing, missing, "Cannot open " + missing);
+    ExpectRefusal(missing, missing, "Cannot open " + missing, "there is no such file");
     EXPECT_FALSE(std::filesystem::exists(missing));
-    ExpectRefusal(folder, kept, "Cannot open " + folder);
-    ExpectRefusal(commands, folder, "Cannot create " + folder);
-    ExpectRefusal(commands, missing + "/x", "Cannot create " + missing + "/x");
-    ExpectRefusal(commands, commands, "Cannot create " + commands);
+    ExpectRefusal(folder, kept, "Cannot open " + folder, "it is a directory");
+    ExpectRefusal(commands, folder, "Cannot create " + folder, "it is a directory");
+    ExpectRefusal(commands, missing + "/x", "Cannot create " + missing + "/x",
+                  "there is no such folder");
+    ExpectRefusal(commands, link, "Cannot create " + link, "it is the command file itself");
     EXPECT_EQ(ReadWholeFile(commands), "ATI\n");
 
     const CDescriptor other(open(kept.c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(other.Get(), LOCK_EX), 0);
-    ExpectRefusal(commands, kept, "Cannot create " + kept);
+    ExpectRefusal(commands, kept, "Cannot create " + kept, "another program has it open");
     EXPECT_EQ(ReadWholeFile(kept), "kept content");
     if (geteuid() != 0) {
         std::filesystem::permissions(commands, std::filesystem::perms::none);
-        ExpectRefusal(commands, missing, "Cannot open " + commands);
+        ExpectRefusal(commands, missing, "Cannot open " + commands, "access is denied");
     }
 }
 

@@ -87,6 +87,17 @@ TEST_F(CEndTest, DeviceGone) {
     }
 }
 
+TEST_F(CEndTest, DeviceGoneWhileAScriptsLastBoxIsOpen) {
+    const std::string script = m_folder.Write(
+        "script", "FUNCTION main()\r\n  MessageBox(\"last words\", \"\")\r\nENDFUNCTION\r\n");
+    Start(m_device.GetPath(), {"-S:" + script});
+    ASSERT_TRUE(Shows("last words"));
+    m_device.Vanish();
+    Type("\r");
+    EXPECT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
+    EXPECT_TRUE(EndsWith(0));
+}
+
 TEST_F(CEndTest, DeviceGoneDuringAPaste) {
     StartInteractive();
     m_device.SetReadLimit(0);

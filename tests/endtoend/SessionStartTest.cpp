@@ -69,6 +69,17 @@ TEST_F(CSessionStartTest, ADeviceThatIsNoneIsToldUntilEnter) {
     EXPECT_EQ(Screen().GetTitle(), "");
 }
 
+TEST_F(CSessionStartTest, TheUsersOwnTerminalIsNoDevice) {
+    const std::string own = m_terminal.GetLine().GetPath();
+    for (const std::string& path : {own, std::string("/dev/tty")}) {
+        Start(path);
+        ASSERT_TRUE(Shows(path + ": is the terminal you are sitting at."));
+        ASSERT_TRUE(Shows("Press Enter to exit."));
+        Type("\r");
+        EXPECT_TRUE(Ends());
+    }
+}
+
 TEST_F(CSessionStartTest, MenusSetWhatTheUserPicks) {
     const char* const f5 =
         "Baud Rate:  1 = 19200, 2 = 57600, 3 = 115200, 4 = 230400, other key = cancel";

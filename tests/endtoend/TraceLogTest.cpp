@@ -1,8 +1,10 @@
 // The log of a session (-O): decoded, it is what the device itself has sent and got.
 #include "tests/endtoend/SessionTest.h"
 
+#include <array>
 #include <csignal>
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace {
 
@@ -143,6 +145,7 @@ TEST_F(CTraceLogTest, TellsAFileThatCannotBeCreated) {
     const std::string script = m_folder.Write("script", "FUNCTION main()\r\nENDFUNCTION\r\n");
     Start(m_device.GetPath(), {"-S:" + script, "-O:" + script});
     ASSERT_TRUE(Shows("Cannot create " + script));
+    ASSERT_TRUE(Shows("(it is the script file itself)"));
     ASSERT_TRUE(Ends());
     Start(m_device.GetPath(), {"-S:" + script + "s", "-O:" + script});
     ASSERT_TRUE(Shows("OK"));
@@ -165,4 +168,34 @@ TEST_F(CTraceLogTest, TellsAFullDiskOnceAndGoesOn) {
     ASSERT_TRUE(Ends());
     const std::string& output = m_terminal.GetOutput();
     EXPECT_EQ(output.find(message), output.rfind(message));
+}
+
+TEST_F(CTraceLogTest, AFileThatTakesNothingHoldsOnlyTheEndUp) {
+    ASSERT_EQ(mkfifo(m_log.c_str(), 0600), 0);
+    for (const bool isRead : {true, false}) {
+        StartLogged(m_log);
+        ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+        const std::string paste(500000, 'p');
+        Type(paste);
+        ASSERT_TRUE(DeviceGets(paste));
+        Type(kAltF4);
+        ASSERT_TRUE(Shows("waiting for " + m_log));
+        ASSERT_TRUE(GivesTerminalBack());
+        if (!isRead) {
+            Type("\x03");
+            EXPECT_TRUE(EndsWith(-SIGINT));
+            break;
+        }
+        const CDescriptor reader(open(m_log.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        std::string log;
+        EXPECT_TRUE(Fulfils("the end", [&] {
+            std::array<char, 65536> bytes;
+            const ssize_t count = read(reader.Get(), bytes.data(), bytes.size());
+            log.append(bytes.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+            return m_program->HasEnded() && count <= 0;
+        }));
+        EXPECT_TRUE(Ends());
+        m_record = {{true, "ATE1V1\r" + paste}};
+        EXPECT_EQ(Decode(log), m_record);
+    }
 }

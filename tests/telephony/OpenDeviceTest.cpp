@@ -1,6 +1,7 @@
 // A modem opened by its name: the steps, what each one's failure gives back, and the end.
 #include "tests/telephony/TelephonyTest.h"
 
+#include "common/UniqueHandle.h"
 #include "modem/Modem.h"
 #include "platform/Error.h"
 #include "platform/File.h"
@@ -83,6 +84,17 @@ TEST_F(COpenDeviceTest, FailuresGiveBackWhatTheyTookAndSayWhy) {
     m_dwIdentifierSize = sizeof(DWORD) - 1;
     EXPECT_FALSE(modem.OpenDevice(NAME));
     EXPECT_TRUE(TakeCalls().ends_with("lineDrop 13 null 0\nlineClose 12\n"));
+    // No handle, and one that is no port and stays as it is.
+    m_dwIdentifierSize = sizeof(DWORD);
+    const CUniqueHandle event(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+    for (const HANDLE handle : {HANDLE{}, HANDLE{event}}) {
+        m_hPort = handle;
+        EXPECT_FALSE(modem.OpenDevice(NAME));
+        EXPECT_EQ(GetLastError(), ERROR_GEN_FAILURE);
+        EXPECT_FALSE(modem.IsOpen());
+        EXPECT_TRUE(TakeCalls().ends_with("lineDrop 13 null 0\nlineClose 12\n"));
+    }
+    EXPECT_TRUE(SetEvent(event));
     EXPECT_FALSE(modem.OpenDevice("modem"));
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(TakeCalls().find("lineOpen"), std::string::npos);
