@@ -15,7 +15,7 @@ LONG CVTapi::MLineInitialize() {
     };
     const LONG status =
         CheckStatus("CVTapi::MLineInitialize() - lineInitialize() failed returning %#08lx",
-                    BringUp(initialize, LINEERR_REINIT));
+                    BringUp(initialize, LINEERR_REINIT, g_hLineApp));
     if (status < 0) {
         g_hLineApp = 0;
         return status;

@@ -16,7 +16,7 @@ LONG CVTapi::MPhoneInitialize() {
                                              &CVTapi::PhoneCallbackProc, nullptr,
                                              &g_dwNumPhoneDevs);
     };
-    const LONG status = BringUp(initialize, PHONEERR_REINIT);
+    const LONG status = BringUp(initialize, PHONEERR_REINIT, g_hPhoneApp);
     if (status != 0) {
         g_hPhoneApp = 0;
         DebugError("CVTapi::MPhoneInitialize() - phoneInitialize() failed returning %#08lx",

@@ -25,5 +25,6 @@ extern LONG g_lTapiObjects;
 inline constexpr DWORD TAPI_DEVICES_MAX = 4096;
 
 // Calls initialize() again each second for ten seconds, as long as it returns lReinit: the service
-// is then between two lives. Returns its last result. Blocks meanwhile.
-LONG BringUp(LONG (*initialize)(), LONG lReinit);
+// is then between two lives. Returns its last result; E_TAPI_FAILED when that is a success but
+// hApp, where the handle goes, is 0: such a service could not be shut down. Blocks meanwhile.
+LONG BringUp(LONG (*initialize)(), LONG lReinit, const DWORD& hApp);
