@@ -1,7 +1,7 @@
 #include "platform/Clock.h"
 
-#include "platform/Deadline.h"
-#include "platform/WaitLoop.h"
+#include "platform/objects/Deadline.h"
+#include "platform/objects/WaitLoop.h"
 
 #include <sched.h>
 

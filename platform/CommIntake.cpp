@@ -1,7 +1,7 @@
 #include "platform/CommIntake.h"
 
-#include "platform/CommPort.h"
-#include "platform/WaitLoop.h"
+#include "platform/comm/CommPort.h"
+#include "platform/objects/WaitLoop.h"
 
 #include <memory>
 

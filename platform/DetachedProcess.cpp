@@ -1,7 +1,7 @@
 #include "platform/DetachedProcess.h"
 
 #include "platform/Error.h"
-#include "platform/HandleObject.h"
+#include "platform/objects/HandleObject.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #include "platform/File.h"
 
-#include "platform/DiskFile.h"
 #include "platform/Error.h"
-#include "platform/TransferObject.h"
+#include "platform/objects/DiskFile.h"
+#include "platform/objects/TransferObject.h"
 
 using platform::CTransferObject;
 

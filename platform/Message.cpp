@@ -2,8 +2,8 @@
 
 #include "platform/Clock.h"
 #include "platform/Error.h"
-#include "platform/ThreadQueues.h"
-#include "platform/WindowTable.h"
+#include "platform/messages/ThreadQueues.h"
+#include "platform/messages/WindowTable.h"
 
 #include <algorithm>
 #include <array>

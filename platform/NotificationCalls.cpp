@@ -1,11 +1,11 @@
 // The published calls that tell the user something.
 #include "platform/Notification.h"
 
-#include "platform/BoxDialog.h"
-#include "platform/BoxPager.h"
-#include "platform/ConsoleVisit.h"
 #include "platform/Error.h"
 #include "platform/SoundPlayer.h"
+#include "platform/console/BoxDialog.h"
+#include "platform/console/BoxPager.h"
+#include "platform/console/ConsoleVisit.h"
 
 #include <cerrno>
 #include <new>

@@ -1,6 +1,6 @@
 #include "platform/RegistryKey.h"
 
-#include "platform/SerialDevices.h"
+#include "platform/comm/SerialDevices.h"
 
 #include <strings.h>
 

@@ -2,7 +2,7 @@
 // table, never changes. Nothing outside platform/ includes this header.
 #pragma once
 
-#include "platform/HandleObject.h"
+#include "platform/objects/HandleObject.h"
 
 #include <optional>
 #include <string>

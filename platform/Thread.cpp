@@ -1,8 +1,8 @@
 #include "platform/Thread.h"
 
 #include "platform/Error.h"
-#include "platform/MakeObject.h"
-#include "platform/ThreadObject.h"
+#include "platform/objects/MakeObject.h"
+#include "platform/objects/ThreadObject.h"
 
 using platform::CThreadObject;
 

@@ -1,9 +1,9 @@
 #include "platform/Wait.h"
 
 #include "platform/Error.h"
-#include "platform/HandleObject.h"
-#include "platform/ThreadObject.h"
-#include "platform/WaitLoop.h"
+#include "platform/objects/HandleObject.h"
+#include "platform/objects/ThreadObject.h"
+#include "platform/objects/WaitLoop.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "platform/CommSettings.h"
+#include "platform/comm/CommSettings.h"
 
 #include <gtest/gtest.h>
 

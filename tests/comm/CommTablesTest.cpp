@@ -1,5 +1,5 @@
 #include "platform/Comm.h"
-#include "platform/CommErrors.h"
+#include "platform/comm/CommErrors.h"
 
 #include <gtest/gtest.h>
 

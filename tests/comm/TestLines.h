@@ -2,8 +2,8 @@
 // has none. Any thread may call anything.
 #pragma once
 
-#include "platform/CommPort.h"
 #include "platform/Error.h"
+#include "platform/comm/CommPort.h"
 #include "tests/comm/TestPort.h"
 
 #include <sys/ioctl.h>

@@ -1,8 +1,8 @@
 // The keys in the bytes that terminals send.
 #include "platform/Console.h"
-#include "platform/ConsoleInput.h"
-#include "platform/ConsoleKeyTable.h"
 #include "platform/Wait.h"
+#include "platform/console/ConsoleInput.h"
+#include "platform/console/ConsoleKeyTable.h"
 #include "tests/support/Pipe.h"
 
 using namespace platform;

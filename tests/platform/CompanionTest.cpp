@@ -1,5 +1,5 @@
 #include "platform/Clock.h"
-#include "platform/HandleObject.h"
+#include "platform/objects/HandleObject.h"
 #include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The list of serial devices, and the registry that is made of it.
 
-#include "platform/SerialDevices.h"
+#include "platform/comm/SerialDevices.h"
 #include "platform/Error.h"
 #include "platform/Registry.h"
 #include "platform/RegistryKey.h"

@@ -1,7 +1,7 @@
 #include "platform/Clock.h"
 #include "platform/Error.h"
-#include "platform/HandleObject.h"
-#include "platform/ThreadObject.h"
+#include "platform/objects/HandleObject.h"
+#include "platform/objects/ThreadObject.h"
 #include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The settings of a port, as its driver shows them at the device's end.
 #include "platform/Comm.h"
-#include "platform/CommSettings.h"
+#include "platform/comm/CommSettings.h"
 #include "tests/serial/SerialFixture.h"
 
 #include <array>

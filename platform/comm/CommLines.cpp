@@ -1,0 +1,19 @@
+#include "platform/comm/CommLines.h"
+
+#include <sys/ioctl.h>
+
+#include <cerrno>
+
+namespace platform {
+
+BOOL CCommDriverLines::GetCounters(serial_icounter_struct& counters) {
+    return !m_driver.IsGone() && ioctl(m_driver.Descriptor(), TIOCGICOUNT, &counters) == 0;
+}
+
+int CCommDriverLines::AwaitMove(int lines) {
+    // The driver takes the lines themselves in place of an address.
+    return ioctl(m_driver.Descriptor(), TIOCMIWAIT, static_cast<unsigned long>(lines)) == 0 ? 0
+                                                                                            : errno;
+}
+
+} // namespace platform

@@ -1,0 +1,120 @@
+// An open serial port: its driver, its receive queue and its pending transfers.
+//
+// Owned by the handle table and by the calls in progress on it. Any thread may call any operation;
+// the two directions have a lock each, so that a reader and a writer do not wait for one another,
+// and no lock is held while a call blocks. Close ends pending transfers and gives the device back;
+// the descriptor itself goes with the last call that still uses it.
+//
+// The operations have the arguments, results and errors of the calls in platform/Comm.h.
+#pragma once
+
+#include "platform/comm/CommDriver.h"
+#include "platform/comm/CommEventWait.h"
+#include "platform/comm/CommLines.h"
+#include "platform/comm/CommQueue.h"
+#include "platform/comm/CommTransfer.h"
+#include "platform/objects/TransferObject.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace platform {
+
+class CCommPort final : public CTransferObject, public std::enable_shared_from_this<CCommPort> {
+  public:
+    // FALSE with the errors of CreateFileA.
+    BOOL Open(LPCSTR path);
+
+    int WaitDescriptor() const override { return m_driver.Descriptor(); }
+    bool IsReady() const override;
+    bool TryAcquire(short events) override;
+    BOOL Close() override;
+
+    BOOL Read(void* buffer, DWORD count, LPDWORD read, OVERLAPPED* overlapped) override;
+    BOOL Write(const void* buffer, DWORD count, LPDWORD written, OVERLAPPED* overlapped) override;
+    BOOL GetResult(OVERLAPPED* overlapped, LPDWORD transferred, BOOL wait) override;
+
+    BOOL GetProperties(COMMPROP& properties);
+    BOOL SetQueueSizes(DWORD input, DWORD output);
+    BOOL SetTimeouts(const COMMTIMEOUTS& timeouts);
+    BOOL ClearError(LPDWORD errors, COMSTAT* status);
+    BOOL Purge(DWORD flags);
+
+    // Takes what the driver holds into the receive queue, or discards it when the queue is full.
+    // False once nothing more can come.
+    bool TakeIn(bool& discarded);
+
+    // For what is the driver's alone: lines and line settings.
+    CCommDriver& Driver() { return m_driver; }
+    bool IsGone() const { return m_driver.IsGone(); }
+
+    // The bytes that wait to be read. FALSE once nothing more can come.
+    BOOL CountReceived(DWORD& count);
+
+    CCommEventWait& Events() { return m_events; }
+
+    // The modem lines, which keep the port; those of the driver, unless others were put in their
+    // place before anybody looked.
+    std::shared_ptr<ICommLines> Lines();
+    void ReplaceLines(std::shared_ptr<ICommLines> lines) { m_otherLines = std::move(lines); }
+
+    HANDLE HangupHandle();
+    // The hangup handle was closed by somebody else.
+    void ForgetHangupHandle();
+
+  private:
+    // One direction's pending transfer, and how it is carried on.
+    struct Direction {
+        CCommTransfer& transfer;
+        std::mutex& mutex;
+        short events;
+        void (CCommPort::*step)();
+    };
+    Direction Sending() { return {m_write, m_transmitMutex, POLLOUT, &CCommPort::StepWrite}; }
+    Direction Receiving() { return {m_read, m_receiveMutex, POLLIN, &CCommPort::StepRead}; }
+
+    int TakeReceived(void* buffer, DWORD count);
+    int FillQueue();
+    int DiscardReceived(bool& discarded);
+    int ReceiveFromDriver(void* buffer, DWORD count);
+    BOOL CountUnsent(DWORD& count);
+    void StepRead();
+    void StepWrite();
+    bool Finish(const Direction& direction, const OVERLAPPED* overlapped, BOOL wait);
+    void WaitForProgress(const Direction& direction, std::unique_lock<std::mutex>& lock,
+                         const OVERLAPPED* overlapped);
+    BOOL FinishOwn(const Direction& direction, OVERLAPPED& own, LPDWORD moved);
+
+    CCommDriver m_driver;
+    CCommDriverLines m_driverLines{m_driver};
+    std::shared_ptr<ICommLines> m_otherLines;
+    CCommEventWait m_events{*this};
+
+    mutable std::mutex m_receiveMutex; // guards what follows
+    CCommQueue m_queue;
+    CCommTransfer m_read;
+    BYTE* m_target = nullptr; // the pending read's buffer
+    COMMTIMEOUTS m_readTimeouts{};
+    bool m_bInputEnded = false; // the device is gone and the driver has nothing left
+    bool m_bFilledUp = false;   // the last fill left bytes in the driver
+    bool m_bAskDriver = false;  // the driver may hold bytes beside those in the queue
+    bool m_bReceiveClosed = false;
+
+    std::mutex m_transmitMutex; // guards what follows
+    CCommTransfer m_write;
+    const BYTE* m_source = nullptr; // the pending write's buffer
+    COMMTIMEOUTS m_writeTimeouts{};
+    bool m_bTransmitClosed = false;
+
+    std::atomic<DWORD> m_dwOutputQueueSize;
+    std::atomic<DWORD> m_dwWrites = 0;  // counts the calls that have given the driver bytes
+    std::atomic<DWORD> m_dwDrained = 0; // that count when the driver was last seen to hold none
+
+    std::mutex m_hangupMutex; // guards what follows
+    HANDLE m_hHangup = nullptr;
+    bool m_bHangupClosed = false;
+};
+
+} // namespace platform

@@ -1,0 +1,32 @@
+// The title of the terminal's window. The user's own title is kept by the terminal from the first
+// change on and comes back at the end. Used by the thread that has taken the console over.
+#pragma once
+
+#include "platform/console/ConsoleGather.h"
+
+#include <string_view>
+
+namespace platform {
+
+class CConsoleTitle {
+  public:
+    explicit CConsoleTitle(CConsoleGather& gather) : m_gather(gather) {}
+
+    // Whether a terminal of this type has a title that can be set and brought back.
+    static bool IsPossible(std::string_view terminalType);
+
+    // Sets the title: well-formed characters other than controls, at most MOST_BYTES. The caller
+    // sees to the room.
+    void Set(std::string_view title);
+    // Brings the user's title back if Set changed it.
+    void Restore();
+    bool IsChanged() const { return m_bChanged; }
+
+    static constexpr std::size_t MOST_BYTES = 256;
+
+  private:
+    CConsoleGather& m_gather;
+    bool m_bChanged = false;
+};
+
+} // namespace platform

@@ -1,0 +1,58 @@
+// The one loop in which this layer blocks: a wait for up to MAXIMUM_WAIT_OBJECTS objects with a
+// deadline, during which the thread's companion is served and the thread's termination is noticed.
+//
+// Lives on the waiting thread's stack for one wait; the caller keeps the objects alive. It neither
+// allocates nor holds a lock while it blocks. Nothing outside platform/ includes this header.
+#pragma once
+
+#include "platform/Wait.h"
+#include "platform/objects/Deadline.h"
+#include "platform/objects/HandleObject.h"
+
+#include <poll.h>
+
+namespace platform {
+
+class CWaitLoop {
+  public:
+    // Handles, when given, are those that name the objects: the wait then fails once one of them is
+    // found closed.
+    CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseconds,
+              const HANDLE* handles = nullptr);
+
+    // WAIT_OBJECT_0 plus the lowest index that was acquired, WAIT_TIMEOUT, or WAIT_FAILED with
+    // ERROR_OPERATION_ABORTED (the thread was terminated) or ERROR_INVALID_HANDLE (closed
+    // meanwhile).
+    DWORD Run();
+
+    // Serves the companion once and lets it do what it has to do; does not wait.
+    void Serve();
+
+  private:
+    enum class Turn { DONE, AGAIN };
+
+    Turn TakeTurn();
+    bool AcquireFirst();
+    bool AcquireAny();
+    std::int64_t PatienceOf(std::int64_t remaining) const;
+    int Poll(std::int64_t patience);
+    void ServeCompanion();
+    bool LetCompanionWork();
+    bool HandlesAreOpen() const;
+    Turn End(DWORD result);
+    Turn Fail(DWORD error);
+
+    static constexpr DWORD COMPANION_DESCRIPTORS = 2;
+    static constexpr DWORD TERMINATION_DESCRIPTORS = 1;
+
+    CHandleObject* const* m_objects;
+    DWORD m_dwCount;
+    const HANDLE* m_handles;
+    CDeadline m_deadline;
+    DWORD m_dwResult = WAIT_TIMEOUT;
+    DWORD m_dwWatched = 0;     // the companion's descriptors, which follow those of the objects
+    bool m_bWorkTried = false; // the companion has done what it could since its descriptors changed
+    pollfd m_polled[MAXIMUM_WAIT_OBJECTS + COMPANION_DESCRIPTORS + TERMINATION_DESCRIPTORS];
+};
+
+} // namespace platform
