@@ -33,7 +33,7 @@ struct OVERLAPPED {
 // FILE_SHARE_READ before (an advisory lock).
 //
 // Errors: ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED (no permission; a
-// directory; a port in use; the terminal that the program runs on, as a port),
+// directory; a port in use; as a port, a terminal that a standard stream is on),
 // ERROR_SHARING_VIOLATION (a file in use), ERROR_NOT_SUPPORTED (a port's name leads to something
 // that is no serial device), ERROR_DEVICE_NOT_CONNECTED (a device node whose device is gone).
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,

@@ -27,7 +27,7 @@ class CGatheredFile {
     // Adds a line, with CR LF behind it. FALSE, with the last error set, once the file has not
     // taken what was written; the line is then dropped. With 16 MiB on their way it waits, with the
     // console served, for a file that takes them; FALSE with ERROR_NOT_ENOUGH_QUOTA for one that
-    // takes none of them for two seconds.
+    // takes less than 64 KiB in two seconds.
     BOOL AppendLine(std::string_view line);
 
     // Nothing will be added any more: TRUE once all is written, or the file has failed; FALSE

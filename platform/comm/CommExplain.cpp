@@ -2,7 +2,7 @@
 
 #include "platform/Error.h"
 #include "platform/PrintableText.h"
-#include "platform/comm/CommTerminal.h"
+#include "platform/TerminalDevice.h"
 #include "platform/comm/CommUsers.h"
 
 #include <dirent.h>

@@ -1,5 +1,7 @@
 #include "platform/console/ConsoleMode.h"
 
+#include "platform/TerminalDevice.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -22,7 +24,7 @@ bool AreSameTerminal(int first, int second) {
     struct stat firstStatus {};
     struct stat secondStatus {};
     return fstat(first, &firstStatus) == 0 && fstat(second, &secondStatus) == 0 &&
-           firstStatus.st_rdev == secondStatus.st_rdev;
+           platform::AreSameTerminal(firstStatus, secondStatus);
 }
 
 termios RawInput(termios mode) {
@@ -52,8 +54,13 @@ std::size_t CConsoleMode::TakeOver(int input, int output, bool drawsOnOutput) {
 }
 
 void CConsoleMode::Add(int descriptor, bool isInput, bool isDrawnOn) {
-    if (isatty(descriptor) != 0)
-        m_terminals[m_nTerminals++] = {descriptor, isInput, isDrawnOn};
+    if (isatty(descriptor) == 0)
+        return;
+    Terminal& terminal = m_terminals[m_nTerminals++];
+    terminal.descriptor = descriptor;
+    terminal.isInput = isInput;
+    terminal.isDrawnOn = isDrawnOn;
+    terminal.isFound.store(false);
 }
 
 void CConsoleMode::GiveBack() {
@@ -95,12 +102,11 @@ std::size_t CConsoleMode::Take(Terminal& terminal) {
     if (tcgetattr(terminal.descriptor, &present) != 0)
         return 0;
     if (!terminal.isFound) {
-        m_nProcess.store(0); // a signal must not bring back what is only half there
         terminal.found = present;
         terminal.raw = terminal.isInput ? RawInput(present) : present;
         if (terminal.isDrawnOn)
             terminal.raw.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-        terminal.isFound = true;
+        terminal.isFound.store(true); // only now: a signal must not bring back half of it
     }
     m_nProcess.store(getpid());
     Apply(terminal, terminal.raw);

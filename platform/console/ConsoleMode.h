@@ -51,7 +51,8 @@ class CConsoleMode {
         int descriptor = -1;
         bool isInput = false;
         bool isDrawnOn = false;
-        bool isFound = false; // what was found in the background was somebody else's for a while
+        // What was found in the background was somebody else's for a while.
+        std::atomic<bool> isFound = false;
         termios found = {};
         termios raw = {};
     };

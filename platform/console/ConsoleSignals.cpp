@@ -158,7 +158,11 @@ void InstallOne(int index) {
     const Entry& entry = SIGNALS[index];
     struct sigaction action {};
     action.sa_sigaction = OnSignal;
-    action.sa_flags = SA_SIGINFO | SA_RESTART | (entry.role == Role::CRASH ? SA_ONSTACK : 0);
+    action.sa_flags = SA_SIGINFO | (entry.role == Role::CRASH ? SA_ONSTACK : 0);
+    // A read of the keyboard in the background, begun again, would stop the process before anybody
+    // has looked at what was noted.
+    if (entry.role != Role::CONTROL && entry.number != SIGCONT)
+        action.sa_flags |= SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(entry.number, &action, &g_state.before[index]);
     g_state.installed[index] = IsWanted(entry, g_state.before[index]);

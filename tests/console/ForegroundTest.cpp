@@ -37,6 +37,10 @@ pid_t StartInBackground() {
     return program;
 }
 
+BOOL EndAtOnce(DWORD) {
+    std::exit(CProcess::kWorkDone);
+}
+
 void AwaitStop(pid_t program) {
     int status = 0;
     if (waitpid(program, &status, WUNTRACED) != program || !WIFSTOPPED(status))
@@ -59,6 +63,19 @@ void RunInBackground() {
     kill(-program, SIGCONT);
     int status = 0;
     waitpid(program, &status, 0);
+}
+
+// A shell's &, then its kill, which lets a stopped process go on.
+void EndInBackground() {
+    SetConsoleCtrlHandler(EndAtOnce, TRUE);
+    const pid_t program = StartInBackground();
+    AwaitStop(program);
+    kill(-program, SIGTERM);
+    kill(-program, SIGCONT);
+    int status = 0;
+    waitpid(program, &status, WUNTRACED);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != CProcess::kWorkDone)
+        std::_Exit(1);
 }
 
 } // namespace
@@ -84,5 +101,10 @@ TEST_F(ForegroundTest, AWaitForAKeyInTheBackgroundStopsUntilTheTerminalIsThere) 
     ASSERT_TRUE(Waits([&] { return (line.GetSettings().c_iflag & ICRNL) == 0; }));
     Type("\n\rq");
     ASSERT_TRUE(Shows("10;13;113;"));
+    EXPECT_TRUE(EndsWith(CProcess::kWorkDone));
+}
+
+TEST_F(ForegroundTest, ASignalEndsWhatStoppedInTheBackground) {
+    Start(EndInBackground);
     EXPECT_TRUE(EndsWith(CProcess::kWorkDone));
 }

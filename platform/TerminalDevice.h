@@ -10,6 +10,9 @@ namespace platform {
 // Whether the device number is that of the end of a pseudo-terminal that has a name.
 bool IsPseudoTerminal(dev_t device);
 
+// Whether the two are one terminal.
+bool AreSameTerminal(const struct stat& one, const struct stat& two);
+
 // Whether the device is a terminal that one of the program's standard streams is on, or /dev/tty.
 bool IsOwnTerminal(const struct stat& device);
 
