@@ -63,10 +63,16 @@ void CTermConsole::SendTyped() {
     if (count != 0)
         m_pModem->Write(m_strTyped.data() + m_nSent, count);
     m_nSent += count;
-    if (GetTypedAhead() != 0)
+    ForgetSent();
+}
+
+// Input that is always ahead of the device never leaves a moment with nothing typed. What has gone
+// makes half of the text at least before the rest is moved: each byte is moved once, on average.
+void CTermConsole::ForgetSent() {
+    if (m_nSent < GetTypedAhead())
         return;
+    m_strTyped.erase(0, m_nSent);
     m_nSent = 0;
-    m_strTyped.clear();
-    if (m_strTyped.capacity() > kKeptRoom)
+    if (m_strTyped.empty() && m_strTyped.capacity() > kKeptRoom)
         m_strTyped.shrink_to_fit();
 }
