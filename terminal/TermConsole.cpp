@@ -16,6 +16,9 @@ constexpr int kDeepestMenu = 16;
 // Memory that is kept for what is typed next; a paste may have taken more.
 constexpr std::size_t kKeptRoom = 4096;
 
+// Bytes that have gone and are still kept, because the rest would have to be moved.
+constexpr std::size_t kMostSent = std::size_t{1} << 20;
+
 } // namespace
 
 BOOL CTermConsole::OnKey(DWORD dwKey, BYTE* pbyChar) {
@@ -66,10 +69,9 @@ void CTermConsole::SendTyped() {
     ForgetSent();
 }
 
-// Input that is always ahead of the device never leaves a moment with nothing typed. What has gone
-// makes half of the text at least before the rest is moved: each byte is moved once, on average.
+// Input that is always ahead of the device never leaves a moment with nothing typed.
 void CTermConsole::ForgetSent() {
-    if (m_nSent < GetTypedAhead())
+    if (m_nSent < std::min(GetTypedAhead(), kMostSent))
         return;
     m_strTyped.erase(0, m_nSent);
     m_nSent = 0;
