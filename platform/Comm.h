@@ -5,10 +5,10 @@
 //
 // Opening: raw, 8-bit clean input and output; speed, parity, data and stop bits and flow control
 // stay as the driver has them, and the settings found come back at closing. Opening never blocks on
-// carrier, flushes nothing (what the device already said is shown) and is exclusive: TIOCEXCL keeps
-// other users out and an advisory lock (flock) keeps root out; a second opener gets
-// ERROR_ACCESS_DENIED. A device that speaks at this very moment may get some of it back: the
-// kernel's terminals echo until they are made raw.
+// carrier, flushes nothing (what the device already said is shown) and is exclusive: an advisory
+// lock (flock) keeps out those who ask for it, and on all but pseudo-terminals TIOCEXCL keeps out
+// the others but root; a second opener gets ERROR_ACCESS_DENIED. A device that speaks at this very
+// moment may get some of it back: the kernel's terminals echo until they are made raw.
 //
 // Closing does not wait for output that the device does not take, and discards it; the drivers by
 // themselves would wait half a minute.

@@ -12,10 +12,16 @@
 // cursor is known without asking the terminal. When standard output is no terminal, text goes out
 // plain: control sequences are left out, and CR LF becomes LF.
 //
-// Keys arrive as the bytes typed, one record a byte; the arrow, paging, Insert, Delete and function
-// keys are recognised as xterm, the Linux console, screen, tmux and rxvt send them and as the
-// terminal's terminfo entry has them. A lone ESC becomes a key after at most 50 ms. When standard
-// input is no terminal its bytes are the keys.
+// Keys arrive as the bytes typed, one record a byte, with a repeat count of 0 for those that belong
+// to the character before them; the arrow, paging, Insert, Delete and function keys are recognised
+// as xterm, the Linux console, screen, tmux, rxvt and the VT220 send them and as the terminal's
+// terminfo entry has them. Every other key that the terminal sends a control sequence for is one
+// record with a key code that nothing is done for. Backspace is the terminal's own erase character
+// and arrives as 8; with Alt a key carries its character. A lone ESC becomes a key after 100 ms, a
+// sequence without its end after half a second without a byte. What is pasted counts as typed.
+//
+// When standard input is no terminal its bytes are the keys, as they are; only the sequences of the
+// named keys are recognised.
 //
 // In the background of a shell the terminal's modes are left alone. Output is drawn there all the
 // same; a wait for a key stops the process (SIGTTIN). The terminal is taken over once the process
@@ -77,7 +83,7 @@ inline constexpr WORD VK_F6 = 0x75;
 
 struct KEY_EVENT_RECORD {
     BOOL bKeyDown;
-    WORD wRepeatCount;
+    WORD wRepeatCount; // 0: another byte of the same character
     WORD wVirtualKeyCode;
     WORD wVirtualScanCode;
     union {

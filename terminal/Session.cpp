@@ -11,6 +11,7 @@
 #include "terminal/DeviceName.h"
 #include "terminal/InteractiveTerminal.h"
 #include "terminal/LineMenus.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/StringTable.h"
 #include "terminal/TermConsole.h"
@@ -100,6 +101,7 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     if (isComPort && baudRate == 0)
         baudRate = kDefaultBaudRate;
 
+    HoldModuleNews();
     if (!console.Attach(&modem))
         return {};
     SetTitle(console, title);
@@ -119,4 +121,5 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
     std::fputs(lastWords.c_str(), stderr);
+    TellModuleNews();
 }

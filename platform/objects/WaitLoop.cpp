@@ -23,8 +23,12 @@ CWaitLoop::CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseco
     : m_objects(objects), m_dwCount(count), m_handles(handles), m_deadline(milliseconds) {}
 
 DWORD CWaitLoop::Run() {
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->BeginWait();
     while (TakeTurn() == Turn::AGAIN)
         continue;
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->EndWait();
     return m_dwResult;
 }
 

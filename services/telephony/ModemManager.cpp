@@ -1,7 +1,7 @@
 #include "services/telephony/ModemManager.h"
 
 #include "services/telephony/ManagedModems.h"
-#include "services/telephony/SystemLog.h"
+#include "services/telephony/Notice.h"
 
 #include <cstdlib>
 #include <memory>
@@ -75,8 +75,7 @@ EHold CModemHold::Take(const std::string& devicePath, const CCancellation& cance
     if (cancellation.IsCancelled())
         return EHold::Cancelled;
     if (!answer || sd_bus_message_is_method_error(answer.get(), nullptr) > 0) {
-        WriteWarning(devicePath +
-                     ": ModemManager keeps the modem: " + DescribeRefusal(answer.get()));
+        TellNews(devicePath + ": ModemManager keeps the modem: " + DescribeRefusal(answer.get()));
         return EHold::Refused;
     }
     m_bus = std::move(bus);
