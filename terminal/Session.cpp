@@ -64,8 +64,9 @@ std::string RunScript(CTermModem& modem, CTermConsole& console, const std::strin
 }
 
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
-    // With a command file the output file is for its answers.
-    bool isLogged = !g_strOutputFile.empty() && g_strCommandFile.empty();
+    // With a command file that is sent the output file is for its answers.
+    bool isLogged =
+        !g_strOutputFile.empty() && (g_strCommandFile.empty() || !g_strScriptFile.empty());
     // Held open, the script cannot be replaced by its own log; without a script nothing is
     // replaced.
     CUniqueHandle script;
