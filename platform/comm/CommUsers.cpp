@@ -1,5 +1,7 @@
 #include "platform/comm/CommUsers.h"
 
+#include "platform/Comm.h"
+
 #include <dirent.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -96,6 +98,12 @@ std::string NameOf(pid_t process) {
 }
 
 } // namespace
+
+bool IsDeviceOpenIn(DWORD process, const std::string& devicePath) {
+    struct stat device {};
+    return stat(devicePath.c_str(), &device) == 0 &&
+           HasOpen(std::to_string(process).c_str(), device.st_rdev);
+}
 
 CommUser FindCommUser(const struct stat& device) {
     pid_t process = FindLockHolder(device);
