@@ -62,7 +62,7 @@ EHold CModemHold::Take(const LineDevice& device, const CCancellation& cancellati
         return EHold::NotManaged;
     }
     EHold hold = EHold::NotManaged;
-    if (!IsKnown(cancellation) && m_refusal.empty())
+    if (!IsKnown(cancellation))
         hold = AwaitProbing(cancellation);
     if (!m_modem.empty()) {
         Ask(deadline, cancellation);
@@ -82,15 +82,19 @@ EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
     if (manager == 0 || !platform::IsDeviceOpenIn(manager, m_device.devicePath))
         return EHold::NotManaged;
     const BusTime start = GetBusTime();
-    BusTime lastSeen = start;
+    BusTime settled = NEVER;
     bool isTold = false;
     while (!cancellation.IsCancelled()) {
-        const BusTime now = GetBusTime();
         Drain(watch);
-        const bool isOpen = platform::IsDeviceOpenIn(manager, m_device.devicePath);
-        if (isOpen)
-            lastSeen = now;
-        if (IsKnown(cancellation) || !m_refusal.empty() || now - lastSeen >= SETTLE_TIME)
+        // Its answer may take seconds, because it awaits its ports in between.
+        if (IsKnown(cancellation))
+            return EHold::Left;
+        const BusTime now = GetBusTime();
+        if (platform::IsDeviceOpenIn(manager, m_device.devicePath))
+            settled = NEVER;
+        else
+            settled = std::min(settled, now + SETTLE_TIME);
+        if (now >= settled)
             return EHold::Left;
         if (now - start >= PROBE_TIME) {
             m_refusal = "it is still probing it";
@@ -100,9 +104,8 @@ EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
             TellNews("ModemManager is probing " + m_device.name + "; waiting for up to 30 seconds");
             isTold = true;
         }
-        const BusTime next = isTold ? PROBE_TIME : TELL_TIME;
-        const BusTime wake = std::min(start + next, isOpen ? NEVER : lastSeen + SETTLE_TIME);
-        if (!m_manager->Wait(wake, watch.Get(), cancellation))
+        const BusTime next = start + (isTold ? PROBE_TIME : TELL_TIME);
+        if (!m_manager->Wait(std::min(next, settled), watch.Get(), cancellation))
             return EHold::Left;
     }
     return EHold::Cancelled;
@@ -124,11 +127,7 @@ void CModemHold::Ask(BusTime deadline, const CCancellation& cancellation) {
 void CModemHold::Keep(const CCancellation& cancellation) {
     while (!cancellation.IsCancelled()) {
         AskAnew(cancellation);
-        if (GetBusTime() >= m_tellTime) {
-            m_tellTime = NEVER;
-            TellRefusal(SHARED);
-        }
-        if (cancellation.IsCancelled() || m_manager->Wait(m_tellTime, -1, cancellation))
+        if (cancellation.IsCancelled() || m_manager->Wait(NEVER, -1, cancellation))
             continue;
         m_refusal = "the connection to the system bus was lost";
         if (m_bHeld)
@@ -137,8 +136,8 @@ void CModemHold::Keep(const CCancellation& cancellation) {
     }
 }
 
-// A manager that has just started may not know the modem yet, and does not let go of it while it
-// probes it: it is asked again once it tells of a new modem.
+// A manager that has just started does not know the modem yet, and does not let go of it while it
+// probes it: it is asked again once it tells of a new modem. What was lost until then is told of.
 void CModemHold::AskAnew(const CCancellation& cancellation) {
     const bool isOther = m_manager->TakeOwnerChange();
     const bool isNewModem = m_manager->TakeNewModem();
@@ -150,9 +149,8 @@ void CModemHold::AskAnew(const CCancellation& cancellation) {
     if (!isToAsk && !IsKnown(cancellation))
         return;
     Ask(GetBusTime() + TAKE_TIME, cancellation);
-    m_tellTime = NEVER;
-    if (!m_bHeld && !m_refusal.empty())
-        m_tellTime = GetBusTime() + (isOther ? PROBE_TIME : 0);
+    if (!m_bHeld && !m_refusal.empty() && !cancellation.IsCancelled())
+        TellRefusal(isOther ? "was started again, and may be probing the modem" : SHARED);
 }
 
 void CModemHold::TellRefusal(const char* consequence) const {

@@ -51,7 +51,6 @@ class CModemHold {
     std::string m_modem;   // the manager's name for its device, once known
     std::string m_refusal; // why the last question has no good answer; empty without a manager
     bool m_bHeld = false;
-    BusTime m_tellTime = NEVER; // when a hold that is still missing is told of
     std::optional<CManagerBus> m_manager;
 };
 
