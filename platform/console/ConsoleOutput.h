@@ -107,6 +107,7 @@ class CConsoleOutput final : public CHandleObject {
     void WriteControl(std::uint8_t byte);
     void WritePlainControl(std::uint8_t byte);
     void WriteCharacter();
+    void DrawBroken();
     void Draw(std::string_view character, int width);
     void DrawTab();
     void LineFeed();
