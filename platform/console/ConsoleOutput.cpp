@@ -201,7 +201,7 @@ void CConsoleOutput::EndHeldReturn() {
     m_gather.Put(CARRIAGE_RETURN);
 }
 
-void CConsoleOutput::SetAttribute(std::uint8_t attribute) {
+void CConsoleOutput::SetAttribute(WORD attribute) {
     EndEasy();
     if (!m_bTerminal)
         return;
@@ -268,7 +268,7 @@ int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
     return count;
 }
 
-bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD start) {
+bool CConsoleOutput::ColourFill(WORD attribute, DWORD length, COORD start) {
     EndEasy();
     if (!m_bTerminal || length == 0)
         return true;
@@ -278,7 +278,7 @@ bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD star
     if ((m_dwObstacles & FILL) == 0 || !m_fill.IsRemembered(first, count))
         return false;
     m_dwObstacles &= ~static_cast<unsigned>(FILL);
-    m_fill.Draw(attribute);
+    m_fill.Draw(CConsoleColours::Normal(attribute));
     return true;
 }
 
