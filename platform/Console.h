@@ -163,3 +163,10 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
 // The attribute of text written from now on: background * 16 + foreground, four bits each (1 blue,
 // 2 green, 4 red, 8 bright). 0x07 is the terminal's own default colours.
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes);
+
+namespace platform {
+
+// Whether the console's input or output is a terminal, and one that has not been hung up.
+bool HasTerminal();
+
+} // namespace platform

@@ -19,7 +19,7 @@ constexpr DWORD kHangupTime = 100;
 constexpr DWORD kBytesBetweenLooks = 256;
 
 ScriptWord Finish(CVScript& script, std::int32_t result) {
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return ScriptWord::Integer(result);
 }
 
@@ -36,7 +36,7 @@ bool Exchange(CVScript& script, const ScriptWord& argument, EResponse kept, DWOR
     std::string& response = script.Results()[kept];
     response.clear();
     script.Host().SendCommandGetResponse(command.c_str(), code, response);
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return true;
 }
 
@@ -47,7 +47,7 @@ bool SendFileLines(CVScript& script, const std::string& path) {
     std::string piece;
     while (!script.HasError() && file.Next(piece)) {
         script.Host().SendString(piece.c_str());
-        script.EndIfDeviceGone();
+        script.EndIfOver();
     }
     return !file.HasFailed();
 }
@@ -69,7 +69,7 @@ bool WaitForText(CVScript& script, const std::string& text, DWORD milliseconds) 
         if (byte != '\0' && watch.Take(byte))
             return deadline.Remaining() != 0;
         if (++received % kBytesBetweenLooks == 0)
-            script.EndIfDeviceGone();
+            script.EndIfOver();
     }
     return false;
 }

@@ -72,8 +72,9 @@ class CVScript {
     }
     bool HasError() const { return m_Report.HasError(); }
 
-    // Ends the run, without a report, when the device is gone; then TRUE.
-    bool EndIfDeviceGone();
+    // Ends the run, without a report, when the device is gone or the end of the program was asked
+    // for; then TRUE.
+    bool EndIfOver();
 
     // Kept for the host; empty when the engine is made.
     std::string m_strApn;
