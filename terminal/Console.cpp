@@ -98,6 +98,10 @@ BOOL CConsole::ReadKey(BYTE* character) {
     KEY_EVENT_RECORD key;
     if (!ReadKeyEvent(key))
         return FALSE;
+    if (key.wRepeatCount != 0)
+        m_bRestDropped = FALSE;
+    else if (m_bRestDropped)
+        return FALSE;
     if (key.uChar.AsciiChar != 0) {
         *character = static_cast<BYTE>(key.uChar.AsciiChar);
         return TRUE;

@@ -39,6 +39,10 @@ class CConsole {
     // Reads one input event; blocks until there is one. TRUE when it delivered a character.
     BOOL ReadKey(BYTE* character);
 
+    // Of the key whose first byte ReadKey delivered last, the other bytes are dropped when they
+    // come.
+    void DropRestOfKey() { m_bRestDropped = TRUE; }
+
     // Writes bytes to the console. FALSE when it is not taken over or the terminal is gone.
     BOOL WriteText(LPCVOID bytes, DWORD count) {
         if (!m_bActive)
@@ -81,6 +85,7 @@ class CConsole {
     BOOL m_bInputEnded = FALSE;
     BOOL m_bOutputGone = FALSE;
     bool m_bOutlivesBreak = false;
+    BOOL m_bRestDropped = FALSE;
 };
 
 // The console that is taken over, or null: the control handler has no other way to find it.

@@ -12,6 +12,7 @@
 #include "terminal/DeviceName.h"
 #include "terminal/InteractiveTerminal.h"
 #include "terminal/LineMenus.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/StringTable.h"
 #include "terminal/TermConsole.h"
@@ -73,8 +74,9 @@ bool IsRun() {
 }
 
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
-    // With a command file the output file is for its answers.
-    bool isLogged = !g_strOutputFile.empty() && g_strCommandFile.empty();
+    // With a command file that is sent the output file is for its answers.
+    bool isLogged =
+        !g_strOutputFile.empty() && (g_strCommandFile.empty() || !g_strScriptFile.empty());
     // Held open, the script cannot be replaced by its own log; without a script nothing is
     // replaced.
     CUniqueHandle script;
@@ -112,6 +114,7 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     if (isComPort && baudRate == 0)
         baudRate = kDefaultBaudRate;
 
+    HoldModuleNews();
     if (!console.Attach(&modem))
         return {};
     platform::EndOnSignals();
@@ -133,6 +136,7 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
     std::fputs(lastWords.c_str(), stderr);
+    TellModuleNews();
     // Whoever started the run is to see that it did not come to its end.
     if (IsRun() && platform::IsEndRequested())
         platform::EndBySignal();

@@ -1,6 +1,7 @@
 #include "platform/objects/WaitLoop.h"
 
 #include "platform/Error.h"
+#include "platform/objects/DueTimer.h"
 #include "platform/objects/EndWatch.h"
 #include "platform/objects/ThreadObject.h"
 
@@ -23,8 +24,12 @@ CWaitLoop::CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseco
     : m_objects(objects), m_dwCount(count), m_handles(handles), m_deadline(milliseconds) {}
 
 DWORD CWaitLoop::Run() {
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->BeginWait();
     while (TakeTurn() == Turn::AGAIN)
         continue;
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->EndWait();
     return m_dwResult;
 }
 
@@ -32,6 +37,7 @@ void CWaitLoop::Serve() {
     if (Poll(0) >= 0)
         ServeCompanion();
     LetCompanionWork();
+    RunDueThreadTimer();
 }
 
 CWaitLoop::Turn CWaitLoop::TakeTurn() {
@@ -42,7 +48,8 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
         return Turn::DONE;
 
     const std::int64_t remaining = m_deadline.Remaining();
-    const std::int64_t patience = std::min(PatienceOf(remaining), untilEnd);
+    const std::int64_t patience =
+        std::min({PatienceOf(remaining), ThreadTimerRemaining(), untilEnd});
     m_bWatchesEnd = untilEnd == CDeadline::NEVER;
     const bool looksOnly =
         patience != 0 && !m_bWorkTried && t_companion != nullptr && t_companion->HasWork();
@@ -50,6 +57,7 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
     if (shown < 0)
         return errno == EINTR ? Turn::AGAIN : Fail(ErrorFromErrno(errno));
     ServeCompanion();
+    RunDueThreadTimer();
     if (IsOver(EndRemaining()))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireAny())
