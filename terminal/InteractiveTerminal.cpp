@@ -2,6 +2,7 @@
 
 #include "modem/Deadline.h"
 #include "modem/Modem.h"
+#include "platform/EndRequest.h"
 #include "platform/Wait.h"
 #include "terminal/TermConsole.h"
 #include "terminal/UserMessage.h"
@@ -127,7 +128,7 @@ void CInteractiveTerminal::FinishTyping() {
     std::size_t unsent = CountUnsent();
     bool isTold = false;
     for (m_console.SendTyped(); m_console.GetTypedAhead() != 0; m_console.SendTyped()) {
-        if (!isTold && patience.Remaining() == 0) {
+        if (!isTold && !platform::IsEndRequested() && patience.Remaining() == 0) {
             TellUser(m_console,
                      "wirelet: sending what was typed before the end; Ctrl+C drops it\n");
             isTold = true;
