@@ -7,6 +7,7 @@
 #include "script/TextWatch.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace builtins {
 namespace {
@@ -17,6 +18,10 @@ constexpr DWORD kHangupTime = 100;
 // A device that never pauses must not keep the console's events waiting: after so many bytes they
 // get their turn.
 constexpr DWORD kBytesBetweenLooks = 256;
+
+// So long may a device take nothing of what the script has sent before a command follows all the
+// same.
+constexpr DWORD kNoProgress = 2000;
 
 ScriptWord Finish(CVScript& script, std::int32_t result) {
     script.EndIfDeviceGone();
@@ -35,6 +40,9 @@ bool Exchange(CVScript& script, const ScriptWord& argument, EResponse kept, DWOR
     code = RESULT_NO_RESPONSE;
     std::string& response = script.Results()[kept];
     response.clear();
+    // The exchange flushes: what SendString and SendFile have sent must have left by then.
+    if (std::exchange(script.m_bHasSent, false))
+        script.Host().Drain(kNoProgress);
     script.Host().SendCommandGetResponse(command.c_str(), code, response);
     script.EndIfDeviceGone();
     return true;
@@ -46,6 +54,7 @@ bool SendFileLines(CVScript& script, const std::string& path) {
         return false;
     std::string piece;
     while (!script.HasError() && file.Next(piece)) {
+        script.m_bHasSent = true;
         script.Host().SendString(piece.c_str());
         script.EndIfDeviceGone();
     }
@@ -114,6 +123,7 @@ ScriptWord SendString(CVScript& script, const BuiltinArguments& arguments) {
     std::string text;
     if (!TakeText(script, arguments[0], text))
         return {};
+    script.m_bHasSent = true;
     script.Host().SendString(text.c_str());
     return Finish(script, 0);
 }

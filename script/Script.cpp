@@ -63,6 +63,8 @@ std::string_view CVScript::ReadText(const ScriptWord& text) {
 }
 
 bool CVScript::WriteText(const ScriptWord& target, std::string_view text) {
+    if (!GiveElementRoom(target.Location()))
+        return false;
     if (m_Memory.WriteText(target.Location(), text))
         return true;
     ReportError(ERR_POINTER);

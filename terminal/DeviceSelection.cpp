@@ -4,6 +4,7 @@
 #include "terminal/Decimal.h"
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/PortNames.h"
 #include "terminal/StringTable.h"
@@ -79,6 +80,7 @@ DeviceSelection SelectDevice() {
         std::fprintf(stderr, "%s\n", ExplainMissingTelephony());
         return Fail(IDS_NO_TELEPHONY, kExitNoTelephony);
     }
+    TellModuleFaults();
     if (modems.empty() && ports.empty())
         return Fail(IDS_NO_DEVICES, kExitNoDevices);
 

@@ -51,6 +51,12 @@ BOOL CGatheredFile::AppendLine(std::string_view line) {
     return TRUE;
 }
 
+void CGatheredFile::WriteSoon() {
+    const CLock lock(m_CritSec);
+    if (!m_strGathered.empty())
+        SetEvent(m_hFullEvent);
+}
+
 // Returns the error of the file, if it has one, or of the waiting.
 DWORD CGatheredFile::WaitForRoom() {
     for (;;) {

@@ -11,6 +11,7 @@
 #include "terminal/DeviceName.h"
 #include "terminal/InteractiveTerminal.h"
 #include "terminal/LineMenus.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/StringTable.h"
 #include "terminal/TermConsole.h"
@@ -63,8 +64,9 @@ std::string RunScript(CTermModem& modem, CTermConsole& console, const std::strin
 }
 
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
-    // With a command file the output file is for its answers.
-    bool isLogged = !g_strOutputFile.empty() && g_strCommandFile.empty();
+    // With a command file that is sent the output file is for its answers.
+    bool isLogged =
+        !g_strOutputFile.empty() && (g_strCommandFile.empty() || !g_strScriptFile.empty());
     // Held open, the script cannot be replaced by its own log; without a script nothing is
     // replaced.
     CUniqueHandle script;
@@ -99,6 +101,7 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     if (isComPort && baudRate == 0)
         baudRate = kDefaultBaudRate;
 
+    HoldModuleNews();
     if (!console.Attach(&modem))
         return {};
     SetTitle(console, title);
@@ -118,4 +121,5 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
     std::fputs(lastWords.c_str(), stderr);
+    TellModuleNews();
 }

@@ -1,6 +1,7 @@
 #include "platform/objects/WaitLoop.h"
 
 #include "platform/Error.h"
+#include "platform/objects/DueTimer.h"
 #include "platform/objects/ThreadObject.h"
 
 #include <algorithm>
@@ -22,8 +23,12 @@ CWaitLoop::CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseco
     : m_objects(objects), m_dwCount(count), m_handles(handles), m_deadline(milliseconds) {}
 
 DWORD CWaitLoop::Run() {
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->BeginWait();
     while (TakeTurn() == Turn::AGAIN)
         continue;
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->EndWait();
     return m_dwResult;
 }
 
@@ -31,6 +36,7 @@ void CWaitLoop::Serve() {
     if (Poll(0) >= 0)
         ServeCompanion();
     LetCompanionWork();
+    RunDueThreadTimer();
 }
 
 CWaitLoop::Turn CWaitLoop::TakeTurn() {
@@ -40,13 +46,14 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
         return Turn::DONE;
 
     const std::int64_t remaining = m_deadline.Remaining();
-    const std::int64_t patience = PatienceOf(remaining);
+    const std::int64_t patience = std::min(PatienceOf(remaining), ThreadTimerRemaining());
     const bool looksOnly =
         patience != 0 && !m_bWorkTried && t_companion != nullptr && t_companion->HasWork();
     const int shown = Poll(looksOnly ? 0 : patience);
     if (shown < 0)
         return errno == EINTR ? Turn::AGAIN : Fail(ErrorFromErrno(errno));
     ServeCompanion();
+    RunDueThreadTimer();
     if (CThreadObject::IsCurrentTerminated())
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireAny())

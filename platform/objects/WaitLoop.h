@@ -1,5 +1,6 @@
 // The one loop in which this layer blocks: a wait for up to MAXIMUM_WAIT_OBJECTS objects with a
-// deadline, during which the thread's companion is served and the thread's termination is noticed.
+// deadline, during which the thread's companion is served, its timer is run and its termination is
+// noticed.
 //
 // Lives on the waiting thread's stack for one wait; the caller keeps the objects alive. It neither
 // allocates nor holds a lock while it blocks. Nothing outside platform/ includes this header.

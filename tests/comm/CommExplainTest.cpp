@@ -1,4 +1,5 @@
 #include "tests/comm/TestPort.h"
+#include "tests/support/PseudoTerminal.h"
 
 #include <sys/stat.h>
 
@@ -30,6 +31,10 @@ TEST(CommExplain, TellsWhyAPortCannotBeOpened) {
         const std::string why = platform::ExplainPortOpenFailure(row.name.c_str(), row.error);
         EXPECT_TRUE(why.starts_with(row.beginning)) << why;
     }
+    // Who provides the device, as this process here, is not who uses it.
+    const CPseudoTerminal line;
+    EXPECT_EQ(platform::ExplainPortOpenFailure(line.GetPath().c_str(), ERROR_ACCESS_DENIED),
+              line.GetPath() + ": in use by another process. End it, or choose another device.");
 }
 
 TEST(CommExplain, MissingPermission) {

@@ -2,6 +2,7 @@
 #include "tests/endtoend/SessionTest.h"
 #include "tests/support/DeviceNamespace.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
 
@@ -10,7 +11,8 @@ namespace fs = std::filesystem;
 class CDeviceListTest : public CSessionTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(CDeviceNamespace::Enter()) << "needs root or user namespaces";
+        if (const std::string& problem = CDeviceNamespace::Enter(); !problem.empty())
+            GTEST_SKIP() << problem;
         CDeviceNamespace::SetInterfaces({});
         SetVariable("XDG_CONFIG_HOME", m_folder.GetPath(""));
         // As in this process: the machine's description is none of the kernel's.
@@ -180,4 +182,26 @@ TEST_F(CDeviceListTest, TheLibraryIsFoundOrMissed) {
     fs::copy_file(library, m_folder.GetPath("lib/wirelet/libtapi32.so"));
     EXPECT_EQ(Run(program, {}, "x\n").exit, 2);
     EXPECT_EQ(Run(WIRELET, {}, "x\n").exit, 2);
+    // Started so, the system names another program: the one that loads programs.
+    EXPECT_EQ(Run("/lib64/ld-linux-x86-64.so.2", {WIRELET}, "x\n").exit, 2);
+}
+
+TEST_F(CDeviceListTest, WhatIsWrongInTheNamesFileIsToldWhereNamesAreMissed) {
+    const std::string path = m_folder.GetPath("/wirelet/modems.conf") + ":";
+    const std::string lines = "wirelet: " + path + "2: there is no '=' between name and device\n" +
+                              "wirelet: " + path + "3: the device is no path from the root\n";
+    NameModems("Good = " + m_device.GetPath() + "\nBad /dev/x\nHome = ~/x\n");
+    EXPECT_EQ(Run(WIRELET, {}, "x\n").error, lines);
+    EXPECT_TRUE(Run(WIRELET, {"Bad"}, "\n").error.starts_with(lines + "\"Bad\": no modem has"));
+    EXPECT_EQ(Run(WIRELET, {"Good"}, "").error, "");
+
+    NameModems("\xFF\xFE" + std::string(2000, '\n'));
+    EXPECT_EQ(Run(WIRELET, {}, "x\n").error,
+              "wirelet: " + path + "1: the file is UTF-16; save it as UTF-8\n");
+    std::string many;
+    for (int line = 0; line < 2000; ++line)
+        many += "x\n";
+    NameModems(many);
+    const std::string error = Run(WIRELET, {}, "x\n").error;
+    EXPECT_EQ(std::ranges::count(error, '\n'), 9) << error;
 }
