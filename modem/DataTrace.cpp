@@ -88,6 +88,7 @@ void DumpLine(const BYTE* bytes, std::size_t count, BOOL sent) {
 
 void SetTraceSink(ITraceSink* sink) {
     g_sink = sink;
+    g_pending.count = 0;
 }
 
 void TraceData(LPCVOID bytes, DWORD count, BOOL sent) {

@@ -27,7 +27,8 @@ class ITraceSink {
     ~ITraceSink() = default;
 };
 
-// Makes the sink the process's own; null takes it away. Without one all lines are discarded.
+// Makes the sink the process's own; null takes it away. Without one all lines are discarded. What
+// was received before is not shown to the new one.
 void SetTraceSink(ITraceSink* sink);
 
 // Takes note of bytes that were sent (TRUE) or received.

@@ -85,7 +85,7 @@ std::string ExplainMissing(const std::string& path) {
     const std::vector<std::string> names = FindAdapters(KindOf(path));
     for (std::size_t index = 0; index < std::min(names.size(), MOST_NAMES); ++index) {
         text += index == 0 ? "; there are " : ", ";
-        text.append(DEVICE_FOLDER).append(names[index]);
+        text.append(DEVICE_FOLDER).append(PrintableText(names[index]));
     }
     if (names.size() > MOST_NAMES)
         text += " and others";

@@ -203,7 +203,7 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
                                 COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    if (!g_output.Get().ColourFill(static_cast<BYTE>(wAttribute), nLength, dwWriteCoord))
+    if (!g_output.Get().ColourFill(wAttribute, nLength, dwWriteCoord))
         return FailWith(ERROR_NOT_SUPPORTED);
     return Report(lpNumberOfAttrsWritten, static_cast<int>(nLength));
 }
@@ -211,6 +211,6 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    g_output.Get().SetAttribute(static_cast<BYTE>(wAttributes));
+    g_output.Get().SetAttribute(wAttributes);
     return TRUE;
 }

@@ -47,16 +47,21 @@ void CConsoleGather::PutNumber(int number) {
 }
 
 void CConsoleGather::PutSequence(int first, char final) {
-    Put("\x1b[");
-    PutNumber(first);
-    Put(static_cast<std::uint8_t>(final));
+    PutSequence(&first, 1, final);
 }
 
 void CConsoleGather::PutSequence(int first, int second, char final) {
+    const int numbers[] = {first, second};
+    PutSequence(numbers, 2, final);
+}
+
+void CConsoleGather::PutSequence(const int* numbers, int count, char final) {
     Put("\x1b[");
-    PutNumber(first);
-    Put(';');
-    PutNumber(second);
+    for (int index = 0; index < count; ++index) {
+        if (index != 0)
+            Put(';');
+        PutNumber(numbers[index]);
+    }
     Put(static_cast<std::uint8_t>(final));
 }
 

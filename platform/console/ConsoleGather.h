@@ -49,6 +49,7 @@ class CConsoleGather {
     // CSI, the numbers and the final character.
     void PutSequence(int first, char final);
     void PutSequence(int first, int second, char final);
+    void PutSequence(const int* numbers, int count, char final);
 
     // Writes what can be written now without blocking.
     void TryWrite();

@@ -31,19 +31,19 @@ void CConsoleTitle::Set(std::string_view title) {
         m_gather.Put("\x1b[22;0t");
     m_bChanged = true;
     m_gather.Put("\x1b]2;");
-    CUtf8Decoder decoder;
-    std::size_t length = 0;
-    for (std::size_t index = 0; index < title.size(); ++index) {
-        auto result = decoder.Feed(static_cast<std::uint8_t>(title[index]));
-        if (result == CUtf8Decoder::Result::BROKEN)
-            result = decoder.Feed(static_cast<std::uint8_t>(title[index]));
-        if (result != CUtf8Decoder::Result::CHARACTER || !IsShown(decoder.Code()))
-            continue;
-        if (length + decoder.Bytes().size() > MOST_BYTES)
-            break;
-        length += decoder.Bytes().size();
-        m_gather.Put(decoder.Bytes());
-    }
+    std::size_t room = MOST_BYTES;
+    const auto put = [&](const CUtf8Decoder& character) {
+        const std::string_view bytes = character.Bytes();
+        if (!IsShown(character.Code()))
+            return;
+        if (bytes.size() > room) {
+            room = 0; // nothing shorter takes its place
+            return;
+        }
+        room -= bytes.size();
+        m_gather.Put(bytes);
+    };
+    ReadUtf8(title, put, [](std::uint8_t) {});
     m_gather.Put('\a');
 }
 

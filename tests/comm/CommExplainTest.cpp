@@ -16,7 +16,9 @@ TEST(CommExplain, TellsWhyAPortCannotBeOpened) {
         {"My Modem", true, ERROR_FILE_NOT_FOUND,
          "\"My Modem\": no port and no known modem; a serial device is named by its full path, "
          "such as /dev/ttyUSB0"},
-        {"a\x1b[2J\xc2\x9b\xc3\xa9", true, ERROR_FILE_NOT_FOUND, "\"a?[2J??\xc3\xa9\": "},
+        // A control function in 7 and in 8 bits, a change of direction, half a character.
+        {"a\x1b[2J\xc2\x9b\xc3\xa9\x9bJ\u202Eb\xe2\x82", true, ERROR_FILE_NOT_FOUND,
+         "\"a?[2J??\xc3\xa9?J???b??\": "},
         {"COM40", false, ERROR_FILE_NOT_FOUND, "COM40 (/dev/ttyS39): "},
         {"/dev/ttyUSB0", false, ERROR_DEVICE_NOT_CONNECTED,
          "/dev/ttyUSB0: was unplugged or has no hardware behind it"},
