@@ -1,10 +1,9 @@
 #include "terminal/ModuleNotices.h"
 
 #include "platform/ModuleNotice.h"
-#include "platform/PrintableText.h"
+#include "terminal/StandardError.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -29,10 +28,6 @@ Notices& State() {
     return notices;
 }
 
-void Tell(const std::string& line) {
-    std::fprintf(stderr, "wirelet: %s\n", platform::PrintableText(line).c_str());
-}
-
 void Keep(Lines& lines, const char* text) {
     if (lines.size() < kMostKept && std::find(lines.begin(), lines.end(), text) == lines.end())
         lines.emplace_back(text);
@@ -46,7 +41,7 @@ void TakeNotice(platform::ENotice kind, LPCSTR text) {
     else if (notices.isHeld)
         Keep(notices.news, text);
     else
-        Tell(text);
+        TellOnStandardError(text);
 }
 
 } // namespace
@@ -59,7 +54,7 @@ void TellModuleFaults() {
     Notices& notices = State();
     const std::lock_guard lock(notices.mutex);
     for (const std::string& line : std::exchange(notices.faults, {}))
-        Tell(line);
+        TellOnStandardError(line);
 }
 
 void HoldModuleNews() {
@@ -73,5 +68,5 @@ void TellModuleNews() {
     const std::lock_guard lock(notices.mutex);
     notices.isHeld = false;
     for (const std::string& line : std::exchange(notices.news, {}))
-        Tell(line);
+        TellOnStandardError(line);
 }
