@@ -1,12 +1,13 @@
 #include "terminal/ModuleNotices.h"
 
+#include "common/UniqueHandle.h"
 #include "platform/ModuleNotice.h"
 #include "platform/PrintableText.h"
+#include "platform/Wait.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <mutex>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,7 @@ struct Notices {
     Lines faults;
     Lines news;
     bool isHeld = false;
+    CUniqueHandle newsEvent{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
 };
 
 // Outlives every thread that still tells something.
@@ -29,8 +31,12 @@ Notices& State() {
     return notices;
 }
 
-void Tell(const std::string& line) {
-    std::fprintf(stderr, "wirelet: %s\n", platform::PrintableText(line).c_str());
+std::string MakeLine(const std::string& text) {
+    return "wirelet: " + platform::PrintableText(text) + '\n';
+}
+
+void Tell(const std::string& text) {
+    std::fputs(MakeLine(text).c_str(), stderr);
 }
 
 void Keep(Lines& lines, const char* text) {
@@ -42,11 +48,11 @@ void TakeNotice(platform::ENotice kind, LPCSTR text) {
     Notices& notices = State();
     const std::lock_guard lock(notices.mutex);
     if (kind == platform::ENotice::Fault)
-        Keep(notices.faults, text);
-    else if (notices.isHeld)
-        Keep(notices.news, text);
-    else
-        Tell(text);
+        return Keep(notices.faults, text);
+    if (!notices.isHeld)
+        return Tell(text);
+    Keep(notices.news, text);
+    SetEvent(notices.newsEvent);
 }
 
 } // namespace
@@ -74,4 +80,18 @@ void TellModuleNews() {
     notices.isHeld = false;
     for (const std::string& line : std::exchange(notices.news, {}))
         Tell(line);
+}
+
+HANDLE GetModuleNewsEvent() {
+    return State().newsEvent;
+}
+
+std::string TakeModuleNews() {
+    Notices& notices = State();
+    const std::lock_guard lock(notices.mutex);
+    ResetEvent(notices.newsEvent);
+    std::string lines;
+    for (const std::string& line : std::exchange(notices.news, {}))
+        lines += MakeLine(line);
+    return lines;
 }
