@@ -32,6 +32,7 @@ int s_loads = 0;
 std::span<const BYTE> s_rest;
 std::array<SOpen, 2> s_open;
 DWORD s_request = 0; // the newest one
+bool s_hasMessage = false;
 
 constexpr std::array RESULTS = {
     LINEERR_STRUCTURETOOSMALL, PHONEERR_STRUCTURETOOSMALL, LINEERR_REINIT,
@@ -143,6 +144,7 @@ void BeginService(std::span<const BYTE> bytes) {
     s_rest = bytes;
     s_open = {};
     s_request = 0;
+    s_hasMessage = false;
 }
 
 void EndService() {
@@ -190,7 +192,6 @@ BOOL FreeLibrary(HMODULE hLibModule) {
 
 // Every other time there is one.
 BOOL PeekMessageA(MSG* lpMsg, HWND, UINT, UINT, UINT) {
-    static bool s_hasMessage = false;
     s_hasMessage = !s_hasMessage;
     if (s_hasMessage)
         *lpMsg = {};
