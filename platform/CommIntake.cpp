@@ -13,7 +13,7 @@ class CIntake final : public CHandleObject {
   public:
     explicit CIntake(CCommPort& port) : m_port(port) {}
 
-    int WaitDescriptor() const override { return m_bEnded ? -1 : m_port.WaitDescriptor(); }
+    int WaitDescriptor() const override { return m_bEnded ? -1 : m_port.Driver().Descriptor(); }
     bool TryAcquire(short events) override {
         if (events != 0 && !m_bEnded)
             m_bEnded = !m_port.TakeIn(m_bDiscarded);

@@ -26,7 +26,7 @@ const std::array<BuiltinEntry, BUILTIN_COUNT + 1> g_Builtins = {{
     {"SetPassword", builtins::SetPassword, "t"},
     {"SetRetry", builtins::SetRetry, "i"},
     {"SetTimeout", builtins::SetTimeout, "i"},
-    {"Sprintf", builtins::Sprintf, "tt*"},
+    {"Sprintf", builtins::Sprintf, "tt"},
     {"String", builtins::String, "i"},
     {"StringCat", builtins::StringCat, "tt"},
     {"StringCompare", builtins::StringCompare, "tt"},

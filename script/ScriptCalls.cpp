@@ -60,9 +60,8 @@ void CVScript::CallBuiltin(DWORD row, std::size_t firstArgument, DWORD position)
 bool CVScript::CheckArguments(const BuiltinEntry& entry, const BuiltinArguments& arguments,
                               DWORD position) {
     const std::string_view kinds = entry.arguments;
-    const bool takesMore = kinds.ends_with('*');
-    const std::size_t named = kinds.size() - (takesMore ? 1 : 0);
-    if (arguments.count < named || (arguments.count > named && !takesMore)) {
+    const std::size_t named = kinds.size();
+    if (arguments.count < named) {
         ReportAt(ERR_ARG_COUNT, position);
         return false;
     }
@@ -82,6 +81,7 @@ void CVScript::CallScript(DWORD definition, std::size_t firstArgument, DWORD pos
     m_Reader.Expect('(');
     if (HasError() || !BindParameters(floor, firstArgument, position))
         return;
+    m_Arguments.resize(firstArgument);
     ExecuteBlock(floor);
     m_Symbols.DropTo(floor);
     m_bReturn = false;
@@ -119,8 +119,11 @@ bool CVScript::BindParameter(DWORD floor, ScriptWord argument) {
     if (HasError())
         return false;
     const BYTE size = isText ? SIZE_CHARACTER : SIZE_WORD;
-    if (m_Symbols.DefineSymbol(floor, m_Reader.Name(), argument, size, depth) == 0)
+    const DWORD symbol = m_Symbols.DefineSymbol(floor, m_Reader.Name(), argument, size, depth);
+    if (symbol == 0)
         return false;
+    if (argument.text)
+        m_Borrowers.push_back(symbol);
     m_Reader.SkipText();
     return true;
 }

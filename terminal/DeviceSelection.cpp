@@ -4,8 +4,10 @@
 #include "terminal/Decimal.h"
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/PortNames.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <cstdio>
@@ -76,9 +78,10 @@ DeviceSelection SelectDevice() {
     EnumerateComPorts(ports);
     ModemNames modems;
     if (!EnumerateModems(modems)) {
-        std::fprintf(stderr, "%s\n", ExplainMissingTelephony());
+        TellOnStandardError(ExplainMissingTelephony());
         return Fail(IDS_NO_TELEPHONY, kExitNoTelephony);
     }
+    TellModuleFaults();
     if (modems.empty() && ports.empty())
         return Fail(IDS_NO_DEVICES, kExitNoDevices);
 

@@ -7,6 +7,7 @@
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
 #include "terminal/DeviceSelection.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/Session.h"
 
 #include <cstdio>
@@ -22,6 +23,7 @@ constexpr int kExitUsage = 1;
 
 int main(int argc, char** argv) {
     platform::OpenClosedStreams();
+    ListenToModules();
     DebugSetModuleName("Mobile Wirelet");
     std::printf("Corvane v%s\n", kVersion);
 

@@ -49,7 +49,10 @@ BOOL CCommDriver::Open(LPCSTR path) {
     if (ioctl(m_descriptor.Get(), TCGETS2, &m_found) != 0)
         return FailWith(IsLoss(errno) ? ERROR_DEVICE_NOT_CONNECTED : ERROR_NOT_SUPPORTED);
 
-    ioctl(m_descriptor.Get(), TIOCEXCL);
+    // A pseudo-terminal lives on with its other end, and the exclusive use of an opener that was
+    // killed with it; only root would get past that.
+    if (!m_bPseudoTerminal)
+        ioctl(m_descriptor.Get(), TIOCEXCL);
     m_bHeld = true;
     termios2 raw = m_found;
     MakeRaw(raw);
@@ -103,7 +106,8 @@ BOOL CCommDriver::Release() {
     DWORD left = 0;
     m_bStuck = !m_bPseudoTerminal && CountOutput(left) && left > 0;
     const BOOL restored = Call(TCSETS2, &m_found) || IsGone();
-    ioctl(m_descriptor.Get(), TIOCNXCL);
+    if (!m_bPseudoTerminal)
+        ioctl(m_descriptor.Get(), TIOCNXCL);
     flock(m_descriptor.Get(), LOCK_UN);
     return restored;
 }

@@ -44,7 +44,8 @@ BOOL CCommPort::Open(LPCSTR path) {
     m_dwOutputQueueSize = QUEUE_SIZE_AT_OPENING;
     if (!m_queue.Resize(QUEUE_SIZE_AT_OPENING))
         return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    return m_read.Create() && m_write.Create() && m_events.Create() && m_driver.Open(path);
+    return m_read.Create() && m_write.Create() && m_events.Create() && m_driver.Open(path) &&
+           m_waiters.Create(m_driver.Descriptor());
 }
 
 bool CCommPort::IsReady() const {
@@ -56,6 +57,16 @@ bool CCommPort::IsReady() const {
 
 bool CCommPort::TryAcquire(short events) {
     return (events & (POLLIN | POLLHUP | POLLERR)) != 0 || IsReady();
+}
+
+void CCommPort::BeginWait() {
+    const std::lock_guard lock(m_receiveMutex);
+    m_waiters.Enter();
+}
+
+void CCommPort::EndWait() {
+    const std::lock_guard lock(m_receiveMutex);
+    m_waiters.Leave();
 }
 
 BOOL CCommPort::Close() {
@@ -101,9 +112,18 @@ int CCommPort::FillQueue() {
     if (received > 0) {
         m_queue.Added(static_cast<DWORD>(received));
         m_events.NoteReceived();
+        m_waiters.Wake();
     }
     m_bFilledUp = received > 0 && m_queue.Free() == 0;
     m_bAskDriver = m_bFilledUp;
+    return received;
+}
+
+// By others than the reader, whose pending read looks for its bytes at the driver.
+int CCommPort::FillForTheReader() {
+    const int received = FillQueue();
+    if (received > 0 && m_read.IsPending())
+        StepRead();
     return received;
 }
 
@@ -111,7 +131,7 @@ bool CCommPort::TakeIn(bool& discarded) {
     const std::lock_guard lock(m_receiveMutex);
     if (m_bReceiveClosed)
         return false;
-    const int received = m_queue.Free() > 0 ? FillQueue() : DiscardReceived(discarded);
+    const int received = m_queue.Free() > 0 ? FillForTheReader() : DiscardReceived(discarded);
     m_bAskDriver = true;
     return received >= 0;
 }
@@ -313,7 +333,7 @@ BOOL CCommPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
 // asked.
 BOOL CCommPort::CountReceived(DWORD& count) {
     const std::lock_guard lock(m_receiveMutex);
-    if (m_queue.IsEmpty() && FillQueue() < 0)
+    if (m_queue.IsEmpty() && FillForTheReader() < 0)
         return FALSE;
     count = m_queue.Count();
     DWORD waiting = 0;

@@ -13,6 +13,7 @@
 #include "platform/comm/CommLines.h"
 #include "platform/comm/CommQueue.h"
 #include "platform/comm/CommTransfer.h"
+#include "platform/comm/CommWaiters.h"
 #include "platform/objects/TransferObject.h"
 
 #include <atomic>
@@ -27,8 +28,10 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     // FALSE with the errors of CreateFileA.
     BOOL Open(LPCSTR path);
 
-    int WaitDescriptor() const override { return m_driver.Descriptor(); }
+    int WaitDescriptor() const override { return m_waiters.Descriptor(); }
     bool IsReady() const override;
+    void BeginWait() override;
+    void EndWait() override;
     bool TryAcquire(short events) override;
     BOOL Close() override;
 
@@ -77,6 +80,7 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
 
     int TakeReceived(void* buffer, DWORD count);
     int FillQueue();
+    int FillForTheReader();
     int DiscardReceived(bool& discarded);
     int ReceiveFromDriver(void* buffer, DWORD count);
     BOOL CountUnsent(DWORD& count);
@@ -94,6 +98,7 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
 
     mutable std::mutex m_receiveMutex; // guards what follows
     CCommQueue m_queue;
+    CCommWaiters m_waiters;
     CCommTransfer m_read;
     BYTE* m_target = nullptr; // the pending read's buffer
     COMMTIMEOUTS m_readTimeouts{};

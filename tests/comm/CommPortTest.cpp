@@ -1,6 +1,8 @@
 #include "tests/comm/TestPort.h"
 #include "tests/support/PseudoTerminal.h"
 
+#include <sys/ioctl.h>
+
 TEST(CommOpen, SettingsFoundComeBack) {
     CPseudoTerminal line;
     termios found = line.GetSettings();
@@ -14,6 +16,10 @@ TEST(CommOpen, SettingsFoundComeBack) {
     const termios raw = line.GetSettings();
     EXPECT_EQ(raw.c_lflag & (ICANON | ECHO | ISIG), 0u);
     EXPECT_EQ(raw.c_iflag, tcflag_t{BRKINT});
+    // It would outlive a program that is killed, for as long as the other end is open.
+    int isExclusive = -1;
+    EXPECT_EQ(ioctl(line.GetSlave(), TIOCGEXCL, &isExclusive), 0);
+    EXPECT_EQ(isExclusive, 0);
     DCB dcb{};
     ASSERT_TRUE(GetCommState(port, &dcb));
     EXPECT_EQ(dcb.BaudRate, 1200u);
