@@ -110,7 +110,7 @@ TEST_F(CTraceLogTest, HoldsAScriptsSession) {
     const std::string script =
         m_folder.Write("script", "FUNCTION main()\r\n  STRING a$\r\n"
                                  "  a$ = SendCommandGetString(\"ATI\\r\")\r\n"
-                                 "  WaitForString(\"last words\", 30)\r\nENDFUNCTION\r\n");
+                                 "  WaitForString(\"last words\", 30000)\r\nENDFUNCTION\r\n");
     // The script is not the command file's, so neither is the log.
     StartLogged(m_log, {"-S:" + script, "-A:" + script});
     ASSERT_TRUE(DeviceGets("ATI\r"));
