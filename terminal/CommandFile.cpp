@@ -57,15 +57,11 @@ void CCommandFileRun::Run(const std::string& fileName) {
 
 bool CCommandFileRun::OpenFiles(const std::string& fileName) {
     if (!m_commands.Open(fileName.c_str())) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot open %s\n", fileName.c_str());
-        TellReason(m_console, error, fileName);
+        TellFileFailure(m_console, "Cannot open", fileName, GetLastError());
         return false;
     }
     if (!g_strOutputFile.empty() && !m_capture.Open(g_strOutputFile)) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot create %s\n", g_strOutputFile.c_str());
-        TellReason(m_console, error, g_strOutputFile);
+        TellFileFailure(m_console, "Cannot create", g_strOutputFile, GetLastError());
         return false;
     }
     return true;

@@ -4,6 +4,7 @@
 #include "modem/Modem.h"
 #include "platform/EndRequest.h"
 #include "platform/Wait.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/TermConsole.h"
 #include "terminal/UserMessage.h"
 
@@ -53,6 +54,8 @@ void CInteractiveTerminal::Run() {
 CInteractiveTerminal::Waits CInteractiveTerminal::ChooseWaits() const {
     Waits waits;
     waits.Add(m_console.GetReleaseEvent());
+    if (const HANDLE news = GetModuleNewsEvent())
+        waits.news = waits.Add(news);
     if (!m_console.IsInputEnded() && m_console.GetTypedAhead() < kMostTypedAhead)
         waits.keys = waits.Add(m_console.GetInputHandle());
     if (m_console.GetTypedAhead() != 0)
@@ -76,6 +79,8 @@ void CInteractiveTerminal::Turn() {
         return;
     }
 
+    if (signalled == waits.news)
+        TellUser(m_console, "\n%s", TakeModuleNews().c_str());
     if (signalled == waits.keys)
         TakeKeys();
     m_console.SendTyped();

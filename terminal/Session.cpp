@@ -4,7 +4,6 @@
 #include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/File.h"
-#include "platform/PrintableText.h"
 #include "platform/Wait.h"
 #include "script/Script.h"
 #include "terminal/CommandFile.h"
@@ -14,6 +13,7 @@
 #include "terminal/LineMenus.h"
 #include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 #include "terminal/TermConsole.h"
 #include "terminal/TermModem.h"
@@ -49,13 +49,13 @@ bool IsUnplugged(CTermModem& modem) {
 
 // What the script's own message does not tell about its file.
 std::string ExplainScriptFile(const CVScript& script) {
-    const std::string file = platform::PrintableText(g_strScriptFile);
+    const std::string& file = g_strScriptFile;
     if (platform::IsFolder(g_strScriptFile.c_str()))
-        return "wirelet: " + file + " is a directory, not a script\n";
+        return file + " is a directory, not a script";
     if (!script.HasUnixLineEnds())
         return {};
-    return "wirelet: " + file + " has Unix line ends, a script needs CR LF: convert it with " +
-           "\"unix2dos " + file + "\", or save it so in the editor\n";
+    return file + " has Unix line ends, a script needs CR LF: convert it with \"unix2dos " + file +
+           "\" (of the package dos2unix), or save it so in the editor";
 }
 
 // Returns what is left to be said once the console has been given back.
@@ -107,8 +107,9 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 
     const bool isComPort = IsComPort(deviceName);
     const std::string title = isComPort ? GetPortDisplayName(deviceName) : deviceName;
-    if (!(isComPort ? modem.Open(deviceName) : modem.OpenDevice(deviceName))) {
-        ReportOpenFailure(modem, deviceName, title, GetLastError());
+    const std::string path = isComPort ? GetPortPath(deviceName) : deviceName;
+    if (!(isComPort ? modem.Open(path) : modem.OpenDevice(deviceName))) {
+        ReportOpenFailure(modem, path, title, GetLastError());
         return {};
     }
     if (isComPort && baudRate == 0)
@@ -135,7 +136,8 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
-    std::fputs(lastWords.c_str(), stderr);
+    if (!lastWords.empty())
+        TellOnStandardError(lastWords);
     TellModuleNews();
     // Whoever started the run is to see that it did not come to its end.
     if (IsRun() && platform::IsEndRequested())

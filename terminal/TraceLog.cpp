@@ -31,9 +31,7 @@ CTraceLog::~CTraceLog() {
 
 BOOL CTraceLog::Open(const std::string& fileName) {
     if (!m_file.Open(fileName)) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot create %s\n", fileName.c_str());
-        TellReason(m_console, error, fileName);
+        TellFileFailure(m_console, "Cannot create", fileName, GetLastError());
         return FALSE;
     }
     m_strFileName = fileName;

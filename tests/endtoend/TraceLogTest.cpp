@@ -108,7 +108,8 @@ TEST_F(CTraceLogTest, HoldsTheWholeSession) {
 
 TEST_F(CTraceLogTest, HoldsAScriptsSession) {
     const std::string script =
-        m_folder.Write("script", "FUNCTION main()\r\n  STRING a$\r\n"
+        m_folder.Write("script", "\xEF\xBB\xBF"
+                                 "FUNCTION main()\r\n  STRING a$\r\n"
                                  "  a$ = SendCommandGetString(\"ATI\\r\")\r\n"
                                  "  WaitForString(\"last words\", 30000)\r\nENDFUNCTION\r\n");
     // The script is not the command file's, so neither is the log.
