@@ -124,8 +124,8 @@ BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode);
 // are keys, Ctrl+\ is the break signal; what was typed before and nobody has read comes first, its
 // Enter as CR too. From now on whatever ends the process, a crash included, leaves the terminal
 // sane. The saved mode gives the console back: gathered output goes out (as long as the terminal
-// takes it, at most 2 s without progress), attributes and title return, the cursor stands below the
-// text.
+// takes it, at most 2 s without progress, 1 s once the end of the program was asked for),
+// attributes and title return, the cursor stands below the text.
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 
 // Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails

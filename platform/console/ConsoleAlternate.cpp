@@ -85,7 +85,7 @@ void CConsoleAlternate::Leave() {
         return;
     m_bEntered = false;
     if (!m_gather.HasRoom() &&
-        !m_gather.Drain(CConsoleOutput::MOST_MILLISECONDS_WITHOUT_PROGRESS)) {
+        !m_gather.Drain(CConsoleOutput::MostMillisecondsWithoutProgress())) {
         m_gather.Abandon();
         if (m_gather.IsGone())
             return;

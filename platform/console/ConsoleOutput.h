@@ -87,7 +87,9 @@ class CConsoleOutput final : public CHandleObject {
     bool IsReady() const override;
     bool TryAcquire(short events) override;
 
-    static constexpr int MOST_MILLISECONDS_WITHOUT_PROGRESS = 2000;
+    // How long a terminal may take nothing before what is gathered for it is given up: two seconds,
+    // one when the program is to end.
+    static int MostMillisecondsWithoutProgress();
 
   private:
     enum Obstacle : unsigned {

@@ -1,6 +1,8 @@
 // The screen's beginning, end and waits.
 #include "platform/console/ConsoleOutput.h"
 
+#include "platform/EndRequest.h"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -70,12 +72,16 @@ void CConsoleOutput::Begin() {
     m_cursor.Begin(columns, rows);
 }
 
+int CConsoleOutput::MostMillisecondsWithoutProgress() {
+    return IsEndRequested() ? 1000 : 2000;
+}
+
 void CConsoleOutput::End() {
     if ((m_dwObstacles & DIRECT) != 0)
         return;
     if (LeaveTerminal())
         m_title.Restore();
-    if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress()))
         m_colours.Forget();
     m_gather.Abandon();
     m_decoder.Drop();
@@ -85,7 +91,7 @@ void CConsoleOutput::End() {
 
 void CConsoleOutput::Suspend() {
     if (LeaveTerminal())
-        m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS);
+        m_gather.Drain(MostMillisecondsWithoutProgress());
 }
 
 void CConsoleOutput::Resume() {
@@ -103,7 +109,7 @@ void CConsoleOutput::Resume() {
 bool CConsoleOutput::LeaveTerminal() {
     EndEasy();
     m_alternate.Leave();
-    if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress()))
         return false;
     EndSequence();
     EndFill();
