@@ -10,6 +10,7 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
         return {};
     const Scope scope = BeginScope();
     const std::size_t firstArgument = m_Arguments.size();
+    const std::size_t firstBorrower = m_Borrowers.size();
     m_Reader.Expect('(');
     const DWORD position = m_Reader.Position();
     if (HasError() || !EvalArguments(floor))
@@ -22,6 +23,8 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
     if (HasError())
         return {};
     m_Arguments.resize(firstArgument);
+    if (m_Borrowers.size() > firstBorrower)
+        DropBorrowers(firstBorrower, scope.symbols);
     EndScope(scope, true);
     m_Reader.Seek(after);
     return m_nResult;
