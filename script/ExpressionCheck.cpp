@@ -135,7 +135,7 @@ bool CExpressionCheck::ReadUnary(CheckValue& value) {
         return isRead;
     }
     if (!ReadOperand(value, token)) {
-        if (code == '{' || code == '}')
+        if (code != '(') // it may be another line's
             m_cursor.Seek(before);
         return false;
     }

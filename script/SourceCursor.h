@@ -36,8 +36,10 @@ class CSourceCursor {
         m_position += isNext ? 1 : 0;
         return isNext;
     }
-    // Consumes the rest of the line, but no bracket of a block.
+    // Consumes the rest of the line that the last token was in, but no bracket of a block.
     void SkipLine() {
+        if (m_position > 0 && m_tokens[m_position - 1].code == TOKEN_EOL)
+            return;
         for (BYTE code = Code();
              code != TOKEN_EOL && code != '{' && code != '}' && code != TOKEN_EOF; code = Code())
             ++m_position;
