@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -15,7 +16,7 @@ std::string TakeModuleLog() {
     return text;
 }
 
-TEST(DebugModule, IsLoadedByTheFirstUseAndGivenBackForGood) {
+void UseAndGiveBack() {
     DebugSetModuleName(std::string(64, 'n').c_str());
     EXPECT_TRUE(DebugTrace("one %s", "a"));
     EXPECT_TRUE(DebugError("two %#08lx", 0x80000048UL));
@@ -28,6 +29,16 @@ TEST(DebugModule, IsLoadedByTheFirstUseAndGivenBackForGood) {
     g_AppDebug.Unload();
     EXPECT_FALSE(DebugTrace("text"));
     EXPECT_EQ(TakeModuleLog(), "release\nunload\n");
+}
+
+// In a process of its own, which has no module afterwards.
+TEST(DebugModule, IsLoadedByTheFirstUseAndGivenBackForGood) {
+    EXPECT_EXIT(
+        {
+            UseAndGiveBack();
+            _exit(testing::Test::HasFailure());
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 } // namespace

@@ -101,6 +101,7 @@ LRESULT CountMessage(HWND, UINT, WPARAM, LPARAM) {
 
 TEST_F(CDeviceBuiltins, WaitDispatchesMessagesUntilTheDeviceVanishes) {
     s_serial = &m_serial;
+    s_dispatched = 0;
     const WNDCLASSA windowClass = {CountMessage, "counting"};
     RegisterClassA(&windowClass);
     const HWND window =
