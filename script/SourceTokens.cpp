@@ -10,10 +10,15 @@ namespace {
 
 constexpr BYTE kEnd = 0xFF; // of the file; a byte of this value is it as well
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 } // namespace
 
 CSourceTokens::CSourceTokens(std::string_view source, CCheckFindings& findings)
-    : m_source(source.substr(0, source.find(static_cast<char>(kEnd)))), m_findings(findings) {}
+    : m_source(source.substr(0, source.find(static_cast<char>(kEnd)))), m_findings(findings) {
+    if (m_source.starts_with(kByteOrderMark))
+        m_position = kByteOrderMark.size();
+}
 
 bool CSourceTokens::Read() {
     while (ReadOne()) {

@@ -5,6 +5,7 @@
 #include "platform/File.h"
 #include "platform/PrintableText.h"
 #include "script/ScriptCheck.h"
+#include "terminal/StandardError.h"
 #include "terminal/UserMessage.h"
 
 #include <array>
@@ -41,7 +42,7 @@ int CheckScriptFile(const std::string& path) {
     const std::string name = platform::PrintableText(path);
     std::string text;
     if (!ReadScript(path, text)) {
-        std::fprintf(stderr, "wirelet: %s: %s\n", name.c_str(), DescribeError(GetLastError()));
+        TellOnStandardError(name + ": " + DescribeError(GetLastError()));
         return kFaulty;
     }
     const CScriptCheck check(text);
