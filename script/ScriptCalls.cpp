@@ -9,6 +9,8 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
     if (!depth)
         return {};
     const Scope scope = BeginScope();
+    const bool isAround = m_bNoCopy;
+    m_bNoCopy = false;
     const std::size_t firstArgument = m_Arguments.size();
     const std::size_t firstBorrower = m_Borrowers.size();
     m_Reader.Expect('(');
@@ -27,6 +29,7 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
         DropBorrowers(firstBorrower, scope.symbols);
     EndScope(scope, true);
     m_Reader.Seek(after);
+    m_bNoCopy = isAround;
     return m_nResult;
 }
 
