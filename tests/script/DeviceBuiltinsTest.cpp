@@ -135,6 +135,14 @@ TEST_F(CDeviceBuiltins, SettingsOutOfRange) {
     EXPECT_EQ(Run("SendString(String(GetBaudRate()))"), "0");
 }
 
+TEST_F(CDeviceBuiltins, WhatWasSentLeavesBeforeACommand) {
+    Run("SetRetry(1)\r\nSetTimeout(0)\r\nSendString(\"A\")\r\n"
+        "SendCommand(\"B\")\r\nSendCommand(\"C\")");
+    EXPECT_EQ(m_serial.m_calls,
+              (std::vector<std::string>{"write A", "drain 2000", "flush 1", "flush 2", "write B",
+                                        "flush 1", "flush 2", "write C"}));
+}
+
 TEST_F(CDeviceBuiltins, SendFileLeavesOutWhatFollowsANul) {
     const std::string file = m_folder.Write("file", std::string("ab\0cd\nef\n\0\ngh", 13));
     EXPECT_EQ(Run("SendString(String(SendFile(p$)))", file), "abef\ngh1");
