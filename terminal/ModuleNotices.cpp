@@ -1,5 +1,6 @@
 #include "terminal/ModuleNotices.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/ModuleNotice.h"
 #include "platform/PrintableText.h"
 
@@ -30,7 +31,8 @@ Notices& State() {
 }
 
 void Tell(const std::string& line) {
-    std::fprintf(stderr, "wirelet: %s\n", platform::PrintableText(line).c_str());
+    std::fprintf(stderr, "wirelet: %s\n",
+                 platform::LocaleText(platform::PrintableText(line)).c_str());
 }
 
 void Keep(Lines& lines, const char* text) {

@@ -1,6 +1,7 @@
 #include "terminal/OpenFailure.h"
 
 #include "modem/Modem.h"
+#include "platform/CharacterSet.h"
 #include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/PrintableText.h"
@@ -87,8 +88,10 @@ const char* ExplainMissingTelephony() {
 
 void ReportOpenFailure(const CVModem& modem, const std::string& deviceName,
                        const std::string& title, DWORD error) {
-    std::fprintf(stderr, "%s\n", Explain(modem, deviceName, error).c_str());
-    std::printf(LoadString(IDS_CANNOT_OPEN), platform::PrintableText(title).c_str());
+    const std::string why = platform::LocaleText(Explain(modem, deviceName, error));
+    std::fprintf(stderr, "%s\n", why.c_str());
+    const std::string shown = platform::LocaleText(platform::PrintableText(title));
+    std::printf(LoadString(IDS_CANNOT_OPEN), shown.c_str());
     std::fflush(stdout);
     static_cast<void>(std::getchar());
 }

@@ -1,6 +1,7 @@
 #include "terminal/Session.h"
 
 #include "common/UniqueHandle.h"
+#include "platform/CharacterSet.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/PrintableText.h"
@@ -120,6 +121,6 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
-    std::fputs(lastWords.c_str(), stderr);
+    std::fputs(platform::LocaleText(lastWords).c_str(), stderr);
     TellModuleNews();
 }

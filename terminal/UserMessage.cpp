@@ -1,5 +1,6 @@
 #include "terminal/UserMessage.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/PrintableText.h"
@@ -49,9 +50,9 @@ std::string Format(const char* format, va_list arguments) {
 void WriteToStandardError(const std::string& text) {
     const std::size_t end = text.find_last_not_of('\n') + 1;
     const std::size_t begin = std::min(text.find_first_not_of('\n'), end);
-    std::fprintf(
-        stderr, "%s\n",
-        platform::PrintableText(std::string_view(text).substr(begin, end - begin)).c_str());
+    const std::string shown =
+        platform::PrintableText(std::string_view(text).substr(begin, end - begin));
+    std::fprintf(stderr, "%s\n", platform::LocaleText(shown).c_str());
 }
 
 const char* DescribeOpenError(DWORD error, const std::string& file) {
