@@ -8,6 +8,7 @@
 #include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/PortNames.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <cstdio>
@@ -79,7 +80,7 @@ DeviceSelection SelectDevice() {
     EnumerateComPorts(ports);
     ModemNames modems;
     if (!EnumerateModems(modems)) {
-        std::fprintf(stderr, "%s\n", ExplainMissingTelephony());
+        TellOnStandardError(ExplainMissingTelephony());
         return Fail(IDS_NO_TELEPHONY, kExitNoTelephony);
     }
     TellModuleFaults();

@@ -8,6 +8,7 @@
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
 #include "terminal/ModuleNotices.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <algorithm>
@@ -53,9 +54,9 @@ std::string ExplainModem(const std::string& name, const std::string& path, DWORD
     case ERROR_MOD_NOT_FOUND:
         return Quoted(name) + ": " + ExplainMissingTelephony();
     case ERROR_BUSY:
-        return Quoted(name) + ": ModemManager uses it and does not let go of it. Stop it with "
-                              "'sudo systemctl stop ModemManager', or run "
-                              "wirelet with sudo, which may ask for it";
+        return Quoted(name) + ": ModemManager uses it and does not let go of it; stop it with "
+                              "'sudo systemctl stop ModemManager', or run wirelet with sudo, "
+                              "which may ask for it";
     case ERROR_TIMEOUT:
         return Quoted(name) + ": the telephony service did not answer in time; try again";
     case ERROR_GEN_FAILURE:
@@ -88,8 +89,7 @@ const char* ExplainMissingTelephony() {
 
 void ReportOpenFailure(const CVModem& modem, const std::string& deviceName,
                        const std::string& title, DWORD error) {
-    const std::string why = platform::LocaleText(Explain(modem, deviceName, error));
-    std::fprintf(stderr, "%s\n", why.c_str());
+    TellOnStandardError(Explain(modem, deviceName, error));
     const std::string shown = platform::LocaleText(platform::PrintableText(title));
     std::printf(LoadString(IDS_CANNOT_OPEN), shown.c_str());
     std::fflush(stdout);

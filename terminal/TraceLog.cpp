@@ -1,5 +1,6 @@
 #include "terminal/TraceLog.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/ThreadTimer.h"
 #include "terminal/Console.h"
@@ -20,7 +21,7 @@ CTraceLog::~CTraceLog() {
     if (m_bCapturing)
         DumpPending();
     SetTraceSink(nullptr);
-    if (!m_file.Finish(kPatience))
+    if (!m_file.Finish(kPatience) && !platform::IsEndRequested())
         TellWait();
     if (!m_file.Close() && m_dwFailure == ERROR_SUCCESS)
         m_dwFailure = GetLastError();
@@ -30,9 +31,7 @@ CTraceLog::~CTraceLog() {
 
 BOOL CTraceLog::Open(const std::string& fileName) {
     if (!m_file.Open(fileName)) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot create %s\n", fileName.c_str());
-        TellReason(m_console, error, fileName);
+        TellFileFailure(m_console, "Cannot create", fileName, GetLastError());
         return FALSE;
     }
     m_strFileName = fileName;
