@@ -6,7 +6,8 @@
 //
 // Output is processed: CR, LF (to the first column of the next line), BS, TAB and BEL act, every
 // other control character and every byte that is no UTF-8 is drawn as the picture that code page
-// 437 has for it. No byte that is written ever reaches the terminal as a control function. Output
+// 437 has for it. Text goes out in the character set of the user's locale, what that lacks as "?".
+// No byte that is written ever reaches the terminal as a control function. Output
 // is gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before
 // the console is given back; writing blocks only while the terminal holds back more than that. The
 // cursor is known without asking the terminal. When standard output is no terminal, text goes out

@@ -1,6 +1,7 @@
 // The published calls that tell the user something.
 #include "platform/Notification.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/SoundPlayer.h"
@@ -65,7 +66,7 @@ void Report(CConsoleSession* session, const BoxContent& content) {
         return;
     }
     // A terminal may be in a mode in which a line feed only feeds.
-    WriteToStandardError(LinesOf(content, IsTerminal(STDERR_FILENO) ? "\r\n" : "\n"));
+    WriteToStandardError(LocaleText(LinesOf(content, IsTerminal(STDERR_FILENO) ? "\r\n" : "\n")));
 }
 
 void Show(const BoxContent& content) {

@@ -76,7 +76,7 @@ bool CConsoleAlternate::Enter() {
 bool CConsoleAlternate::Put(std::string_view unit) {
     if (!m_bEntered || !EnsureRoom() || !m_bEntered)
         return false;
-    m_gather.Put(unit);
+    m_gather.PutText(unit);
     return true;
 }
 

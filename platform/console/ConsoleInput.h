@@ -107,6 +107,7 @@ class CConsoleInput final : public CHandleObject {
     bool m_bEnd = false;
     bool m_bKeysLoaded = false;
     bool m_bKeyboard = false;
+    bool m_bUtf8 = true;
     std::uint8_t m_byErase = BACKSPACE;
     CUtf8Decoder m_character; // as far as it was delivered
     COORD m_size = {0, 0};

@@ -12,9 +12,13 @@
 
 namespace platform {
 
-void CConsoleOutput::Use(int descriptor, const char* terminalType) {
+// A locale without a character set of its own is as likely one that nobody has set up, and a file
+// or a program can do with UTF-8: only a terminal is kept from it.
+void CConsoleOutput::Use(int descriptor, const char* terminalType, const CCharacterSet& set) {
+    const bool isTerminal = isatty(descriptor) != 0;
+    m_gather.Use(set.IsAscii() && !isTerminal ? CCharacterSet::Utf8() : set);
     const std::string_view type = terminalType != nullptr ? terminalType : "";
-    m_bTerminal = isatty(descriptor) != 0 && !type.empty() && type != "dumb";
+    m_bTerminal = isTerminal && !type.empty() && type != "dumb";
     m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(terminalType);
     m_alternate.Use(m_bTerminal ? terminalType : nullptr);
     m_gather.Channel().Use(descriptor);
