@@ -174,3 +174,10 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
 // 2 green, 4 red, 8 bright). Foreground 7 and background 0 are the terminal's own colours, and
 // foreground 15 is its own one in bold, but where the EXACT bit tells that the colour is meant.
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes);
+
+namespace platform {
+
+// Whether the console's input or output is a terminal, and one that has not been hung up.
+bool HasTerminal();
+
+} // namespace platform

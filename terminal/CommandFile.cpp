@@ -1,6 +1,7 @@
 #include "terminal/CommandFile.h"
 
 #include "common/TextFile.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "terminal/CaptureFile.h"
 #include "terminal/CommandLine.h"
@@ -46,7 +47,7 @@ void CCommandFileRun::Run(const std::string& fileName) {
         if (!SendLine(line))
             break;
     }
-    if (result == EReadLine::Error)
+    if (result == EReadLine::Error && !platform::IsEndRequested())
         TellUser(m_console, "Cannot read %s: %s\n", fileName.c_str(),
                  DescribeError(GetLastError()));
     if (!m_capture.Close())
@@ -83,6 +84,10 @@ bool CCommandFileRun::SendLine(std::string line) {
         Show(response);
         if (Capture(response))
             TellDeviceGone(m_console, m_deviceName);
+        return false;
+    }
+    if (platform::IsEndRequested()) {
+        Capture(response);
         return false;
     }
     Show("No Response\n");

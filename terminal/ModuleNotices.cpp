@@ -1,11 +1,13 @@
 #include "terminal/ModuleNotices.h"
 
+#include "common/UniqueHandle.h"
 #include "platform/ModuleNotice.h"
+#include "platform/PrintableText.h"
+#include "platform/Wait.h"
 #include "terminal/StandardError.h"
 
 #include <algorithm>
 #include <mutex>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -20,6 +22,7 @@ struct Notices {
     Lines faults;
     Lines news;
     bool isHeld = false;
+    CUniqueHandle newsEvent{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
 };
 
 // Outlives every thread that still tells something.
@@ -37,11 +40,11 @@ void TakeNotice(platform::ENotice kind, LPCSTR text) {
     Notices& notices = State();
     const std::lock_guard lock(notices.mutex);
     if (kind == platform::ENotice::Fault)
-        Keep(notices.faults, text);
-    else if (notices.isHeld)
-        Keep(notices.news, text);
-    else
-        TellOnStandardError(text);
+        return Keep(notices.faults, text);
+    if (!notices.isHeld)
+        return TellOnStandardError(text);
+    Keep(notices.news, text);
+    SetEvent(notices.newsEvent);
 }
 
 } // namespace
@@ -69,4 +72,18 @@ void TellModuleNews() {
     notices.isHeld = false;
     for (const std::string& line : std::exchange(notices.news, {}))
         TellOnStandardError(line);
+}
+
+HANDLE GetModuleNewsEvent() {
+    return State().newsEvent;
+}
+
+std::string TakeModuleNews() {
+    Notices& notices = State();
+    const std::lock_guard lock(notices.mutex);
+    ResetEvent(notices.newsEvent);
+    std::string lines;
+    for (const std::string& line : std::exchange(notices.news, {}))
+        lines += "wirelet: " + platform::PrintableText(line) + '\n';
+    return lines;
 }

@@ -1,6 +1,7 @@
 #include "terminal/Session.h"
 
 #include "common/UniqueHandle.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/Wait.h"
@@ -29,6 +30,10 @@ constexpr std::size_t kTitleSize = 256;
 
 // How long the device may take no byte, at the end of a session, before the rest is given up.
 constexpr DWORD kDrainTime = 2000;
+
+// How long what was typed or sent before may still go out, and the log to its file, once the end
+// has been asked for. With the closing of the device it is to be less than three seconds.
+constexpr DWORD kEndGrace = 1500;
 
 void SetTitle(CTermConsole& console, const std::string& title) {
     std::array<char, kTitleSize> text;
@@ -63,6 +68,11 @@ std::string RunScript(CTermModem& modem, CTermConsole& console, const std::strin
     return ExplainScriptFile(script);
 }
 
+// The session is a script's or a command file's.
+bool IsRun() {
+    return !g_strScriptFile.empty() || !g_strCommandFile.empty();
+}
+
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
     // With a command file that is sent the output file is for its answers.
     bool isLogged =
@@ -78,12 +88,15 @@ std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string&
     CTraceLog log(console);
     if (isLogged && !log.Open(g_strOutputFile))
         return {};
+    if (!IsRun()) {
+        CInteractiveTerminal(modem, console, title).Run();
+        return {};
+    }
+    const platform::CEndGrace none(0);
+    console.OutliveBreak();
     if (!g_strScriptFile.empty())
         return RunScript(modem, console, title);
-    if (!g_strCommandFile.empty())
-        RunCommandFile(modem, console, g_strCommandFile, title);
-    else
-        CInteractiveTerminal(modem, console, title).Run();
+    RunCommandFile(modem, console, g_strCommandFile, title);
     return {};
 }
 
@@ -105,6 +118,8 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     HoldModuleNews();
     if (!console.Attach(&modem))
         return {};
+    platform::EndOnSignals();
+    const platform::CEndGrace grace(kEndGrace);
     SetTitle(console, title);
     console.ClearScreen();
     console.SetCursorPosition(0, 0);
@@ -124,4 +139,7 @@ void RunSession(const std::string& deviceName, int baudRate) {
     if (!lastWords.empty())
         TellOnStandardError(lastWords);
     TellModuleNews();
+    // Whoever started the run is to see that it did not come to its end.
+    if (IsRun() && platform::IsEndRequested())
+        platform::EndBySignal();
 }

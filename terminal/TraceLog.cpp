@@ -1,5 +1,6 @@
 #include "terminal/TraceLog.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/ThreadTimer.h"
 #include "terminal/Console.h"
@@ -20,7 +21,7 @@ CTraceLog::~CTraceLog() {
     if (m_bCapturing)
         DumpPending();
     SetTraceSink(nullptr);
-    if (!m_file.Finish(kPatience))
+    if (!m_file.Finish(kPatience) && !platform::IsEndRequested())
         TellWait();
     if (!m_file.Close() && m_dwFailure == ERROR_SUCCESS)
         m_dwFailure = GetLastError();

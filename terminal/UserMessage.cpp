@@ -27,6 +27,7 @@ constexpr std::array kErrorTexts = {
     ErrorText{ERROR_READ_FAULT, "the system could not read it"},
     ErrorText{ERROR_SHARING_VIOLATION, "another program has it open"},
     ErrorText{ERROR_DISK_FULL, "the disk is full"},
+    ErrorText{ERROR_OPERATION_ABORTED, "the end came before it had taken all"},
     ErrorText{ERROR_TIMEOUT, "it took nothing for ten seconds"},
     ErrorText{ERROR_NOT_ENOUGH_QUOTA, "it takes the bytes too slowly"},
 };

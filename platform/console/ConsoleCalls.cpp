@@ -83,6 +83,11 @@ CConsoleSession* TheConsoleSession() {
     return RegisterBoth() ? &g_session.Get() : nullptr;
 }
 
+// One that has been hung up answers no question.
+bool HasTerminal() {
+    return isatty(STDIN_FILENO) != 0 || isatty(STDOUT_FILENO) != 0;
+}
+
 } // namespace platform
 
 using namespace platform;

@@ -73,6 +73,7 @@ void CConsoleGather::TryWrite() {
             m_bStalled = written == 0;
             break;
         }
+        m_bStuck = false;
         m_nBegin += static_cast<std::size_t>(written);
     }
     if (m_nBegin < m_nEnd && !m_bGone)
@@ -128,9 +129,11 @@ bool CConsoleGather::Drain(int milliseconds) {
     TryWrite();
     while (Count() != 0) {
         pollfd descriptor = {m_channel.Descriptor(), POLLOUT, 0};
-        const int shown = poll(&descriptor, 1, milliseconds);
-        if (shown == 0 || (shown < 0 && errno != EINTR))
+        const int shown = poll(&descriptor, 1, m_bStuck ? 0 : milliseconds);
+        if (shown == 0 || (shown < 0 && errno != EINTR)) {
+            m_bStuck = true;
             return false;
+        }
         TryWrite();
     }
     return !m_bGone;

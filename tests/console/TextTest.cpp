@@ -72,4 +72,7 @@ TEST(ConsoleText, TheTitleIsCleanAndNotCutInsideOfACharacter) {
         console.Show();
         EXPECT_EQ(console.screen.GetTitle(), shown);
     }
+    for (const char* type : {"vt220", "linux", "ansi", "sun", "no-such-terminal"})
+        EXPECT_FALSE(CConsoleTitle::IsPossible(type)) << type;
+    EXPECT_TRUE(CConsoleTitle::IsPossible("foot-direct")); // known without an entry
 }
