@@ -145,6 +145,7 @@ TEST_F(CCommandFileTest, FullDisk) {
     m_device.Send("\r\nOK\r\n");
     ASSERT_TRUE(Shows("Cannot write /dev/full: the disk is full"));
     EXPECT_TRUE(Ends());
+    EXPECT_EQ(m_device.GetReceived(), "") << "nothing is asked whose answer is not kept";
 }
 
 TEST_F(CCommandFileTest, NulBytesAndALongLine) {
