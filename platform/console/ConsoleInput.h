@@ -43,6 +43,7 @@ class CConsoleInput final : public CHandleObject {
     // How many of the bytes that are read next were typed while Enter was made LF: they arrive with
     // CR in its place. CConsoleMode::EVERY: the terminal is in somebody else's hands.
     void SetTypedBefore(std::size_t count) { m_nTypedBefore = count; }
+    bool WasTypedBefore() const { return m_nTypedBefore != 0; }
     bool IsSomebodyElses() const { return m_nTypedBefore == CConsoleMode::EVERY; }
 
     // The character that the terminal's Backspace key sends; it is delivered as BACKSPACE.
