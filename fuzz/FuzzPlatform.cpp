@@ -4,6 +4,7 @@
 #include "diagnostics/ModuleTrace.h"
 #include "platform/Clock.h"
 #include "platform/Comm.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/Message.h"
@@ -103,6 +104,10 @@ void SetLastError(DWORD dwErrCode) {
 // A look at the clock takes a millisecond, so that whoever only looks comes to an end.
 DWORD GetTickCount() {
     return s_ticks++;
+}
+
+bool platform::IsEndRequested() {
+    return false;
 }
 
 void Sleep(DWORD dwMilliseconds) {

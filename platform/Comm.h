@@ -214,6 +214,9 @@ std::string DevicePathOfPort(LPCSTR portName);
 // when there is none. Nothing is opened.
 std::string FindSerialDevice(const std::string& name);
 
+// Whether that process has the device open, as far as /proc lets this one see.
+bool IsDeviceOpenIn(DWORD process, const std::string& devicePath);
+
 // One line, without a line end, for the user whose CreateFileA of a port failed with the given
 // error: the path, the system's reason, and what helps (the group that owns the device, the process
 // that has it open, the nearest name that exists).

@@ -5,10 +5,10 @@
 // are those of GetStdHandle; other handles give FALSE with ERROR_INVALID_HANDLE.
 //
 // Output is processed: CR, LF (to the first column of the next line), BS, TAB and BEL act, every
-// other control character is drawn as the picture that code page 437 has for it, invalid UTF-8 as
-// U+FFFD. No byte that is written ever reaches the terminal as a control function. Output is
-// gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before the
-// console is given back; writing blocks only while the terminal holds back more than that. The
+// other control character and every byte that is no UTF-8 is drawn as the picture that code page
+// 437 has for it. No byte that is written ever reaches the terminal as a control function. Output
+// is gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before
+// the console is given back; writing blocks only while the terminal holds back more than that. The
 // cursor is known without asking the terminal. When standard output is no terminal, text goes out
 // plain: control sequences are left out, and CR LF becomes LF.
 //
@@ -106,6 +106,10 @@ inline constexpr DWORD CTRL_CLOSE_EVENT = 2;
 inline constexpr DWORD CTRL_LOGOFF_EVENT = 5;
 inline constexpr DWORD CTRL_SHUTDOWN_EVENT = 6;
 
+// Bits of an attribute beside its colours.
+inline constexpr WORD EXACT_FOREGROUND = 0x0100;
+inline constexpr WORD EXACT_BACKGROUND = 0x0200;
+
 using PHANDLER_ROUTINE = BOOL (*)(DWORD dwCtrlType);
 
 // The handle of standard input or output; it needs no closing. INVALID_HANDLE_VALUE with
@@ -167,5 +171,13 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
                                 COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten);
 
 // The attribute of text written from now on: background * 16 + foreground, four bits each (1 blue,
-// 2 green, 4 red, 8 bright). 0x07 is the terminal's own default colours.
+// 2 green, 4 red, 8 bright). Foreground 7 and background 0 are the terminal's own colours, and
+// foreground 15 is its own one in bold, but where the EXACT bit tells that the colour is meant.
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes);
+
+namespace platform {
+
+// Whether the console's input or output is a terminal, and one that has not been hung up.
+bool HasTerminal();
+
+} // namespace platform

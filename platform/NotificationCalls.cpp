@@ -1,6 +1,7 @@
 // The published calls that tell the user something.
 #include "platform/Notification.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/SoundPlayer.h"
 #include "platform/console/BoxDialog.h"
@@ -64,6 +65,8 @@ void Report(CConsoleSession* session, const BoxContent& content) {
 }
 
 void Show(const BoxContent& content) {
+    if (IsEndRequested())
+        return; // it would be closed at once
     CConsoleSession* const session = TheConsoleSession();
     if (session == nullptr || !IsTerminal(STDIN_FILENO) || !IsTerminal(STDOUT_FILENO))
         return Report(session, content);

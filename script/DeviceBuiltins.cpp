@@ -24,7 +24,7 @@ constexpr DWORD kBytesBetweenLooks = 256;
 constexpr DWORD kNoProgress = 2000;
 
 ScriptWord Finish(CVScript& script, std::int32_t result) {
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return ScriptWord::Integer(result);
 }
 
@@ -44,7 +44,7 @@ bool Exchange(CVScript& script, const ScriptWord& argument, EResponse kept, DWOR
     if (std::exchange(script.m_bHasSent, false))
         script.Host().Drain(kNoProgress);
     script.Host().SendCommandGetResponse(command.c_str(), code, response);
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return true;
 }
 
@@ -56,7 +56,7 @@ bool SendFileLines(CVScript& script, const std::string& path) {
     while (!script.HasError() && file.Next(piece)) {
         script.m_bHasSent = true;
         script.Host().SendString(piece.c_str());
-        script.EndIfDeviceGone();
+        script.EndIfOver();
     }
     return !file.HasFailed();
 }
@@ -78,7 +78,7 @@ bool WaitForText(CVScript& script, const std::string& text, DWORD milliseconds) 
         if (byte != '\0' && watch.Take(byte))
             return deadline.Remaining() != 0;
         if (++received % kBytesBetweenLooks == 0)
-            script.EndIfDeviceGone();
+            script.EndIfOver();
     }
     return false;
 }

@@ -72,8 +72,9 @@ class CVScript {
     }
     bool HasError() const { return m_Report.HasError(); }
 
-    // Ends the run, without a report, when the device is gone; then TRUE.
-    bool EndIfDeviceGone();
+    // Ends the run, without a report, when the device is gone or the end of the program was asked
+    // for; then TRUE.
+    bool EndIfOver();
 
     // Whether SendString or SendFile has sent something since the last command.
     bool m_bHasSent = false;

@@ -19,7 +19,7 @@ struct CommandLine {
 
 // Reads the arguments as main gets them. Never fails: what is no switch, and what is an unknown
 // one, is ignored; of a switch given twice the later one counts; a switch's letter counts in either
-// case. File names keep the case as typed.
+// case. File names keep the case as typed; "~/" at the front of one is the home folder.
 CommandLine ParseCommandLine(int argumentCount, const char* const* arguments);
 
 // The usage text, with its line ends.

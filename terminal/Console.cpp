@@ -1,5 +1,6 @@
 #include "terminal/Console.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
 
@@ -16,7 +17,14 @@ bool EndsTheTerminal(DWORD controlEvent) {
 
 // Every event counts as handled, so none of them ends the process: the session ends in order.
 BOOL ConsoleCtrlHandler(DWORD controlEvent) {
-    if (EndsTheTerminal(controlEvent) && g_pActiveConsole)
+    if (!EndsTheTerminal(controlEvent))
+        return TRUE;
+    const bool goesOn =
+        controlEvent == CTRL_BREAK_EVENT && g_pActiveConsole && g_pActiveConsole->OutlivesBreak();
+    // First, so that the time that a stuck terminal takes counts.
+    if (!goesOn)
+        platform::RequestEnd();
+    if (g_pActiveConsole)
         g_pActiveConsole->Restore();
     return TRUE;
 }
@@ -55,6 +63,10 @@ void CConsole::Restore() {
     SetConsoleMode(m_hInput, m_dwSavedInputMode);
     SetConsoleCtrlHandler(ConsoleCtrlHandler, FALSE);
     SetEvent(m_hReleased);
+}
+
+bool CConsole::OutlivesBreak() const {
+    return m_bOutlivesBreak && platform::HasTerminal();
 }
 
 void CConsole::SetTitle(LPCSTR title) {

@@ -25,6 +25,11 @@ class CConsole {
     // Gives the console back; does nothing when it is not taken over.
     void Restore();
 
+    // Ctrl+Break from now on only gives the console back, if there is a terminal to give back, and
+    // what the session does goes on. All other events that give it back ask for the end as well.
+    void OutliveBreak() { m_bOutlivesBreak = true; }
+    bool OutlivesBreak() const;
+
     // The title of the console's window; ignored while it is not taken over.
     void SetTitle(LPCSTR title);
 
@@ -79,6 +84,7 @@ class CConsole {
     CUniqueHandle m_hReleased;
     BOOL m_bInputEnded = FALSE;
     BOOL m_bOutputGone = FALSE;
+    bool m_bOutlivesBreak = false;
     BOOL m_bRestDropped = FALSE;
 };
 

@@ -7,6 +7,7 @@
 #include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/PortNames.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <cstdio>
@@ -77,7 +78,7 @@ DeviceSelection SelectDevice() {
     EnumerateComPorts(ports);
     ModemNames modems;
     if (!EnumerateModems(modems)) {
-        std::fprintf(stderr, "%s\n", ExplainMissingTelephony());
+        TellOnStandardError(ExplainMissingTelephony());
         return Fail(IDS_NO_TELEPHONY, kExitNoTelephony);
     }
     TellModuleFaults();

@@ -1,12 +1,13 @@
 #include "terminal/ModuleNotices.h"
 
+#include "common/UniqueHandle.h"
 #include "platform/ModuleNotice.h"
 #include "platform/PrintableText.h"
+#include "platform/Wait.h"
+#include "terminal/StandardError.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <mutex>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -21,16 +22,13 @@ struct Notices {
     Lines faults;
     Lines news;
     bool isHeld = false;
+    CUniqueHandle newsEvent{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
 };
 
 // Outlives every thread that still tells something.
 Notices& State() {
     static Notices& notices = *new Notices;
     return notices;
-}
-
-void Tell(const std::string& line) {
-    std::fprintf(stderr, "wirelet: %s\n", platform::PrintableText(line).c_str());
 }
 
 void Keep(Lines& lines, const char* text) {
@@ -42,11 +40,11 @@ void TakeNotice(platform::ENotice kind, LPCSTR text) {
     Notices& notices = State();
     const std::lock_guard lock(notices.mutex);
     if (kind == platform::ENotice::Fault)
-        Keep(notices.faults, text);
-    else if (notices.isHeld)
-        Keep(notices.news, text);
-    else
-        Tell(text);
+        return Keep(notices.faults, text);
+    if (!notices.isHeld)
+        return TellOnStandardError(text);
+    Keep(notices.news, text);
+    SetEvent(notices.newsEvent);
 }
 
 } // namespace
@@ -59,7 +57,7 @@ void TellModuleFaults() {
     Notices& notices = State();
     const std::lock_guard lock(notices.mutex);
     for (const std::string& line : std::exchange(notices.faults, {}))
-        Tell(line);
+        TellOnStandardError(line);
 }
 
 void HoldModuleNews() {
@@ -73,5 +71,19 @@ void TellModuleNews() {
     const std::lock_guard lock(notices.mutex);
     notices.isHeld = false;
     for (const std::string& line : std::exchange(notices.news, {}))
-        Tell(line);
+        TellOnStandardError(line);
+}
+
+HANDLE GetModuleNewsEvent() {
+    return State().newsEvent;
+}
+
+std::string TakeModuleNews() {
+    Notices& notices = State();
+    const std::lock_guard lock(notices.mutex);
+    ResetEvent(notices.newsEvent);
+    std::string lines;
+    for (const std::string& line : std::exchange(notices.news, {}))
+        lines += "wirelet: " + platform::PrintableText(line) + '\n';
+    return lines;
 }

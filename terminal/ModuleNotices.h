@@ -3,6 +3,10 @@
 // Modules tell on any thread; the functions are for the main thread.
 #pragma once
 
+#include "platform/Types.h"
+
+#include <string>
+
 // Takes the notices from now on, to the end of the process. News are told as they come.
 void ListenToModules();
 
@@ -13,3 +17,8 @@ void TellModuleFaults();
 // of them.
 void HoldModuleNews();
 void TellModuleNews();
+
+// For who draws on the screen: signalled while there are news kept, and the lines, which are then
+// told.
+HANDLE GetModuleNewsEvent();
+std::string TakeModuleNews();

@@ -7,6 +7,7 @@
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
 #include "terminal/ModuleNotices.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <algorithm>
@@ -52,9 +53,9 @@ std::string ExplainModem(const std::string& name, const std::string& path, DWORD
     case ERROR_MOD_NOT_FOUND:
         return Quoted(name) + ": " + ExplainMissingTelephony();
     case ERROR_BUSY:
-        return Quoted(name) + ": ModemManager uses it and does not let go of it. Stop it with "
-                              "'sudo systemctl stop ModemManager', or run "
-                              "wirelet with sudo, which may ask for it";
+        return Quoted(name) + ": ModemManager uses it and does not let go of it; stop it with "
+                              "'sudo systemctl stop ModemManager', or run wirelet with sudo, "
+                              "which may ask for it";
     case ERROR_TIMEOUT:
         return Quoted(name) + ": the telephony service did not answer in time; try again";
     case ERROR_GEN_FAILURE:
@@ -87,7 +88,7 @@ const char* ExplainMissingTelephony() {
 
 void ReportOpenFailure(const CVModem& modem, const std::string& deviceName,
                        const std::string& title, DWORD error) {
-    std::fprintf(stderr, "%s\n", Explain(modem, deviceName, error).c_str());
+    TellOnStandardError(Explain(modem, deviceName, error));
     std::printf(LoadString(IDS_CANNOT_OPEN), platform::PrintableText(title).c_str());
     std::fflush(stdout);
     static_cast<void>(std::getchar());

@@ -1,5 +1,6 @@
 #include "platform/comm/CommUsers.h"
 
+#include "platform/Comm.h"
 #include "platform/TerminalDevice.h"
 
 #include <dirent.h>
@@ -123,6 +124,12 @@ std::string NameOf(pid_t process) {
 }
 
 } // namespace
+
+bool IsDeviceOpenIn(DWORD process, const std::string& devicePath) {
+    struct stat device {};
+    return stat(devicePath.c_str(), &device) == 0 &&
+           HasOpen(std::to_string(process).c_str(), device.st_rdev);
+}
 
 CommUser FindCommUser(const struct stat& device) {
     pid_t process = FindLockHolder(device);

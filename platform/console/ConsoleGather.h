@@ -49,14 +49,15 @@ class CConsoleGather {
     // CSI, the numbers and the final character.
     void PutSequence(int first, char final);
     void PutSequence(int first, int second, char final);
+    void PutSequence(const int* numbers, int count, char final);
 
     // Writes what can be written now without blocking.
     void TryWrite();
     // Bytes are left because the terminal had no room; a POLLOUT ends that.
     bool IsStalled() const { return m_bStalled; }
     void EndStall() { m_bStalled = false; }
-    // Writes everything, giving up after the given time without progress. FALSE when bytes are
-    // left.
+    // Writes everything, giving up after the given time without progress; at once when that is what
+    // the last one gave up after. FALSE when bytes are left.
     bool Drain(int milliseconds);
 
     // Output is gone: bytes are dropped from now on.
@@ -76,6 +77,7 @@ class CConsoleGather {
     std::size_t m_nLimit = HIGH_WATER;
     unsigned m_nAbandoned = 0; // how often the console was given back
     bool m_bStalled = false;
+    bool m_bStuck = false; // nothing was taken since a drain has given up
     bool m_bGone = false;
     std::uint8_t m_bytes[HIGH_WATER + SLACK]; // not cleared: its pages are used as they are needed
 };

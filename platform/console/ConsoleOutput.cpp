@@ -76,15 +76,22 @@ bool CConsoleOutput::WriteByte(std::uint8_t byte) {
         m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
         WriteCharacter();
         return true;
-    case CUtf8Decoder::Result::INVALID: // a C1 control as it is, or a byte of no sequence
-        Draw(byte < 0xA0 ? PictureOf(byte) : REPLACEMENT, 1);
+    case CUtf8Decoder::Result::INVALID:
+        Draw(PictureOf(byte), 1);
         return true;
     case CUtf8Decoder::Result::BROKEN:
         break;
     }
-    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
-    Draw(REPLACEMENT, 1);
+    DrawBroken();
     return WriteByte(byte);
+}
+
+// The bytes of a sequence that has come to nothing.
+void CConsoleOutput::DrawBroken() {
+    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
+    m_decoder.Drop();
+    for (const char byte : m_decoder.Bytes())
+        Draw(PictureOf(static_cast<std::uint8_t>(byte)), 1);
 }
 
 void CConsoleOutput::WriteControl(std::uint8_t byte) {
@@ -176,11 +183,8 @@ void CConsoleOutput::LineFeed() {
 }
 
 void CConsoleOutput::EndSequence() {
-    if ((m_dwObstacles & SEQUENCE) == 0 || !EnsureRoom())
-        return;
-    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
-    m_decoder.Drop();
-    Draw(REPLACEMENT, 1);
+    if ((m_dwObstacles & SEQUENCE) != 0 && EnsureRoom())
+        DrawBroken();
 }
 
 void CConsoleOutput::EndFill() {
@@ -197,7 +201,7 @@ void CConsoleOutput::EndHeldReturn() {
     m_gather.Put(CARRIAGE_RETURN);
 }
 
-void CConsoleOutput::SetAttribute(std::uint8_t attribute) {
+void CConsoleOutput::SetAttribute(WORD attribute) {
     EndEasy();
     if (!m_bTerminal)
         return;
@@ -264,7 +268,7 @@ int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
     return count;
 }
 
-bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD start) {
+bool CConsoleOutput::ColourFill(WORD attribute, DWORD length, COORD start) {
     EndEasy();
     if (!m_bTerminal || length == 0)
         return true;
@@ -274,7 +278,7 @@ bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD star
     if ((m_dwObstacles & FILL) == 0 || !m_fill.IsRemembered(first, count))
         return false;
     m_dwObstacles &= ~static_cast<unsigned>(FILL);
-    m_fill.Draw(attribute);
+    m_fill.Draw(CConsoleColours::Normal(attribute));
     return true;
 }
 

@@ -47,7 +47,7 @@ class CConsoleOutput final : public CHandleObject {
     }
     // FALSE once output is gone.
     bool Write(const std::uint8_t* bytes, std::size_t count);
-    void SetAttribute(std::uint8_t attribute);
+    void SetAttribute(WORD attribute);
     void SetTitle(std::string_view title);
     bool IsTitleChanged() const { return m_title.IsChanged(); }
     // FALSE for a position outside of the window.
@@ -56,7 +56,7 @@ class CConsoleOutput final : public CHandleObject {
     // Fill returns the number of cells that lie in the window, -1 for a start outside of it;
     // ColourFill FALSE for other cells than those filled last.
     int Fill(char character, DWORD length, COORD start);
-    bool ColourFill(std::uint8_t attribute, DWORD length, COORD start);
+    bool ColourFill(WORD attribute, DWORD length, COORD start);
     // Rings the terminal's bell, also in the middle of a character; without a terminal nothing.
     void Ring();
     // Moves to the first column of the row below all text.
@@ -107,6 +107,7 @@ class CConsoleOutput final : public CHandleObject {
     void WriteControl(std::uint8_t byte);
     void WritePlainControl(std::uint8_t byte);
     void WriteCharacter();
+    void DrawBroken();
     void Draw(std::string_view character, int width);
     void DrawTab();
     void LineFeed();

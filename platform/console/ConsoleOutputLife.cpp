@@ -13,7 +13,7 @@ namespace platform {
 void CConsoleOutput::Use(int descriptor, const char* terminalType) {
     const std::string_view type = terminalType != nullptr ? terminalType : "";
     m_bTerminal = isatty(descriptor) != 0 && !type.empty() && type != "dumb";
-    m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(type);
+    m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(terminalType);
     m_alternate.Use(m_bTerminal ? terminalType : nullptr);
     m_gather.Channel().Use(descriptor);
     if (!m_bTerminal) {

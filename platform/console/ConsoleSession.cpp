@@ -166,6 +166,7 @@ void CConsoleSession::ServeControlEvents(unsigned signals) {
         m_handler(control.event == CTRL_C_EVENT && !isKey ? CTRL_BREAK_EVENT : control.event);
         m_input.AddMenuEvent();
     }
+    consolesignals::StandDown();
 }
 
 void CConsoleSession::Stop() {

@@ -54,14 +54,14 @@ LONG OpenPort(const std::string& path, CUniqueHandle& port) {
 
 } // namespace
 
-LONG OpenDevice(const std::string& devicePath, const CCancellation& cancellation, DeviceUse& use) {
-    const EHold hold = use.hold.Take(devicePath, cancellation);
+LONG OpenDevice(const LineDevice& device, const CCancellation& cancellation, DeviceUse& use) {
+    const EHold hold = use.hold.Take(device, cancellation);
     if (hold == EHold::Refused)
         return LINEERR_INUSE;
-    int tries = hold == EHold::Held ? TRIES_AFTER_HOLD : 1;
+    int tries = hold == EHold::Held || hold == EHold::Left ? TRIES_AFTER_HOLD : 1;
     LONG result = LINEERR_OPERATIONFAILED;
     while (!cancellation.IsCancelled()) {
-        result = OpenPort(devicePath, use.port);
+        result = OpenPort(device.devicePath, use.port);
         if (result != LINEERR_ALLOCATED || --tries == 0)
             break;
         cancellation.Wait(MILLISECONDS_BETWEEN_TRIES);

@@ -53,7 +53,7 @@ TEST(ConsolePlain, TextWithoutASequence) {
         {"a\n\nb\rc", "a\n\nb\rc"},
         {"a\tb\bc\a", "a\tb\bc\a"},
         {"\x1b[31mred\x7F", "\xE2\x86\x90[31mred\xE2\x8C\x82"},
-        {"caf\xC3\xA9\xE2\x82", "caf\xC3\xA9\xEF\xBF\xBD"},
+        {"caf\xC3\xA9\xE2\x82", "caf\u00E9\u0393\u00E9"},
         {"\x9Bm\r\xC3\xA9\r\a", "\xC2\xA2m\r\xC3\xA9\r\a"},
     };
     for (const auto& text : cases) {

@@ -73,7 +73,7 @@ TEST_F(CSessionStartTest, TheUsersOwnTerminalIsNoDevice) {
     const std::string own = m_terminal.GetLine().GetPath();
     for (const std::string& path : {own, std::string("/dev/tty")}) {
         Start(path);
-        ASSERT_TRUE(Shows(path + ": is the terminal you are sitting at."));
+        ASSERT_TRUE(Shows("wirelet: " + path + ": is the terminal you are sitting at; choose"));
         ASSERT_TRUE(Shows("Press Enter to exit."));
         Type("\r");
         EXPECT_TRUE(Ends());

@@ -57,11 +57,26 @@ SSimulatorOptions Parse(const std::string& line) {
 } // namespace
 
 TEST(OptionParsing, RefusesWhatItDoesNotUnderstand) {
-    for (const char* line :
-         {"--unknown", "-x", "word", "--link", "--link ", "--ring 0", "--ring nan", "--ring 1e9",
-          "--ring 1s", "--delay -1", "--delay ", "--long 100000001", "--once=1", "--dial 5",
-          "--dial x=BUSY", "--dial 5=NONE", "--vanish-after 0", "--garbage 65537",
-          "--seed 4294967296"}) {
+    for (const char* line : {"--unknown",
+                             "-x",
+                             "word",
+                             "--link",
+                             "--link ",
+                             "--ring 0",
+                             "--ring nan",
+                             "--ring 1e9",
+                             "--ring 1s",
+                             "--delay -1",
+                             "--delay ",
+                             "--long 100000001",
+                             "--once=1",
+                             "--dial 5",
+                             "--dial x=BUSY",
+                             "--dial 5=NONE",
+                             "--vanish-after 0",
+                             "--garbage 65537",
+                             "--seed 4294967296",
+                             "--messages 51"}) {
         const SSimulatorOptions options = Parse(line);
         EXPECT_EQ(options.purpose, SSimulatorOptions::EPurpose::Refuse) << line;
         EXPECT_FALSE(options.problem.empty()) << line;
@@ -105,11 +120,12 @@ TEST_F(ProgramOnPty, RefusesAnUnknownOptionAndALinkOfAnotherKind) {
 }
 
 TEST_F(ProgramOnPty, OnceEndsWithTheLastOpener) {
-    CSimulator program(m_pump, {"--once", "--link", m_link});
+    CSimulator program(m_pump, {"--once", "--link", m_link, "--messages", "1"});
     CDescriptor first = OpenDevice(program.GetPath());
     CDescriptor second = OpenDevice(m_link);
     first.Reset();
     EXPECT_EQ(Ask(second, "ATE0\r", "OK\r\n"), "ATE0\r\r\nOK\r\n");
+    EXPECT_EQ(Ask(second, "AT+CPMS=\"SM\"\r", "OK\r\n"), "\r\n+CPMS: 1,50,1,50,1,50\r\n\r\nOK\r\n");
     second.Reset();
     EXPECT_EQ(program.AwaitExit(), 0);
     EXPECT_FALSE(IsLinkThere());

@@ -22,6 +22,8 @@ class CPseudoTerminal {
     void ApplySettings(const termios& settings);
     void SetSize(int rows, int columns);
 
+    // Gives the slave away: who has it, has the device open.
+    CDescriptor TakeSlave() { return std::move(m_slave); }
     // Closes the master: for whoever uses the slave, the device is unplugged.
     void CloseMaster() { m_master.Reset(); }
 

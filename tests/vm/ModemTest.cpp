@@ -50,9 +50,9 @@ TEST_P(CModemTest, ASecondProgramIsRefused) {
     m_pump.Add(errors);
     m_pump.Add(second);
     EXPECT_TRUE(Fulfils("the refusal", [&] { return second.HasEnded() && errors.HasEnded(); }));
-    EXPECT_EQ(errors.GetText(), std::string(GetParam().device) + ": in use by process " +
-                                    std::to_string(m_program->GetId()) +
-                                    " (wirelet). End it, or choose another device.\n");
+    EXPECT_EQ(errors.GetText(), "wirelet: " + std::string(GetParam().device) +
+                                    ": in use by process " + std::to_string(m_program->GetId()) +
+                                    " (wirelet); end it, or choose another device\n");
     // The first one has not noticed.
     m_farEnd->Send("still here");
     EXPECT_TRUE(Shows("still here"));
