@@ -104,13 +104,11 @@ class CWindowThread {
     }
     CWindowThread(const CWindowThread&) = delete;
     CWindowThread& operator=(const CWindowThread&) = delete;
-    ~CWindowThread() {
-        if (m_thread.joinable())
-            Join();
-    }
+    ~CWindowThread() { Join(); }
     void Join() {
         PostMessageA(m_hWindow, WM_TEST_END, 0, 0);
-        m_thread.join();
+        if (m_thread.joinable())
+            m_thread.join();
     }
     operator HWND() const { return m_hWindow; }
 
