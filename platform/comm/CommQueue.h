@@ -2,8 +2,8 @@
 // whatever pieces the reader asks for.
 //
 // Owned by the port and guarded by its receive lock. It is normally refilled when it is empty, so
-// its bytes are hardly ever moved. While nobody reads it can be made larger than it was asked to be;
-// it is as large as before once it has run empty.
+// its bytes are hardly ever moved. While nobody reads it can be made larger than it was asked to
+// be; it is as large as before once it has run empty.
 #pragma once
 
 #include "platform/Types.h"
@@ -21,8 +21,8 @@ class CCommQueue {
     // The size that Resize was last asked for.
     DWORD Size() const { return m_dwSize; }
     DWORD Count() const { return m_dwEnd - m_dwBegin; }
-    // Makes the queue larger than its size, up to MOST_KEPT bytes. False when it is as large as that
-    // already, or there is no memory.
+    // Makes the queue larger than its size, up to MOST_KEPT bytes. False when it is as large as
+    // that already, or there is no memory.
     bool Extend();
     static constexpr DWORD MOST_KEPT = 1 << 20;
 
