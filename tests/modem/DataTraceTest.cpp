@@ -1,7 +1,6 @@
 // The data trace: bytes into lines, and what is kept for the next send.
 #include "modem/DataTrace.h"
 
-#include "modem/Modem.h"
 #include "tests/modem/SubstituteSerial.h"
 
 #include <gtest/gtest.h>
@@ -78,10 +77,7 @@ TEST(DataTrace, RendersBytesAsLines) {
 TEST(DataTrace, KeepsWhatIsReceivedForTheNextSend) {
     CSink sink;
     CSubstituteSerial serial;
-    class CTestModem : public CVModem {
-      public:
-        explicit CTestModem(ISerial* port) { m_pSerial.Reset(port); }
-    } modem(&serial);
+    CTestModem modem(&serial);
     serial.m_reads = {"\r\nO", "K\r\n"};
     char buffer[100];
     DWORD count = 0;

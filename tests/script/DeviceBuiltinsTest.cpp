@@ -1,6 +1,5 @@
 // Small scripts on a substitute device: where a built-in must wait, stop waiting, or leave
 // something alone.
-#include "modem/Modem.h"
 #include "platform/Message.h"
 #include "script/Script.h"
 #include "tests/modem/SubstituteSerial.h"
@@ -14,17 +13,6 @@
 #include <vector>
 
 namespace {
-
-class CTestModem : public CVModem {
-  public:
-    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
-    BOOL SetDataFormat(DWORD baudRate, DWORD, DWORD, DWORD) override {
-        m_rates.push_back(baudRate);
-        return TRUE;
-    }
-
-    std::vector<DWORD> m_rates;
-};
 
 class CDeviceBuiltins : public testing::Test {
   protected:
@@ -107,14 +95,14 @@ TEST_F(CDeviceBuiltins, WaitDispatchesMessagesUntilTheDeviceVanishes) {
     const HWND window =
         CreateWindowExA(0, "counting", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     ASSERT_NE(window, nullptr);
-    PostMessageA(window, WM_USER, 0, 0);
+    PostMessageA(window, WM_APP, 0, 0);
     Run("Wait(-5)");
     EXPECT_EQ(s_dispatched, 1);
     EXPECT_FALSE(m_bDeviceGone);
     std::thread poster([window] {
         for (int count = 0; count < 3; ++count) {
             Sleep(20);
-            PostMessageA(window, WM_USER, 0, 0);
+            PostMessageA(window, WM_APP, 0, 0);
         }
     });
     EXPECT_EQ(Run("Wait(60000)\r\nSendString(\"x\")"), "");
@@ -128,7 +116,8 @@ TEST_F(CDeviceBuiltins, SettingsOutOfRange) {
     EXPECT_EQ(Run("SendString(String(SetBaudRate(-1)))\r\n"
                   "SendString(String(SetBaudRate(9600)))"),
               "11");
-    EXPECT_EQ(m_modem.m_rates, (std::vector<DWORD>{KEEP_SETTING, 9600}));
+    EXPECT_EQ(m_serial.m_calls,
+              (std::vector<std::string>{"format -1", "write 1", "format 9600", "write 1"}));
     EXPECT_EQ(Run("SetRetry(-1)\r\nSendString(String(SendCommand(\"AT\\r\")))\r\n"
                   "SendString(SendCommandGetString(\"AT\\r\"))"),
               "100");

@@ -1,7 +1,7 @@
 // The program itself, as a child, on the pseudo-terminal that it makes, and its command line.
+#include "tests/simulator/TestModem.h"
 #include "tests/support/Simulator.h"
 #include "tests/support/TempFolder.h"
-#include "tools/SimulatorOptions.h"
 
 #include <csignal>
 #include <filesystem>
@@ -41,42 +41,14 @@ class ProgramOnPty : public testing::Test {
     const std::string m_link = m_folder.GetPath("modem");
 };
 
-// Words are parted by one blank; a blank at the end is an empty word.
-SSimulatorOptions Parse(const std::string& line) {
-    std::istringstream stream("wirelet-modemsim " + line + ' ');
-    std::vector<std::string> words;
-    for (std::string word; std::getline(stream, word, ' ');)
-        words.push_back(word);
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    return ParseOptions(static_cast<int>(words.size()), arguments.data());
-}
-
 } // namespace
 
 TEST(OptionParsing, RefusesWhatItDoesNotUnderstand) {
-    for (const char* line : {"--unknown",
-                             "-x",
-                             "word",
-                             "--link",
-                             "--link ",
-                             "--ring 0",
-                             "--ring nan",
-                             "--ring 1e9",
-                             "--ring 1s",
-                             "--delay -1",
-                             "--delay ",
-                             "--long 100000001",
-                             "--once=1",
-                             "--dial 5",
-                             "--dial x=BUSY",
-                             "--dial 5=NONE",
-                             "--vanish-after 0",
-                             "--garbage 65537",
-                             "--seed 4294967296",
-                             "--messages 51"}) {
+    std::istringstream lines(
+        "--unknown|-x|word|--link|--link |--ring 0|--ring nan|--ring 1e9|--ring 1s|--delay -1|"
+        "--delay |--long 100000001|--once=1|--dial 5|--dial x=BUSY|--dial 5=NONE|--vanish-after 0|"
+        "--garbage 65537|--seed 4294967296|--messages 51");
+    for (std::string line; std::getline(lines, line, '|');) {
         const SSimulatorOptions options = Parse(line);
         EXPECT_EQ(options.purpose, SSimulatorOptions::EPurpose::Refuse) << line;
         EXPECT_FALSE(options.problem.empty()) << line;
