@@ -36,7 +36,7 @@ bool CVScript::TakePlain(ScriptValue& record) {
 
 // Most expressions are two plain integers with an operator between them. False, and nothing is
 // consumed, for all else.
-bool CVScript::EvalPlainPair(ScriptValue& left) {
+[[gnu::always_inline]] inline bool CVScript::EvalPlainPair(ScriptValue& left) {
     if (left.word.text)
         return false;
     const BYTE operation = m_Reader.Peek();

@@ -95,6 +95,8 @@ TEST(CommandLine, FilesKeepTheirCaseAndLaterSwitchesWin) {
     EXPECT_EQ(Parse({"-B:9600"}).port, "-B:9600");
     EXPECT_TRUE(Parse({"/?", "COM1"}).wantsUsage);
     EXPECT_FALSE(Parse({"COM1", "-?"}).wantsUsage);
+    EXPECT_TRUE(Parse({"--check"}).wantsUsage);
+    EXPECT_EQ(Parse({"--check", "-?"}).checkedFile, "-?");
 }
 
 TEST(CaptureFile, EveryLineBreakIsCrLf) {
