@@ -62,12 +62,15 @@ TEST_F(CPipeTest, LongInputIsExactPlainTextComesOutAndItEnds) {
 
 // With a device that is always behind.
 TEST_F(CPipeTest, EndlessInputTakesNoMoreAndMoreMemory) {
-    constexpr std::size_t kPart = std::size_t{8} << 20;
+    constexpr std::size_t kMostTypedAhead = std::size_t{4} << 20;
     StartPiped(m_output.GetWriter());
-    Feed(std::string(kPart, 'x'));
+    m_device.SetReadLimit(0);
+    Feed(std::string(kMostTypedAhead, 'x'));
+    m_device.SetReadLimit(65536);
+    Feed(std::string(kMostTypedAhead, 'x'));
     const std::size_t before = GetMemory();
-    Feed(std::string(kPart / 2, 'x'));
-    EXPECT_LT(GetMemory(), before + kPart / 4);
+    Feed(std::string(2 * kMostTypedAhead, 'x'));
+    EXPECT_LT(GetMemory(), before + kMostTypedAhead);
     m_input.writer.Reset();
     EXPECT_TRUE(Ends());
 }
