@@ -217,6 +217,9 @@ std::string FindSerialDevice(const std::string& name);
 // Whether that process has the device open, as far as /proc lets this one see.
 bool IsDeviceOpenIn(DWORD process, const std::string& devicePath);
 
+// Whether /proc lets this process see anybody who has the device open.
+bool IsDeviceUserSeen(const std::string& devicePath);
+
 // One line, without a line end, for the user whose CreateFileA of a port failed with the given
 // error: the path, the system's reason, and what helps (the group that owns the device, the process
 // that has it open, the nearest name that exists).

@@ -6,7 +6,8 @@
 //
 // Output is processed: CR, LF (to the first column of the next line), BS, TAB and BEL act, every
 // other control character and every byte that is no UTF-8 is drawn as the picture that code page
-// 437 has for it. No byte that is written ever reaches the terminal as a control function. Output
+// 437 has for it. Text goes out in the character set of the user's locale, what that lacks as "?".
+// No byte that is written ever reaches the terminal as a control function. Output
 // is gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before
 // the console is given back; writing blocks only while the terminal holds back more than that. The
 // cursor is known without asking the terminal. When standard output is no terminal, text goes out
@@ -124,8 +125,8 @@ BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode);
 // are keys, Ctrl+\ is the break signal; what was typed before and nobody has read comes first, its
 // Enter as CR too. From now on whatever ends the process, a crash included, leaves the terminal
 // sane. The saved mode gives the console back: gathered output goes out (as long as the terminal
-// takes it, at most 2 s without progress), attributes and title return, the cursor stands below the
-// text.
+// takes it, at most 2 s without progress, 1 s once the end of the program was asked for),
+// attributes and title return, the cursor stands below the text.
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 
 // Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails

@@ -36,7 +36,7 @@ inline constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
 inline constexpr DWORD ERROR_CLASS_DOES_NOT_EXIST = 1411;
 inline constexpr DWORD ERROR_CLASS_HAS_WINDOWS = 1412;
 inline constexpr DWORD ERROR_INVALID_INDEX = 1413;
-inline constexpr DWORD ERROR_INVALID_THREAD_ID = 1444; // no such thread, or it has no queue
+inline constexpr DWORD ERROR_INVALID_THREAD_ID = 1444; // the thread has ended
 inline constexpr DWORD ERROR_TIMEOUT = 1460;
 inline constexpr DWORD ERROR_NOT_ENOUGH_QUOTA = 1816; // a message queue is full
 

@@ -33,13 +33,9 @@ struct MSG {
     DWORD time; // the tick count when it was posted
 };
 
-// Of the numbers below WM_USER this layer itself posts and sends none.
-inline constexpr UINT WM_NULL = 0;
-inline constexpr UINT WM_QUIT = 0x0012;
-inline constexpr UINT WM_USER = 0x0400;
+// The first of the numbers that are free for programs. This layer itself posts and sends none.
 inline constexpr UINT WM_APP = 0x8000;
 
-inline constexpr UINT PM_NOREMOVE = 0;
 inline constexpr UINT PM_REMOVE = 1;
 
 inline constexpr DWORD QS_ALLINPUT = 0x04FF;
@@ -60,10 +56,10 @@ inline const HWND NO_WINDOW = reinterpret_cast<HWND>(~std::uintptr_t{0});
 // What windows of a class have in common.
 struct WNDCLASSA {
     WNDPROC lpfnWndProc;
-    LPCSTR lpszClassName; // 1 to 256 bytes; the case of ASCII letters does not matter
+    LPCSTR lpszClassName; // not empty
 };
 
-// Makes a class known to the whole process. Returns its number, 0 on failure:
+// Makes a class known to the whole process. Returns a number other than 0, 0 on failure:
 // ERROR_CLASS_ALREADY_EXISTS, ERROR_INVALID_PARAMETER, ERROR_NOT_ENOUGH_MEMORY.
 ATOM RegisterClassA(const WNDCLASSA* lpWndClass);
 
@@ -95,28 +91,26 @@ LONG_PTR SetWindowLongPtrA(HWND hWnd, int nIndex, LONG_PTR dwNewLong);
 // What a procedure does with messages that are not its own: nothing. Returns 0.
 LRESULT DefWindowProcA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
 
-// Queues a message for a window (null: for the calling thread itself) or for a thread, and returns
-// at once. FALSE with ERROR_INVALID_WINDOW_HANDLE, ERROR_INVALID_THREAD_ID (also while the thread
-// has not needed a queue yet), ERROR_NOT_ENOUGH_QUOTA (10000 messages wait in that queue),
-// ERROR_NOT_ENOUGH_MEMORY.
+// Queues a message for a window (null: for the calling thread itself) and returns at once. FALSE
+// with ERROR_INVALID_WINDOW_HANDLE, ERROR_NOT_ENOUGH_QUOTA (10000 messages wait in that queue,
+// posted, sent and answered ones), ERROR_NOT_ENOUGH_MEMORY.
 BOOL PostMessageA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
-BOOL PostThreadMessageA(DWORD dwThreadId, UINT uMsg, WPARAM wParam, LPARAM lParam);
 
 // Sends a message to a window and returns at once. The window's thread runs the procedure when it
 // next retrieves messages; after that, or with the result 0 once the window is gone, the callback
 // runs in the calling thread when this one next retrieves messages. For a window of the calling
 // thread both run before the call returns. Each TRUE is followed by one callback, unless the
 // calling thread ends first. FALSE with ERROR_INVALID_WINDOW_HANDLE, ERROR_INVALID_PARAMETER (no
-// callback), ERROR_NOT_ENOUGH_QUOTA (10000 sent messages wait there, or for callbacks here),
+// callback), ERROR_NOT_ENOUGH_QUOTA (that queue is full, or the calling thread's own),
 // ERROR_NOT_ENOUGH_MEMORY.
 BOOL SendMessageCallbackA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
                           SENDASYNCPROC lpResultCallBack, ULONG_PTR dwData);
 
-// Retrieves messages without waiting: first runs the procedures and callbacks of sent messages that
-// were there when the call began, then stores the oldest queued message that hWnd (null: all of the
-// thread; a window of the thread; platform::NO_WINDOW) and the range of numbers (0 to 0: all) let
-// through, and with PM_REMOVE takes it out. FALSE when there is none, and with
-// ERROR_INVALID_WINDOW_HANDLE or ERROR_INVALID_PARAMETER.
+// Retrieves messages without waiting: first runs the procedures and callbacks of as many sent
+// messages as were there when the call began, then takes the oldest posted message out that hWnd
+// lets through (null: all of the thread; a window of the thread; platform::NO_WINDOW). The range of
+// numbers must be 0 to 0, which is all, and wRemoveMsg PM_REMOVE. FALSE when there is none, and
+// with ERROR_INVALID_WINDOW_HANDLE or ERROR_INVALID_PARAMETER.
 BOOL PeekMessageA(MSG* lpMsg, HWND hWnd, UINT wMsgFilterMin, UINT wMsgFilterMax, UINT wRemoveMsg);
 
 // Would make characters of keystrokes; no keystrokes come as messages here. FALSE.
@@ -128,8 +122,7 @@ LRESULT DispatchMessageA(const MSG* lpMsg);
 
 // WaitForMultipleObjects for up to MAXIMUM_WAIT_OBJECTS - 1 handles (nCount may be 0) and the
 // thread's messages: returns WAIT_OBJECT_0 plus nCount while there is a message, posted or sent, or
-// a callback to run. It does not matter whether PeekMessageA has shown the message already: who
-// retrieves with a filter or with PM_NOREMOVE and waits again without taking the rest out only
+// a callback to run. Who retrieves for one window and waits again without taking the rest out only
 // spins. bWaitAll must be FALSE and dwWakeMask QS_ALLINPUT.
 DWORD MsgWaitForMultipleObjects(DWORD nCount, const HANDLE* pHandles, BOOL bWaitAll,
                                 DWORD dwMilliseconds, DWORD dwWakeMask);

@@ -30,6 +30,7 @@ struct BuiltinEntry {
     BuiltinHandler handler;
     // One letter for each argument that must be there: 't' a text, 'i' an integer.
     LPCSTR arguments;
+    char result; // likewise
 };
 
 inline constexpr DWORD BUILTIN_COUNT = 33;

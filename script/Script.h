@@ -91,7 +91,6 @@ class CVScript {
         DWORD symbols;
         DWORD heap;
         std::size_t kept;
-        std::size_t borrowed;
     };
     // A text that outlives the scope it was made in, and who refers to it: a place, an argument
     // (ArgumentPlace) or RESULT_PLACE.
@@ -129,13 +128,13 @@ class CVScript {
     DWORD Alloc(DWORD count);
     DWORD AllocTextBuffer();
     DWORD HomeFor(DWORD place);
+    ScriptWord CopyText(DWORD home, ScriptWord text);
     ScriptWord CopyTextTo(DWORD place, ScriptWord text);
     bool GiveElementRoom(DWORD location);
     [[gnu::noinline]] ScriptWord Borrow(DWORD symbol, ScriptWord text);
     [[gnu::noinline]] void LeaveText(DWORD place);
-    ScriptWord SaveText(ScriptWord text);
     Scope BeginScope() {
-        const Scope scope = {m_Symbols.Top(), m_Area.Heap(), m_Kept.size(), m_Borrowers.size()};
+        const Scope scope = {m_Symbols.Top(), m_Area.Heap(), m_Kept.size()};
         m_Scopes.push_back(scope);
         return scope;
     }
@@ -143,8 +142,6 @@ class CVScript {
     void EndScope(const Scope& scope, bool keepResult) {
         m_Scopes.pop_back();
         GiveBackHeap(scope, keepResult);
-        if (m_Borrowers.size() > scope.borrowed)
-            DropBorrowers(scope);
         m_Symbols.DropTo(scope.symbols);
     }
     void GiveBackHeap(const Scope& scope, bool keepResult) {
@@ -153,7 +150,7 @@ class CVScript {
         else
             m_Area.SetHeap(scope.heap);
     }
-    void DropBorrowers(const Scope& scope);
+    [[gnu::noinline]] void DropBorrowers(std::size_t first, DWORD lastSymbol);
     bool DiesBefore(DWORD place, ScriptWord text) const;
     [[gnu::noinline]] void KeepTexts(const Scope& scope, bool keepResult);
     void GatherKept(const Scope& scope, bool keepResult);
@@ -170,6 +167,7 @@ class CVScript {
     bool EvalPlainPair(ScriptValue& left);
     ScriptWord Evaluate(DWORD floor);
     ScriptWord EvaluateRight(DWORD floor);
+    ScriptWord EvaluateHere(DWORD floor);
     void EvalAssign(ScriptValue& record);
     [[gnu::noinline]] void EvalAssignment(ScriptValue& target);
     void Assign(const ScriptValue& target, ScriptWord word, DWORD position);

@@ -9,7 +9,10 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
     if (!depth)
         return {};
     const Scope scope = BeginScope();
+    const bool isAround = m_bNoCopy;
+    m_bNoCopy = false;
     const std::size_t firstArgument = m_Arguments.size();
+    const std::size_t firstBorrower = m_Borrowers.size();
     m_Reader.Expect('(');
     const DWORD position = m_Reader.Position();
     if (HasError() || !EvalArguments(floor))
@@ -22,8 +25,11 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
     if (HasError())
         return {};
     m_Arguments.resize(firstArgument);
+    if (m_Borrowers.size() > firstBorrower)
+        DropBorrowers(firstBorrower, scope.symbols);
     EndScope(scope, true);
     m_Reader.Seek(after);
+    m_bNoCopy = isAround;
     return m_nResult;
 }
 

@@ -44,9 +44,12 @@ DWORD CVScript::HomeFor(DWORD place) {
     return home;
 }
 
-// The text in the place's home.
 ScriptWord CVScript::CopyTextTo(DWORD place, ScriptWord text) {
-    const DWORD home = HomeFor(place);
+    return CopyText(HomeFor(place), text);
+}
+
+// The text in the home; no text after a report.
+ScriptWord CVScript::CopyText(DWORD home, ScriptWord text) {
     const std::string_view characters = home == 0 ? std::string_view{} : ReadText(text);
     if (HasError())
         return {};
@@ -71,11 +74,12 @@ ScriptWord CVScript::Borrow(DWORD symbol, ScriptWord text) {
     return m_Memory.Resolve(text);
 }
 
-void CVScript::DropBorrowers(const Scope& scope) {
-    const auto first = m_Borrowers.begin() + static_cast<std::ptrdiff_t>(scope.borrowed);
-    m_Borrowers.erase(std::remove_if(first, m_Borrowers.end(),
-                                     [&](DWORD symbol) { return symbol > scope.symbols; }),
-                      m_Borrowers.end());
+// Those that a call has bound end with it.
+void CVScript::DropBorrowers(std::size_t first, DWORD lastSymbol) {
+    const auto bound = m_Borrowers.begin() + static_cast<std::ptrdiff_t>(first);
+    m_Borrowers.erase(
+        std::remove_if(bound, m_Borrowers.end(), [&](DWORD symbol) { return symbol > lastSymbol; }),
+        m_Borrowers.end());
 }
 
 // Another text is about to be assigned to a place: whoever else refers to what it holds keeps that.
@@ -93,7 +97,7 @@ void CVScript::LeaveText(DWORD place) {
     const auto leave = [&](ScriptWord& word, DWORD keeper) {
         const ScriptWord current = m_Memory.Resolve(word);
         if (!copy.text || current.value != text.value)
-            copy = SaveText(current);
+            copy = CopyText(AllocTextBuffer(), current);
         text = current;
         word = copy;
         m_Kept.push_back(keeper);
@@ -104,16 +108,6 @@ void CVScript::LeaveText(DWORD place) {
     for (std::size_t index = 0; index < m_Arguments.size(); ++index)
         if (refers(m_Arguments[index]))
             leave(m_Arguments[index], ArgumentPlace(index));
-}
-
-// A copy in the running block; no text after a report.
-ScriptWord CVScript::SaveText(ScriptWord text) {
-    const DWORD buffer = AllocTextBuffer();
-    const std::string_view characters = buffer == 0 ? std::string_view{} : ReadText(text);
-    if (HasError())
-        return {};
-    m_Area.StoreText(buffer, characters);
-    return ScriptWord::Text(CScriptMemory::AreaLocation(buffer));
 }
 
 // Whether a text is given back while the place stays: at the end of the first scope that began

@@ -59,7 +59,7 @@ void CScriptMemory::SetHome(DWORD place, DWORD home) {
         m_area.SetHome(element, home == 0 ? CScriptArea::NO_HOME : home);
 }
 
-ScriptWord CScriptMemory::Resolve(ScriptWord text) const {
+ScriptWord CScriptMemory::ResolveElement(ScriptWord text) const {
     const DWORD element = FindElement(ElementOf(text.Location()));
     if (!text.text || element == 0)
         return text;

@@ -90,7 +90,9 @@ class CScriptMemory {
         return position < CScriptArea::CAPACITY ? AreaLocation(position) : 0;
     }
     // Where the text stands now: of an element's text what the element refers to.
-    ScriptWord Resolve(ScriptWord text) const;
+    ScriptWord Resolve(ScriptWord text) const {
+        return ElementOf(text.Location()) == 0 ? text : ResolveElement(text);
+    }
 
     // The text at a location, up to its NUL or the end of the memory it stands in. It stays valid
     // until that memory is written to.
@@ -119,6 +121,7 @@ class CScriptMemory {
     };
     Span Find(DWORD location) const;
     DWORD FindElement(DWORD location) const;
+    ScriptWord ResolveElement(ScriptWord text) const;
 
     CScriptArea& m_area;
     CSymbolTable& m_symbols;

@@ -79,14 +79,15 @@ void CVScript::ExecuteSimple(DWORD floor) {
 
 // What texts the statement made on its way is given back at once, unless somebody refers to one.
 void CVScript::ExecuteExpression(BYTE code, DWORD floor) {
-    const Scope statement = {m_Symbols.Top(), m_Area.Heap(), m_Kept.size(), m_Borrowers.size()};
+    const DWORD heap = m_Area.Heap();
+    const std::size_t kept = m_Kept.size();
     const bool wasStored = m_bTextStored;
     m_bTextStored = false;
     m_bNoCopy = false;
     if (code != TOKEN_NAME || !AssignPlain(floor))
         Evaluate(floor);
-    if (!m_bTextStored && !HasError())
-        GiveBackHeap(statement, false);
+    if (!m_bTextStored)
+        GiveBackHeap({m_Symbols.Top(), heap, kept}, false);
     m_bTextStored = m_bTextStored || wasStored;
 }
 

@@ -62,7 +62,11 @@ CommandLine ParseCommandLine(int argumentCount, const char* const* arguments) {
 
     commandLine.port = arguments[1];
     commandLine.wantsUsage = commandLine.port == "-?" || commandLine.port == "/?";
-    if (commandLine.wantsUsage)
+    const bool wantsCheck = commandLine.port == "--check";
+    if (wantsCheck && argumentCount > 2)
+        commandLine.checkedFile = arguments[2];
+    commandLine.wantsUsage |= wantsCheck && commandLine.checkedFile.empty();
+    if (wantsCheck || commandLine.wantsUsage)
         return commandLine;
 
     for (int index = 2; index < argumentCount; ++index)

@@ -3,6 +3,7 @@
 #include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
+#include "terminal/StandardError.h"
 
 CConsole* g_pActiveConsole = nullptr;
 
@@ -26,6 +27,8 @@ BOOL ConsoleCtrlHandler(DWORD controlEvent) {
         platform::RequestEnd();
     if (g_pActiveConsole)
         g_pActiveConsole->Restore();
+    if (goesOn)
+        TellOnStandardError("the run goes on without the screen; Ctrl+C ends it");
     return TRUE;
 }
 

@@ -26,7 +26,8 @@ class CConsole {
     void Restore();
 
     // Ctrl+Break from now on only gives the console back, if there is a terminal to give back, and
-    // what the session does goes on. All other events that give it back ask for the end as well.
+    // what the session does goes on, as the user is told. All other events that give it back ask
+    // for the end as well.
     void OutliveBreak() { m_bOutlivesBreak = true; }
     bool OutlivesBreak() const;
 

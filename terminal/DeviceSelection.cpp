@@ -1,5 +1,6 @@
 #include "terminal/DeviceSelection.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/PrintableText.h"
 #include "terminal/Decimal.h"
 #include "terminal/DeviceName.h"
@@ -47,7 +48,8 @@ void ShowDevices(const ModemNames& modems, const PortNames& ports) {
     std::size_t number = 0;
     for (const auto* names : {&modems, &ports})
         for (const std::string& name : *names)
-            std::printf(" %zu) %s\n", ++number, platform::PrintableText(name).c_str());
+            std::printf(" %zu) %s\n", ++number,
+                        platform::LocaleText(platform::PrintableText(name)).c_str());
     std::fputs(LoadString(IDS_DEVICE_PROMPT), stdout);
     std::fflush(stdout);
 }

@@ -4,6 +4,7 @@
 #include "diagnostics/ModuleTrace.h"
 #include "platform/StandardStreams.h"
 #include "telephony/ITapi.h"
+#include "terminal/CheckCommand.h"
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
 #include "terminal/DeviceSelection.h"
@@ -25,9 +26,12 @@ int main(int argc, char** argv) {
     platform::OpenClosedStreams();
     ListenToModules();
     DebugSetModuleName("Mobile Wirelet");
+    const CommandLine commandLine = ParseCommandLine(argc, argv);
+    // Its output is for programs to read.
+    if (!commandLine.checkedFile.empty())
+        return CheckScriptFile(commandLine.checkedFile);
     std::printf("Corvane v%s\n", kVersion);
 
-    const CommandLine commandLine = ParseCommandLine(argc, argv);
     if (commandLine.wantsUsage) {
         std::fputs(GetUsageText(), stdout);
         return kExitUsage;

@@ -1,6 +1,7 @@
 #include "terminal/OpenFailure.h"
 
 #include "modem/Modem.h"
+#include "platform/CharacterSet.h"
 #include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/PrintableText.h"
@@ -89,7 +90,8 @@ const char* ExplainMissingTelephony() {
 void ReportOpenFailure(const CVModem& modem, const std::string& deviceName,
                        const std::string& title, DWORD error) {
     TellOnStandardError(Explain(modem, deviceName, error));
-    std::printf(LoadString(IDS_CANNOT_OPEN), platform::PrintableText(title).c_str());
+    const std::string shown = platform::LocaleText(platform::PrintableText(title));
+    std::printf(LoadString(IDS_CANNOT_OPEN), shown.c_str());
     std::fflush(stdout);
     static_cast<void>(std::getchar());
 }

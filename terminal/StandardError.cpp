@@ -1,5 +1,6 @@
 #include "terminal/StandardError.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/PrintableText.h"
 #include "platform/StandardStreams.h"
 
@@ -38,5 +39,6 @@ void TellOnStandardError(std::string_view message) {
     message = message.substr(begin, message.find_last_not_of('\n') + 1 - begin);
     const std::string beginning = message.starts_with(kName) ? "" : kName;
     const std::string line = beginning + platform::PrintableText(message);
-    std::fprintf(stderr, "%s\n", BreakBetweenWords(line, platform::ErrorColumns()).c_str());
+    const std::string broken = BreakBetweenWords(line, platform::ErrorColumns());
+    std::fprintf(stderr, "%s\n", platform::LocaleText(broken).c_str());
 }

@@ -30,6 +30,10 @@ BOOL FailOpen(int systemError) {
     return FailWith(IsLoss(systemError) ? ERROR_DEVICE_NOT_CONNECTED : ErrorFromErrno(systemError));
 }
 
+bool IsSenderHeld(const DCB& dcb) {
+    return dcb.fRtsControl == RTS_CONTROL_HANDSHAKE || dcb.fInX;
+}
+
 int AtMostInt(DWORD count) {
     return static_cast<int>(std::min<DWORD>(count, INT_MAX));
 }
@@ -62,6 +66,7 @@ BOOL CCommDriver::Open(LPCSTR path) {
         return FailOpen(systemError);
     }
     m_dwRTSControl = DcbOfSettings(raw).fRtsControl;
+    m_bHoldsSender = IsSenderHeld(DcbOfSettings(raw));
     // Errors that were counted before are not this port's.
     DWORD formerErrors = 0;
     TakeErrors(formerErrors);
@@ -256,6 +261,7 @@ BOOL CCommDriver::SetState(const DCB& dcb) {
         return FALSE;
     if (!AreSettingsTaken(asked, inPlace, m_bPseudoTerminal))
         return Call(TCSETS2, &former) && FailWith(ERROR_INVALID_PARAMETER);
+    m_bHoldsSender = IsSenderHeld(dcb);
     return ApplyLines(dcb);
 }
 

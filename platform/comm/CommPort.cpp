@@ -127,20 +127,25 @@ int CCommPort::FillForTheReader() {
     return received;
 }
 
-bool CCommPort::TakeIn(bool& discarded) {
+CCommPort::Intake CCommPort::TakeIn() {
     const std::lock_guard lock(m_receiveMutex);
     if (m_bReceiveClosed)
-        return false;
-    const int received = m_queue.Free() > 0 ? FillForTheReader() : DiscardReceived(discarded);
+        return Intake::ENDED;
+    Intake result = Intake::HELD;
+    if (m_queue.Free() > 0 || m_queue.Extend())
+        result = FillForTheReader() < 0 ? Intake::ENDED : Intake::TAKEN;
+    else if (!m_driver.HoldsSender())
+        result = DiscardReceived();
     m_bAskDriver = true;
-    return received >= 0;
+    return result;
 }
 
-int CCommPort::DiscardReceived(bool& discarded) {
+CCommPort::Intake CCommPort::DiscardReceived() {
     BYTE unwanted[QUEUE_SIZE_AT_OPENING];
     const int received = ReceiveFromDriver(unwanted, sizeof unwanted);
-    discarded = discarded || received > 0;
-    return received;
+    if (received < 0)
+        return Intake::ENDED;
+    return received > 0 ? Intake::DISCARDED : Intake::TAKEN;
 }
 
 // The queue's bytes first, then the driver's: large pieces straight into the buffer, small ones by

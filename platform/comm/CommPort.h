@@ -45,9 +45,11 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     BOOL ClearError(LPDWORD errors, COMSTAT* status);
     BOOL Purge(DWORD flags);
 
-    // Takes what the driver holds into the receive queue, or discards it when the queue is full.
-    // False once nothing more can come.
-    bool TakeIn(bool& discarded);
+    // Takes what the driver holds into the receive queue while nobody reads it, up to 1 MiB. What
+    // finds no room is left in the driver when that can hold the sender (HELD), else discarded.
+    // ENDED once nothing more can come.
+    enum class Intake { TAKEN, HELD, DISCARDED, ENDED };
+    Intake TakeIn();
 
     // For what is the driver's alone: lines and line settings.
     CCommDriver& Driver() { return m_driver; }
@@ -81,7 +83,7 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     int TakeReceived(void* buffer, DWORD count);
     int FillQueue();
     int FillForTheReader();
-    int DiscardReceived(bool& discarded);
+    Intake DiscardReceived();
     int ReceiveFromDriver(void* buffer, DWORD count);
     BOOL CountUnsent(DWORD& count);
     void StepRead();

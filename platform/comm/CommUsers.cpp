@@ -131,6 +131,11 @@ bool IsDeviceOpenIn(DWORD process, const std::string& devicePath) {
            HasOpen(std::to_string(process).c_str(), device.st_rdev);
 }
 
+bool IsDeviceUserSeen(const std::string& devicePath) {
+    struct stat device {};
+    return stat(devicePath.c_str(), &device) == 0 && FindCommUser(device).process != 0;
+}
+
 CommUser FindCommUser(const struct stat& device) {
     pid_t process = FindLockHolder(device);
     if (process == 0)

@@ -132,7 +132,7 @@ void PutAscii(CLineFiller& lines, std::uint8_t byte) {
 void PutCharacter(CLineFiller& lines, const CUtf8Decoder& decoder) {
     if (decoder.Code() < 0x80)
         return PutAscii(lines, static_cast<std::uint8_t>(decoder.Code()));
-    switch (KindOf(decoder.Code())) {
+    switch (KindOf(decoder, CCharacterSet::OfLocale())) {
     case CharacterKind::NARROW:
         return lines.Put(decoder.Bytes(), 1);
     case CharacterKind::WIDE:
@@ -143,6 +143,8 @@ void PutCharacter(CLineFiller& lines, const CUtf8Decoder& decoder) {
         return lines.Put(PictureOf(static_cast<std::uint8_t>(decoder.Code())), 1);
     case CharacterKind::REPLACED:
         return lines.Put(REPLACEMENT, 1);
+    case CharacterKind::LACKING:
+        return lines.Put(LACKING, 1);
     case CharacterKind::OMITTED:
         return;
     }

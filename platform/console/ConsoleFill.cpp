@@ -98,7 +98,7 @@ bool CConsoleFill::DrawRow(int row, int column, int endColumn) {
         const int cells = std::min(CELLS_AT_ONCE, endColumn - column);
         m_cursor.MoveTerminal(column, row);
         for (int cell = 0; cell < cells; ++cell)
-            m_gather.Put(picture);
+            m_gather.PutText(picture);
         m_cursor.TerminalDrew(cells);
         column += cells;
     }

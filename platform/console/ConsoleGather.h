@@ -8,6 +8,7 @@
 // touches few pages of it.
 #pragma once
 
+#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleChannel.h"
 
 #include <cstddef>
@@ -28,6 +29,10 @@ class CConsoleGather {
     CConsoleChannel& Channel() { return m_channel; }
     const CConsoleChannel& Channel() const { return m_channel; }
 
+    // The character set of what reads the output.
+    void Use(const CCharacterSet& set) { m_set = &set; }
+    const CCharacterSet& Set() const { return *m_set; }
+
     std::size_t Count() const { return m_nEnd - m_nBegin; }
     // The room of the short way, which needs no further look.
     std::size_t EasyRoom() const { return m_nLimit > m_nEnd ? m_nLimit - m_nEnd : 0; }
@@ -42,6 +47,13 @@ class CConsoleGather {
     void Put(std::string_view text) {
         std::memcpy(m_bytes + m_nEnd, text.data(), text.size());
         m_nEnd += text.size();
+    }
+    // Appends a text that is UTF-8, in the reader's character set; never more bytes than it has.
+    void PutText(std::string_view text) {
+        if (m_set->IsUtf8())
+            Put(text);
+        else
+            Put(m_set->Encode(text));
     }
     // Appends the printable ASCII characters at the front of the bytes, at most the given number;
     // returns how many.
@@ -72,6 +84,7 @@ class CConsoleGather {
     bool WaitForRoom();
 
     CConsoleChannel m_channel;
+    const CCharacterSet* m_set = &CCharacterSet::Utf8();
     std::size_t m_nBegin = 0;
     std::size_t m_nEnd = 0;
     std::size_t m_nLimit = HIGH_WATER;

@@ -1,5 +1,6 @@
 #include "platform/console/ConsoleInput.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleKeyTable.h"
 
 #include <algorithm>
@@ -31,6 +32,8 @@ void CConsoleInput::Use(int descriptor, const char* terminalType) {
     m_nDescriptor = descriptor;
     m_terminalType = terminalType;
     m_bKeyboard = isatty(descriptor) != 0;
+    const CCharacterSet& set = CCharacterSet::OfLocale();
+    m_bUtf8 = set.IsUtf8() || set.IsAscii(); // the latter is that of a locale that nobody has set
     m_bEnd = fcntl(descriptor, F_GETFD) < 0; // started without a standard input
     // A read that stopped the process begins again by itself when it continues, before the terminal
     // is raw: it must not wait for a line then. Other terminals stop nobody.
@@ -78,7 +81,7 @@ void CConsoleInput::FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD
 
 // Whether the byte belongs to the character of the one before it.
 bool CConsoleInput::GoesOn(std::uint8_t byte) {
-    if (byte < 0x80 && m_character.IsIdle())
+    if ((byte < 0x80 && m_character.IsIdle()) || !m_bUtf8)
         return false;
     const bool isInside = !m_character.IsIdle();
     if (m_character.Feed(byte) != CUtf8Decoder::Result::BROKEN)

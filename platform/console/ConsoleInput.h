@@ -43,6 +43,7 @@ class CConsoleInput final : public CHandleObject {
     // How many of the bytes that are read next were typed while Enter was made LF: they arrive with
     // CR in its place. CConsoleMode::EVERY: the terminal is in somebody else's hands.
     void SetTypedBefore(std::size_t count) { m_nTypedBefore = count; }
+    bool WasTypedBefore() const { return m_nTypedBefore != 0; }
     bool IsSomebodyElses() const { return m_nTypedBefore == CConsoleMode::EVERY; }
 
     // The character that the terminal's Backspace key sends; it is delivered as BACKSPACE.
@@ -107,6 +108,7 @@ class CConsoleInput final : public CHandleObject {
     bool m_bEnd = false;
     bool m_bKeysLoaded = false;
     bool m_bKeyboard = false;
+    bool m_bUtf8 = true;
     std::uint8_t m_byErase = BACKSPACE;
     CUtf8Decoder m_character; // as far as it was delivered
     COORD m_size = {0, 0};

@@ -84,7 +84,7 @@ std::uint8_t CConsoleMode::EraseCharacter() const {
 
 void CConsoleMode::DiscardInput() {
     for (int index = 0; index < m_nTerminals; ++index) {
-        if (IsForeground(m_terminals[index]))
+        if (m_terminals[index].isInput && IsForeground(m_terminals[index]))
             tcflush(m_terminals[index].descriptor, TCIFLUSH);
     }
 }

@@ -137,7 +137,7 @@ void CConsoleOutput::WritePlainControl(std::uint8_t byte) {
 }
 
 void CConsoleOutput::WriteCharacter() {
-    switch (KindOf(m_decoder.Code())) {
+    switch (KindOf(m_decoder, m_gather.Set())) {
     case CharacterKind::NARROW:
         return Draw(m_decoder.Bytes(), 1);
     case CharacterKind::WIDE:
@@ -148,6 +148,8 @@ void CConsoleOutput::WriteCharacter() {
         return Draw(PictureOf(static_cast<std::uint8_t>(m_decoder.Code())), 1);
     case CharacterKind::REPLACED:
         return Draw(REPLACEMENT, 1);
+    case CharacterKind::LACKING:
+        return Draw(LACKING, 1);
     case CharacterKind::OMITTED:
         return;
     }
@@ -157,7 +159,7 @@ void CConsoleOutput::Draw(std::string_view character, int width) {
     if (!m_bTerminal) {
         EndHeldReturn();
         m_cursor.BeginPlain(); // before the columns come to their end
-        m_gather.Put(character);
+        m_gather.PutText(character);
         return;
     }
     m_colours.Sync();
@@ -165,7 +167,7 @@ void CConsoleOutput::Draw(std::string_view character, int width) {
         m_cursor.Sync();
     else
         m_cursor.BeforeCharacter(width);
-    m_gather.Put(character);
+    m_gather.PutText(character);
     if (width != 0)
         m_cursor.AfterCharacter(width);
 }

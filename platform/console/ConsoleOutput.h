@@ -23,9 +23,10 @@ class CConsoleOutput final : public CHandleObject {
   public:
     CConsoleOutput() = default;
 
-    // Takes the descriptor of standard output and the terminal's type (TERM; null: unknown) and
-    // decides between terminal and plain text.
-    void Use(int descriptor, const char* terminalType);
+    // Takes the descriptor of standard output, the terminal's type (TERM; null: unknown) and the
+    // character set of the user's locale, and decides between terminal and plain text.
+    void Use(int descriptor, const char* terminalType,
+             const CCharacterSet& set = CCharacterSet::OfLocale());
     bool IsTerminal() const { return m_bTerminal; }
 
     // Begin gathers; End lets out what was gathered, gives up after 2 s without progress, and
@@ -87,7 +88,9 @@ class CConsoleOutput final : public CHandleObject {
     bool IsReady() const override;
     bool TryAcquire(short events) override;
 
-    static constexpr int MOST_MILLISECONDS_WITHOUT_PROGRESS = 2000;
+    // How long a terminal may take nothing before what is gathered for it is given up: two seconds,
+    // one when the program is to end.
+    static int MostMillisecondsWithoutProgress();
 
   private:
     enum Obstacle : unsigned {

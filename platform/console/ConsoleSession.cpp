@@ -49,7 +49,7 @@ void CConsoleSession::GiveBack(Typed typed) {
     m_bTakenOver = false;
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_nOutput : -1); // the other one is closed now
     m_output.End();
-    if (typed == Typed::DROPPED_IF_READ && m_input.WasRead())
+    if (typed == Typed::DROPPED && (m_input.WasRead() || !m_input.WasTypedBefore()))
         m_mode.DiscardInput();
     // Whoever sees the terminal as it was may send the next signal, which must not be lost.
     consolesignals::NoteControlEvents(false);

@@ -65,7 +65,7 @@ void CConsoleTitle::Set(std::string_view title) {
             return;
         }
         room -= bytes.size();
-        m_gather.Put(bytes);
+        m_gather.PutText(bytes);
     };
     ReadUtf8(title, put, [](std::uint8_t) {});
     m_gather.Put('\a');

@@ -1,57 +1,36 @@
-// The messages of one thread: those posted to it or to its windows, those sent to its windows by
-// other threads, and the answers to those it has sent itself. Nothing outside platform/ includes
-// this header.
+// The messages of one thread, in the order in which they came: those posted to it or to its
+// windows, those sent to its windows by other threads, and the answers to those it has sent itself.
+// Nothing outside platform/ includes this header.
 //
-// Owned by its thread (see ThreadQueues.h) and kept by whoever is about to put something in; End
-// stops it, after which nothing comes in. Its lock is held for list work alone: never while code of
-// others runs, never together with another queue's.
+// Shared by its thread (see ThreadQueue.h), the thread's windows and the messages that it has sent;
+// an answer that comes after the thread's end goes with the queue. Its lock is held for list work
+// alone: never while code of others runs, never together with another queue's.
 #pragma once
 
 #include "platform/Message.h"
-#include "platform/objects/EventObject.h"
 
-#include <cstdint>
 #include <list>
 #include <memory>
 #include <mutex>
-#include <set>
 
 namespace platform {
 
 class CMessageQueue;
 
-// A message on its way to a window, then its answer on the way back.
-struct SentMessage {
-    HWND window = nullptr;
-    UINT message = WM_NULL;
-    WPARAM wParam = 0;
-    LPARAM lParam = 0;
-    std::shared_ptr<CMessageQueue> sender; // null once answered
-    SENDASYNCPROC callback = nullptr;
+struct QueuedMessage {
+    MSG message{};
+    SENDASYNCPROC callback = nullptr; // null: it was posted
     ULONG_PTR data = 0;
+    std::shared_ptr<CMessageQueue> sender{}; // null: it was posted, or is the answer
     LRESULT result = 0;
-    std::uint64_t order = 0; // of its arrival in the queue that it is in
 };
 
 // Lists, because their elements move from queue to queue without an allocation that could fail
-// halfway. Where a function below takes one, it holds a single message.
-using SentMessages = std::list<SentMessage>;
+// halfway. Where a function below takes or returns one, it holds at most one message.
+using QueuedMessages = std::list<QueuedMessage>;
 
-// What PeekMessageA was asked for.
-struct MessageFilter {
-    HWND window;
-    UINT lowest;
-    UINT highest;
-
-    bool LetsThrough(const MSG& message) const;
-};
-
-class CMessageQueue final : public std::enable_shared_from_this<CMessageQueue> {
+class CMessageQueue final {
   public:
-    // The number that the published interface gives; it bounds the posted and the sent messages
-    // each.
-    static constexpr std::size_t MESSAGES_MAX = 10000;
-
     CMessageQueue() = default;
     CMessageQueue(const CMessageQueue&) = delete;
     CMessageQueue& operator=(const CMessageQueue&) = delete;
@@ -60,56 +39,40 @@ class CMessageQueue final : public std::enable_shared_from_this<CMessageQueue> {
     // Gets what waits look at. FALSE with ERROR_TOO_MANY_OPEN_FILES or ERROR_NOT_ENOUGH_MEMORY.
     BOOL Create();
 
-    // By any thread. FALSE with the errors of PostMessageA; a sent message is taken out of the list
-    // only on success.
-    BOOL Post(const MSG& message);
-    BOOL Send(SentMessages& sent);
+    // By any thread: takes the message over, out of the list. FALSE with ERROR_NOT_ENOUGH_QUOTA.
+    BOOL Put(QueuedMessages& message);
+
+    // By the thread that TakeSent has given the message to: gives it back to its sender. There is
+    // always room for answers: what could be answered was bounded when it was sent.
+    static void Answer(QueuedMessages& sent, LRESULT result);
 
     // The rest by the queue's own thread.
 
     // An event that is signalled while anything is queued.
     HANDLE ArrivalHandle() const { return m_hArrival; }
 
-    // Lets messages for a window of the thread in. FALSE with ERROR_NOT_ENOUGH_MEMORY.
-    BOOL AddWindow(HWND window);
-    // Lets none in any more, drops those posted to it and answers those sent to it with 0.
-    void RemoveWindow(HWND window);
-    const std::set<HWND>& Windows() const { return m_windows; }
+    bool IsFull();
 
-    // The oldest message that the filter lets through.
-    bool Retrieve(const MessageFilter& filter, bool remove, MSG& message);
+    // Takes the oldest posted message out that the window lets through; see PeekMessageA.
+    bool Retrieve(HWND window, MSG& message);
 
-    // The next sent message or answer that arrived no later than the one of this order; empty when
-    // there is none.
-    SentMessages TakeSent(std::uint64_t order);
-    std::uint64_t LastOrder();
+    // The sent messages and answers that there are, and the oldest of them; empty when there is
+    // none.
+    std::size_t CountSent();
+    QueuedMessages TakeSent();
 
-    // Gives a message that TakeSent returned, and that was no answer, back to its sender.
-    static void Answer(SentMessages& sent, LRESULT result);
-
-    // Around a send to another queue: counts the callbacks to come. FALSE with
-    // ERROR_NOT_ENOUGH_QUOTA.
-    BOOL BeginSend();
-    void CancelSend() { --m_nSending; }
-
-    // At the end of the thread: drops what is queued, answers what was sent with 0.
-    void End();
+    // Drops what there is for a window that is gone, or all (null) at the end of the thread, and
+    // answers what was sent with 0.
+    void Drop(HWND window);
 
   private:
-    BOOL Accepts(HWND window) const;
-    void TakeAnswer(SentMessages& sent);
-    void Queue(SentMessages& sent);
+    void Append(QueuedMessages& message);
     void Settle();
 
     std::mutex m_mutex;
-    bool m_bEnded = false;
-    std::list<MSG> m_posted;
-    SentMessages m_sent; // and answers
-    std::uint64_t m_lastOrder = 0;
-    std::set<HWND> m_windows; // changed by the own thread only, under the lock
-    std::size_t m_nSending = 0;
-    HANDLE m_hArrival = nullptr;
-    std::shared_ptr<CEventObject> m_arrival; // set and reset under the lock
+    QueuedMessages m_posted;
+    QueuedMessages m_sent;       // and answers
+    HANDLE m_hArrival = nullptr; // set and reset under the lock
 };
 
 } // namespace platform

@@ -1,21 +1,37 @@
 #include "platform/Error.h"
-#include "platform/messages/ThreadQueues.h"
+#include "platform/messages/ThreadQueue.h"
 #include "platform/messages/WindowTable.h"
+#include "platform/objects/MakeObject.h"
 
-using platform::CMessageQueue;
 using platform::FailWith;
+using platform::OrNoMemory;
 using platform::WindowTable;
 
+namespace {
+
+// Names are there to find the class again; nobody asks by number.
+constexpr ATOM ANY_CLASS = 0xC000;
+
+LPCSTR OrEmpty(LPCSTR name) {
+    return name != nullptr ? name : "";
+}
+
+} // namespace
+
 ATOM RegisterClassA(const WNDCLASSA* lpWndClass) {
-    if (lpWndClass == nullptr) {
+    if (lpWndClass == nullptr || *OrEmpty(lpWndClass->lpszClassName) == '\0' ||
+        lpWndClass->lpfnWndProc == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    return WindowTable().RegisterClass(lpWndClass->lpszClassName, lpWndClass->lpfnWndProc);
+    const BOOL isRegistered = OrNoMemory([&] {
+        return WindowTable().RegisterClass(lpWndClass->lpszClassName, lpWndClass->lpfnWndProc);
+    });
+    return isRegistered ? ANY_CLASS : 0;
 }
 
 BOOL UnregisterClassA(LPCSTR lpClassName, LPVOID) {
-    return WindowTable().UnregisterClass(lpClassName);
+    return OrNoMemory([&] { return WindowTable().UnregisterClass(OrEmpty(lpClassName)); });
 }
 
 HWND CreateWindowExA(DWORD dwExStyle, LPCSTR lpClassName, LPCSTR, DWORD dwStyle, int, int, int, int,
@@ -25,30 +41,27 @@ HWND CreateWindowExA(DWORD dwExStyle, LPCSTR lpClassName, LPCSTR, DWORD dwStyle,
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    CMessageQueue* const queue = platform::CurrentQueue();
-    if (queue == nullptr)
+    const auto queue = platform::CurrentQueue();
+    if (!queue)
         return nullptr;
-    const HWND window = WindowTable().Add(lpClassName, queue->shared_from_this());
-    if (window == nullptr || queue->AddWindow(window))
-        return window;
-    WindowTable().Remove(window, *queue);
-    return nullptr;
+    return OrNoMemory([&] { return WindowTable().Add(OrEmpty(lpClassName), queue); });
 }
 
 BOOL DestroyWindow(HWND hWnd) {
-    CMessageQueue* const queue = platform::CurrentQueue();
-    if (queue == nullptr || !WindowTable().Remove(hWnd, *queue))
+    const auto queue = platform::CurrentQueue();
+    if (!queue || !WindowTable().Remove(hWnd, *queue))
         return FALSE;
-    queue->RemoveWindow(hWnd);
+    queue->Drop(hWnd);
     return TRUE;
 }
 
 BOOL IsWindow(HWND hWnd) {
-    return WindowTable().Has(hWnd);
+    return WindowTable().Find(hWnd).queue != nullptr;
 }
 
 LONG_PTR GetWindowLongPtrA(HWND hWnd, int nIndex) {
-    return nIndex == GWLP_USERDATA ? WindowTable().UserData(hWnd) : FailWith(ERROR_INVALID_INDEX);
+    return nIndex == GWLP_USERDATA ? WindowTable().Find(hWnd).userData
+                                   : FailWith(ERROR_INVALID_INDEX);
 }
 
 LONG_PTR SetWindowLongPtrA(HWND hWnd, int nIndex, LONG_PTR dwNewLong) {

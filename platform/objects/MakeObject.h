@@ -1,4 +1,4 @@
-// Making a shared object without letting an exception out. Nothing outside platform/ includes this
+// What needs memory, without letting an exception out. Nothing outside platform/ includes this
 // header. Any thread may call it.
 #pragma once
 
@@ -10,15 +10,21 @@
 
 namespace platform {
 
+// What the callable returns, or an empty value with ERROR_NOT_ENOUGH_MEMORY.
+template <class Callable> auto OrNoMemory(const Callable& callable) -> decltype(callable()) {
+    try {
+        return callable();
+    } catch (const std::bad_alloc&) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return {};
+    }
+}
+
 // The new object, or null with ERROR_NOT_ENOUGH_MEMORY.
 template <class Object, class... Arguments>
 std::shared_ptr<Object> MakeObject(Arguments&&... arguments) {
-    try {
-        return std::make_shared<Object>(std::forward<Arguments>(arguments)...);
-    } catch (const std::bad_alloc&) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return nullptr;
-    }
+    return OrNoMemory(
+        [&] { return std::make_shared<Object>(std::forward<Arguments>(arguments)...); });
 }
 
 } // namespace platform

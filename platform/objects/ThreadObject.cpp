@@ -1,7 +1,6 @@
 #include "platform/objects/ThreadObject.h"
 
 #include "platform/Error.h"
-#include "platform/messages/ThreadQueues.h"
 
 #include <sys/eventfd.h>
 #include <sys/resource.h>
@@ -113,7 +112,6 @@ void CThreadObject::Run() {
     m_identifier.notify_all();
     m_bSuspended.wait(true);
     const DWORD result = m_bTerminated ? 0 : m_procedure(m_parameter);
-    EndCurrentQueue();
     DWORD running = STILL_RUNNING;
     m_dwExitCode.compare_exchange_strong(running, result);
     const std::lock_guard lock(m_mutex);

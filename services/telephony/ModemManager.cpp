@@ -78,6 +78,8 @@ EHold CModemHold::Take(const LineDevice& device, const CCancellation& cancellati
 
 EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
     const DWORD manager = m_manager->FindProcess(cancellation);
+    const std::string files = "/proc/" + std::to_string(manager) + "/fd";
+    m_bUnseen = manager != 0 && access(files.c_str(), R_OK) != 0;
     const CDescriptor watch = WatchDevice(m_device.devicePath);
     if (manager == 0 || !platform::IsDeviceOpenIn(manager, m_device.devicePath))
         return EHold::NotManaged;

@@ -30,6 +30,10 @@ class CModemHold {
     // a minute in all.
     EHold Take(const LineDevice& device, const CCancellation& cancellation);
 
+    // Whether the manager runs, does not know the device, and does not let this user see what it
+    // has open: it may be probing the device.
+    bool MayBeProbing() const { return m_bUnseen; }
+
     // Whether there is something to be kept.
     bool CanBeLost() const { return m_manager.has_value(); }
 
@@ -50,6 +54,7 @@ class CModemHold {
     std::string m_port;    // "ttyUSB0"
     std::string m_modem;   // the manager's name for its device, once known
     std::string m_refusal; // why the last question has no good answer; empty without a manager
+    bool m_bUnseen = false;
     bool m_bHeld = false;
     std::optional<CManagerBus> m_manager;
 };

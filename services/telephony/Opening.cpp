@@ -1,7 +1,9 @@
 #include "services/telephony/Opening.h"
 
+#include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/File.h"
+#include "services/telephony/Notice.h"
 #include "telephony/TapiTypes.h"
 
 #include <fcntl.h>
@@ -66,6 +68,10 @@ LONG OpenDevice(const LineDevice& device, const CCancellation& cancellation, Dev
             break;
         cancellation.Wait(MILLISECONDS_BETWEEN_TRIES);
     }
+    if (result == LINEERR_ALLOCATED && use.hold.MayBeProbing() &&
+        !platform::IsDeviceUserSeen(device.devicePath))
+        TellNews(device.name + ": ModemManager may be probing it; if it was just plugged in, try "
+                               "again in half a minute");
     if (result != 0)
         use.hold.Release();
     return result;

@@ -38,12 +38,12 @@ TEST(CommExplain, TellsWhyAPortCannotBeOpened) {
 }
 
 TEST(CommExplain, MissingPermission) {
-    if (geteuid() != 0)
-        GTEST_SKIP() << "only root can give a device to another group";
     CTestDevice device;
     constexpr uid_t NOBODY = 65534;
     constexpr gid_t SOME_GROUP = 5;
-    ASSERT_EQ(chown(device.Path(), 0, SOME_GROUP), 0);
+    // Root of a user namespace may not have one.
+    if (chown(device.Path(), 0, SOME_GROUP) != 0)
+        GTEST_SKIP() << "only root can give a device to another group";
     ASSERT_EQ(chmod(device.Path(), 0660), 0);
     ASSERT_EQ(seteuid(NOBODY), 0);
     EXPECT_EQ(OpenPort(device.Path()), INVALID_HANDLE_VALUE);

@@ -81,6 +81,22 @@ TEST(CommOpen, OtherEndCloses) {
     EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_FAILED);
 }
 
+TEST(CommRead, WhatTheQueueHasNoRoomForIsCountedToo) {
+    CTestDevice device;
+    const HANDLE port = OpenPort(device.Path());
+    ASSERT_TRUE(SetupComm(port, 10, 10));
+    device.Say(std::string(30, 'x'));
+    COMSTAT status{};
+    while (status.cbInQue < 30)
+        ASSERT_TRUE(ClearCommError(port, nullptr, &status));
+    char bytes[4];
+    DWORD taken = 0;
+    EXPECT_TRUE(ReadFile(port, bytes, sizeof bytes, &taken, nullptr));
+    EXPECT_TRUE(ClearCommError(port, nullptr, &status));
+    EXPECT_EQ(status.cbInQue, 26u);
+    EXPECT_TRUE(CloseHandle(port));
+}
+
 TEST(CommWrite, WhatIsPendingIsUnsent) {
     CTestDevice device;
     const HANDLE port = OpenPort(device.Path());

@@ -70,6 +70,28 @@ TEST(ConsolePlain, TextWithoutASequence) {
     EXPECT_EQ(Plain(much, CDescriptor(dup(file.Get())), file.Get(), much.size()), "<" + much);
 }
 
+TEST(ConsolePlain, TextIsInTheLocalesCharacterSet) {
+    const struct {
+        const char* set;
+        std::string_view written;
+        std::string_view expected;
+    } cases[] = {
+        {"ISO-8859-1", "\u00DB\u6F22e\u0301\u202E\x9B\x01|", "\xDB?e??\xA2?|"},
+        {"KOI8-R", "\u0416\u2264\u00A0", "\xF6??"}, // it has them as 98 and 9A
+        {"ANSI_X3.4-1968", "\u00DB", "\u00DB"},     // what no terminal reads
+    };
+    for (const auto& text : cases) {
+        const Pipe pipe;
+        const CCharacterSet set(text.set);
+        CConsoleOutput output;
+        output.Use(pipe.writer.Get(), "xterm", set);
+        EXPECT_TRUE(Write(output, text.written));
+        char bytes[64];
+        const ssize_t count = read(pipe.reader.Get(), bytes, sizeof bytes);
+        EXPECT_EQ(std::string_view(bytes, static_cast<std::size_t>(count)), text.expected);
+    }
+}
+
 TEST(ConsoleSlow, WaitsForTheTerminalOnceTheBufferIsFull) {
     CShownConsole console;
     console.Clear();

@@ -99,6 +99,16 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
     EXPECT_EQ(FindHostileByte(m_terminal.GetOutput()), std::string::npos);
 }
 
+TEST_F(CDeviceOutputTest, GoesOutInTheLocalesCharacterSet) {
+    SetVariable("LANG", "de_DE.ISO-8859-1"); // also where the system does not have it
+    StartInteractive();
+    m_device.Send("\x1B[2J\x1B[H\u00DB\u6F22\x1B[6n");
+    EXPECT_TRUE(DeviceGets("\x1B[1;3R"));
+    EXPECT_TRUE(Fulfils("the characters", [this] {
+        return m_terminal.GetOutput().find("\xDB?") != std::string::npos;
+    }));
+}
+
 TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {
     StartInteractive();
     m_device.Send(std::string(10 << 20, '\x1B') + "[2J\x1B[Hafter the escapes");

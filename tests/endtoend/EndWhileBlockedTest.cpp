@@ -14,6 +14,7 @@ struct Place {
     char fifo;            // the switch that names a FIFO with nobody at its other end; 0: none
     bool takes;           // the device takes what it gets
     std::string_view typed = {};
+    bool isSeen = true; // the terminal takes what it gets
 };
 
 const std::string kMuch(300000, 'm');
@@ -30,8 +31,11 @@ const Place kPlaces[] = {
     {"ScriptAwaitsText", "WaitForString(\"text\", 60000)", nullptr, 0, false},
     {"ScriptWaits", "Wait(60000)", nullptr, 0, false},
     {"ScriptComputes", "WHILE 1\r\nWEND", nullptr, 0, false},
-    {"ScriptShowsBoxes", "WHILE 1\r\nMessageBox(\"box\", \"\")\r\nWait(100)\r\nWEND", nullptr, 0,
-     false},
+    {"ScriptShowsBoxes",
+     "MessageBox(\"box\", \"\")\r\nWait(300)\r\nWHILE 1\r\nMessageBox(\"a text that soon fills a "
+     "pipe that nobody reads, when it is not in a "
+     "box but on standard error, over and over\", \"\")\r\nWEND",
+     nullptr, 0, false},
     {"ScriptIsAwaited", nullptr, nullptr, 'S', false},
     {"ScriptIsLogged", "SendFile(\"much\")", nullptr, 'O', true},
     {"CommandIsSent", nullptr, "much", 0, false},
@@ -41,6 +45,7 @@ const Place kPlaces[] = {
     {"Menu", nullptr, nullptr, 0, false, kF5},
     {"TypedText", nullptr, nullptr, 0, false, kMuch},
     {"TypedTextIsLogged", nullptr, nullptr, 'O', true, kMuch},
+    {"TerminalTakesNothing", nullptr, nullptr, 0, false, {}, false},
 };
 
 } // namespace
@@ -80,17 +85,21 @@ class CEndWhileBlockedTest : public CSessionTest, public ::testing::WithParamInt
     }
 
     // Starts the program and lets it get to its place.
-    void StartAndBlock(int stream) {
+    void StartAndBlock(int stream, int error) {
         m_device = CDevice();
         m_device.SetReadLimit(GetParam().takes ? 65536 : 0);
         const std::size_t before = m_terminal.GetOutput().size();
-        StartWith(stream, stream, stream, MakeArguments());
+        m_terminal.SetReading(true);
+        StartWith(stream, stream, error, MakeArguments());
         if (stream < 0) {
             ASSERT_TRUE(Fulfils("the start", [&] {
                 return m_terminal.GetOutput().find("19200 baud", before) != std::string::npos;
             }));
         }
         Type(GetParam().typed);
+        m_terminal.SetReading(GetParam().isSeen);
+        if (!GetParam().isSeen)
+            m_device.SendEndlessly("unseen ");
         m_pump.RunFor(std::chrono::milliseconds(500));
         ASSERT_FALSE(m_program->HasEnded());
     }
@@ -105,18 +114,19 @@ class CEndWhileBlockedTest : public CSessionTest, public ::testing::WithParamInt
 };
 
 TEST_P(CEndWhileBlockedTest, EndsInOrder) {
-    StartAndBlock(-1);
+    StartAndBlock(-1, -1);
     ExpectEnd(SIGHUP);
     if (!IsRun())
         return;
     // The first only gives the terminal back, if there is one.
-    StartAndBlock(-1);
+    StartAndBlock(-1, -1);
     m_program->Kill(SIGQUIT);
     ASSERT_TRUE(GivesTerminalBack());
     m_pump.RunFor(std::chrono::milliseconds(200));
     ExpectEnd(SIGTERM);
     const CDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
-    StartAndBlock(null.Get());
+    const Pipe unread;
+    StartAndBlock(null.Get(), unread.writer.Get());
     ExpectEnd(SIGQUIT);
 }
 

@@ -111,7 +111,10 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
         const std::lock_guard lock(m_lock);
         return m_bVanished && m_reads.empty();
     }
-    BOOL Drain(DWORD) override { return TRUE; }
+    BOOL Drain(DWORD noProgress) override {
+        m_calls.push_back("drain " + std::to_string(noProgress));
+        return TRUE;
+    }
 
   private:
     const Kind m_kind;

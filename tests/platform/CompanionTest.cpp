@@ -14,22 +14,18 @@ class CFakeCompanion final : public platform::IWaitCompanion {
   public:
     CFakeCompanion() { platform::SetWaitCompanion(this); }
     ~CFakeCompanion() { platform::SetWaitCompanion(nullptr); }
-    CFakeCompanion(const CFakeCompanion&) = delete;
-    CFakeCompanion& operator=(const CFakeCompanion&) = delete;
 
     bool HasWork() const override { return true; }
     void DoWork() override { ++m_nWorked; }
     int Watch(pollfd* descriptors) override {
-        descriptors[0] = {m_control.Get(), POLLIN, 0};
+        *descriptors = {m_control.Get(), POLLIN, 0};
         return 1;
     }
     void Serve(const pollfd* descriptors, int count) override {
-        ASSERT_EQ(count, 1);
-        if (descriptors[0].revents == 0)
-            return;
+        EXPECT_EQ(count, 1);
         eventfd_t value = 0;
-        eventfd_read(m_control.Get(), &value);
-        ++m_nServed;
+        if (descriptors->revents != 0 && eventfd_read(m_control.Get(), &value) == 0)
+            ++m_nServed;
     }
     void Raise() { eventfd_write(m_control.Get(), 1); }
 

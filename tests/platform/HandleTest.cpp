@@ -9,13 +9,10 @@
 #include <atomic>
 #include <csignal>
 #include <cstdint>
+#include <thread>
 #include <vector>
 
 namespace {
-
-HANDLE HandleOf(std::uintptr_t value) {
-    return reinterpret_cast<HANDLE>(value);
-}
 
 void ExpectInvalid(HANDLE handle) {
     SetLastError(ERROR_SUCCESS);
@@ -29,73 +26,65 @@ void ExpectInvalid(HANDLE handle) {
 
 TEST(Handle, ClosedReusedAndInventedOnesAreRecognised) {
     const HANDLE closed = CreateEventA(nullptr, TRUE, TRUE, nullptr);
-    ASSERT_NE(closed, nullptr);
     const auto value = reinterpret_cast<std::uintptr_t>(closed);
-    for (const std::uintptr_t offset : {1, 2, 3})
-        ExpectInvalid(HandleOf(value + offset));
-    ExpectInvalid(HandleOf(value + (std::uintptr_t{1} << 32)));
+    for (const std::uintptr_t invented :
+         {value + 1, value + 2, value + 3, value + (std::uintptr_t{1} << 32)})
+        ExpectInvalid(reinterpret_cast<HANDLE>(invented));
     EXPECT_TRUE(CloseHandle(closed));
     ExpectInvalid(closed);
-
     const CTestHandle successor = MakeEvent(true, true);
-    ExpectInvalid(closed);
-    ExpectInvalid(nullptr);
-    ExpectInvalid(INVALID_HANDLE_VALUE);
-    ExpectInvalid(HandleOf(0x7FFFFFFC));
-    EXPECT_EQ(WaitForSingleObject(successor, 0), WAIT_OBJECT_0);
+    for (const HANDLE wrong : {closed, HANDLE{}, INVALID_HANDLE_VALUE,
+                               reinterpret_cast<HANDLE>(std::uintptr_t{0x7FFFFFFC})})
+        ExpectInvalid(wrong);
     EXPECT_FALSE(TerminateThread(successor, 1)) << "one of another kind";
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    const HANDLE withBadOne[] = {successor, nullptr};
+    EXPECT_EQ(WaitForMultipleObjects(2, withBadOne, FALSE, 0), WAIT_FAILED);
+    EXPECT_EQ(WaitForSingleObject(successor, 0), WAIT_OBJECT_0);
 }
 
 TEST(Handle, ClosingEndsTheWaitsOfOthers) {
+    const CTestHandle other = MakeEvent(true, false);
     for (int round = 0; round < 200; ++round) {
         const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-        const CTestHandle other = MakeEvent(true, false);
-        DWORD result = WAIT_TIMEOUT;
-        DWORD error = ERROR_SUCCESS;
-        auto wait = [&] {
+        std::thread waiter([&] {
             const HANDLE handles[] = {other, event};
-            result = WaitForMultipleObjects(2, handles, FALSE, INFINITE);
-            error = GetLastError();
-        };
-        const CTestHandle thread = StartThread(wait);
+            EXPECT_EQ(WaitForMultipleObjects(2, handles, FALSE, INFINITE), WAIT_FAILED);
+            EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        });
         if (round % 2 != 0)
             Sleep(0);
         EXPECT_TRUE(CloseHandle(event));
-        EXPECT_TRUE(AwaitEnd(thread));
-        EXPECT_EQ(result, WAIT_FAILED);
-        EXPECT_EQ(error, ERROR_INVALID_HANDLE);
+        waiter.join();
     }
 }
 
 // Every signal lets one of the waiting threads through and no more, in whichever of its waits the
 // event comes second.
 TEST(Event, AutoResetLetsExactlyOneOfManyWaitersThrough) {
-    constexpr int WAITERS = 4;
-    constexpr int SIGNALS = 2000;
     const CTestHandle event = MakeEvent(false, false);
     const CTestHandle stop = MakeEvent(true, false);
     const CTestHandle taken = MakeEvent(false, false);
     std::atomic<int> count = 0;
-    auto waiter = [&] {
-        const HANDLE handles[] = {stop, event};
-        while (WaitForMultipleObjects(2, handles, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
-            ++count;
-            SetEvent(taken);
-        }
-    };
-    std::vector<CTestHandle> threads;
-    for (int i = 0; i < WAITERS; ++i)
-        threads.push_back(StartThread(waiter));
-    for (int signal = 1; signal <= SIGNALS; ++signal) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            const HANDLE handles[] = {stop, event};
+            while (WaitForMultipleObjects(2, handles, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
+                ++count;
+                SetEvent(taken);
+            }
+        });
+    }
+    for (int signal = 1; signal <= 2000; ++signal) {
         SetEvent(event);
-        ASSERT_EQ(WaitForSingleObject(taken, INFINITE), WAIT_OBJECT_0);
-        ASSERT_EQ(count, signal);
+        EXPECT_EQ(WaitForSingleObject(taken, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(count, signal);
     }
     SetEvent(stop);
-    for (const CTestHandle& thread : threads)
-        EXPECT_TRUE(AwaitEnd(thread));
-    EXPECT_EQ(count, SIGNALS);
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(WaitForSingleObject(taken, 0), WAIT_TIMEOUT);
 }
 
 // What was written before a signal is seen after the wait that took it, also when the signal found
@@ -104,61 +93,50 @@ TEST(Event, SignalsPublishWhatWasWrittenBefore) {
     constexpr int LAST = 20000;
     const CTestHandle event = MakeEvent(false, false);
     std::atomic<int> value = 0;
-    auto writer = [&] {
+    std::thread writer([&] {
         for (int i = 1; i <= LAST; ++i) {
             value.store(i, std::memory_order_relaxed);
             SetEvent(event);
         }
-    };
-    const CTestHandle thread = StartThread(writer);
+    });
     while (value.load(std::memory_order_relaxed) != LAST)
-        ASSERT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-    EXPECT_TRUE(AwaitEnd(thread));
+        EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+    writer.join();
 }
 
 // Resets against sets leave flag and descriptor in step: afterwards both states can be reached.
 TEST(Event, SurvivesRacingSetsAndResets) {
     const CTestHandle event = MakeEvent(true, false);
-    auto toggle = [&] {
+    const auto toggle = [&] {
         for (int i = 0; i < 5000; ++i) {
             SetEvent(event);
             ResetEvent(event);
         }
     };
-    const CTestHandle first = StartThread(toggle);
+    std::thread other(toggle);
     toggle();
-    EXPECT_TRUE(AwaitEnd(first));
+    other.join();
     EXPECT_EQ(WaitForSingleObject(event, 1), WAIT_TIMEOUT);
-    const HANDLE behindAnother[] = {first, event};
     SetEvent(event);
-    EXPECT_EQ(WaitForMultipleObjects(2, behindAnother, FALSE, INFINITE), WAIT_OBJECT_0);
     EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
 }
 
 TEST(Wait, TheLowestSignalledIndexWinsAndOnlyItIsConsumed) {
-    std::vector<CTestHandle> owners;
-    std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> handles{};
-    for (HANDLE& handle : handles) {
-        owners.push_back(MakeEvent(false, false));
-        handle = owners.back();
+    std::array<CTestHandle, MAXIMUM_WAIT_OBJECTS> owners;
+    std::vector<HANDLE> handles;
+    for (CTestHandle& owner : owners) {
+        owner = MakeEvent(false, false);
+        handles.push_back(owner);
     }
     for (const DWORD count : {4U, 8U, 9U, 64U}) {
         const DWORD last = count - 1;
         for (const DWORD index : {last, last / 2, DWORD{0}})
             SetEvent(handles[index]);
-        EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, INFINITE), WAIT_OBJECT_0);
-        EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, INFINITE), last / 2);
-        EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, 0), last);
-        EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, 0), WAIT_TIMEOUT);
+        for (const DWORD index : {DWORD{0}, last / 2})
+            EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, INFINITE), index);
+        for (const DWORD index : {last, DWORD{WAIT_TIMEOUT}})
+            EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, 0), index);
     }
-}
-
-TEST(Wait, AWrongHandleFailsTheWaitAndNothingIsConsumed) {
-    const CTestHandle event = MakeEvent(false, true);
-    const HANDLE withBadOne[] = {event, nullptr};
-    EXPECT_EQ(WaitForMultipleObjects(2, withBadOne, FALSE, 0), WAIT_FAILED);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
 }
 
 // A signal handler that runs meanwhile neither ends a wait nor shortens it.
@@ -168,16 +146,14 @@ TEST(Wait, SignalsDoNotEndAWait) {
     action.sa_handler = [](int) {};
     ASSERT_EQ(sigaction(SIGUSR1, &action, &former), 0);
     const CTestHandle event = MakeEvent(false, false);
-    const pthread_t waiter = pthread_self();
-    auto disturb = [&] {
+    std::thread disturber([&event, waiter = pthread_self()] {
         for (int i = 0; i < 20; ++i) {
             pthread_kill(waiter, SIGUSR1);
             Sleep(1);
         }
         SetEvent(event);
-    };
-    const CTestHandle thread = StartThread(disturb);
+    });
     EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-    EXPECT_TRUE(AwaitEnd(thread));
+    disturber.join();
     sigaction(SIGUSR1, &former, nullptr);
 }

@@ -11,8 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <poll.h>
-#include <sstream>
+#include <fstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -36,30 +35,27 @@ class SoundTest : public ::testing::Test {
   protected:
     SoundTest() {
         mkfifo(told.c_str(), 0600);
-        reader.Reset(open(told.c_str(), O_RDWR | O_CLOEXEC));
+        reader.open(told, std::ios::in | std::ios::out); // both: opening does not wait for players
         setenv("PATH", (folder.GetPath("none") + ":" + folder.GetPath("")).c_str(), 1);
-        sound = folder.Write("a sound.wav", "");
+        std::filesystem::current_path(folder.GetPath(""));
     }
-    ~SoundTest() override { setenv("PATH", path.c_str(), 1); }
+    ~SoundTest() override {
+        setenv("PATH", path.c_str(), 1);
+        std::filesystem::current_path(present);
+    }
 
     void MakePlayer(const char* name, mode_t mode = 0700) const {
         std::string script = PLAYER;
         script.replace(script.find("TOLD"), 4, told);
         chmod(folder.Write(name, script).c_str(), mode);
     }
-    // The lines that a player tells, until its end.
-    std::vector<std::string> Told() const {
-        constexpr int STUCK_MILLISECONDS = 45'000;
-        std::string all;
-        pollfd polled = {reader.Get(), POLLIN, 0};
-        while (!all.ends_with("\nend\n") && poll(&polled, 1, STUCK_MILLISECONDS) > 0) {
-            char bytes[4096];
-            const ssize_t count = read(reader.Get(), bytes, sizeof bytes);
-            all.append(bytes, count > 0 ? static_cast<std::size_t>(count) : 0);
-        }
-        std::istringstream stream(all);
-        std::vector<std::string> lines;
-        for (std::string line; std::getline(stream, line);)
+    // Plays and returns the lines that a player tells.
+    std::vector<std::string> Play(const std::string& file) {
+        std::vector<std::string> lines = {"nothing"};
+        if (!sndPlaySoundA(file.c_str(), SND_ASYNC))
+            return lines;
+        lines.clear();
+        for (std::string line; line != "end" && std::getline(reader, line);)
             lines.push_back(line);
         return lines;
     }
@@ -69,8 +65,9 @@ class SoundTest : public ::testing::Test {
     CTempFolder folder;
     const std::string told = folder.GetPath("told");
     const std::string path = std::getenv("PATH");
-    std::string sound;
-    CDescriptor reader;
+    const std::filesystem::path present = std::filesystem::current_path();
+    const std::string sound = folder.Write("a sound.wav", "");
+    std::fstream reader;
 };
 
 } // namespace
@@ -78,27 +75,22 @@ class SoundTest : public ::testing::Test {
 TEST_F(SoundTest, StartsAPlayerThatIsOnItsOwn) {
     MakePlayer("aplay");
     const CDescriptor held(open(folder.Write("held open", "").c_str(), O_RDONLY)); // not on exec
-    sigset_t blocked;
+    sigset_t mask;
     sigset_t before;
-    sigfillset(&blocked);
-    pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    sigfillset(&mask);
+    pthread_sigmask(SIG_BLOCK, &mask, &before);
     const auto handler = std::signal(SIGINT, SIG_IGN);
-    EXPECT_TRUE(sndPlaySoundA(sound.c_str(), SND_ASYNC));
+    const std::vector<std::string> lines = Play(sound);
     std::signal(SIGINT, handler);
-    sigset_t after;
-    pthread_sigmask(SIG_SETMASK, &before, &after);
-    EXPECT_TRUE(sigismember(&after, SIGTERM)) << "the caller's own mask is as it was";
-    EXPECT_FALSE(HasChild());
-
-    const std::vector<std::string> lines = Told();
-    ASSERT_EQ(lines.size(), 8U) << lines.back();
-    EXPECT_EQ(lines[0], folder.GetPath("/aplay") + " -q " + sound);
-    for (int stream = 1; stream <= 3; ++stream)
-        EXPECT_EQ(lines[static_cast<std::size_t>(stream)], "/dev/null");
-    EXPECT_EQ(lines[4], "SigBlk:\t0000000000000000");
-    EXPECT_EQ(lines[5], "SigIgn:\t0000000000000000");
-    EXPECT_NE(lines[6], std::to_string(getsid(0)) + " 0");
-    EXPECT_TRUE(lines[6].ends_with(" 0")) << "a terminal: " << lines[6];
+    pthread_sigmask(SIG_SETMASK, &before, &mask);
+    EXPECT_TRUE(sigismember(&mask, SIGTERM)) << "the caller's own mask is as it was";
+    const std::string session = lines.at(lines.size() - 2);
+    EXPECT_EQ(lines,
+              (std::vector<std::string>{folder.GetPath("/aplay") + " -q " + sound, "/dev/null",
+                                        "/dev/null", "/dev/null", "SigBlk:\t0000000000000000",
+                                        "SigIgn:\t0000000000000000", session, "end"}));
+    EXPECT_NE(session, std::to_string(getsid(0)) + " 0");
+    EXPECT_TRUE(session.ends_with(" 0")) << "a terminal: " << session;
     EXPECT_FALSE(HasChild());
 }
 
@@ -106,44 +98,30 @@ TEST_F(SoundTest, TheBestPlayerThatCanBeStartedIsTaken) {
     MakePlayer("pw-play", 0600);
     MakePlayer("paplay");
     MakePlayer("aplay");
-    EXPECT_TRUE(sndPlaySoundA(sound.c_str(), SND_ASYNC));
-    EXPECT_EQ(Told()[0], folder.GetPath("/paplay") + " " + sound);
-
+    EXPECT_EQ(Play(sound)[0], folder.GetPath("/paplay") + " " + sound);
     MakePlayer("pw-play");
-    const std::filesystem::path present = std::filesystem::current_path();
-    std::filesystem::current_path(folder.GetPath(""));
     folder.Write("--help", "");
-    EXPECT_TRUE(sndPlaySoundA("--help", SND_ASYNC));
-    std::filesystem::current_path(present);
-    EXPECT_EQ(Told()[0], folder.GetPath("/pw-play") + " ./--help");
-
+    EXPECT_EQ(Play("--help")[0], folder.GetPath("/pw-play") + " ./--help");
     chmod(folder.Write("pw-play", "#!/no/such/shell").c_str(), 0700);
-    EXPECT_TRUE(sndPlaySoundA(sound.c_str(), SND_ASYNC));
-    EXPECT_EQ(Told()[0], folder.GetPath("/paplay") + " " + sound);
+    EXPECT_EQ(Play(sound)[0], folder.GetPath("/paplay") + " " + sound);
     EXPECT_FALSE(HasChild());
 }
 
+// A file that lies where the process happens to be is no player.
 TEST_F(SoundTest, TellsWhatIsMissing) {
-    const struct {
-        const char* sound;
-        DWORD error;
-    } failures[] = {{nullptr, ERROR_INVALID_PARAMETER},
-                    {"/no/such/sound", ERROR_FILE_NOT_FOUND},
-                    {"/dev/null", ERROR_FILE_NOT_FOUND},
-                    {sound.c_str(), ERROR_MOD_NOT_FOUND}};
-    for (const auto& failure : failures) {
+    const auto expectFailure = [](DWORD error, const char* file) {
         SetLastError(ERROR_SUCCESS);
-        EXPECT_FALSE(sndPlaySoundA(failure.sound, SND_ASYNC));
-        EXPECT_EQ(GetLastError(), failure.error);
-    }
-    // A file that lies where the process happens to be is no player.
+        EXPECT_FALSE(sndPlaySoundA(file, SND_ASYNC));
+        EXPECT_EQ(GetLastError(), error);
+    };
+    expectFailure(ERROR_INVALID_PARAMETER, nullptr);
+    expectFailure(ERROR_FILE_NOT_FOUND, "/no/such/sound");
+    expectFailure(ERROR_FILE_NOT_FOUND, "/dev/null");
+    expectFailure(ERROR_MOD_NOT_FOUND, sound.c_str());
     MakePlayer("aplay");
-    const std::filesystem::path present = std::filesystem::current_path();
-    std::filesystem::current_path(folder.GetPath(""));
     for (const char* const folders : {"", ".", ":/no/such/folder:"}) {
         setenv("PATH", folders, 1);
-        EXPECT_FALSE(sndPlaySoundA(sound.c_str(), SND_ASYNC)) << folders;
+        expectFailure(ERROR_MOD_NOT_FOUND, sound.c_str());
     }
-    std::filesystem::current_path(present);
     EXPECT_FALSE(HasChild());
 }

@@ -6,7 +6,6 @@
 #include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <functional>
 #include <thread>
@@ -14,25 +13,21 @@
 #include <vector>
 
 inline constexpr UINT WM_TEST = WM_APP + 1;
+inline constexpr UINT WM_TEST_END = WM_APP + 2;
 
 using Handler = std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)>;
 
 inline LRESULT TestProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const auto& handler = *reinterpret_cast<Handler*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-    return handler(window, message, wParam, lParam);
-}
-
-// A window of a registered class; null on failure.
-inline HWND MakeWindow(LPCSTR className) {
-    return CreateWindowExA(0, className, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
-                           nullptr);
+    const auto handler = reinterpret_cast<const Handler*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    return (*handler)(window, message, wParam, lParam);
 }
 
 // A window whose procedure is the handler, which must outlive it.
-inline HWND MakeWindowFor(const Handler& handler) {
+inline HWND MakeWindow(const Handler& handler) {
     const WNDCLASSA windowClass = {TestProcedure, "TestWindow"};
     RegisterClassA(&windowClass);
-    const HWND window = MakeWindow("TestWindow");
+    const HWND window = CreateWindowExA(0, "TestWindow", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                        nullptr, nullptr);
     SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&handler));
     return window;
 }
@@ -47,7 +42,7 @@ class CTestWindow {
 
   private:
     const Handler m_handler;
-    const HWND m_hWindow = MakeWindowFor(m_handler);
+    const HWND m_hWindow = MakeWindow(m_handler);
 };
 
 // Counts the answers of sends whose data points to it.
@@ -62,7 +57,7 @@ struct Answers {
         answers.sum += result;
         answers.thread = std::this_thread::get_id();
     }
-    BOOL Send(HWND window, WPARAM wParam) {
+    BOOL Send(HWND window, WPARAM wParam = 0) {
         return SendMessageCallbackA(window, WM_TEST, wParam, 0, Take,
                                     reinterpret_cast<ULONG_PTR>(this));
     }
@@ -72,72 +67,62 @@ inline DWORD WaitForMessage(DWORD milliseconds) {
     return MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, QS_ALLINPUT);
 }
 
+inline BOOL Retrieve(MSG& message, HWND window = nullptr) {
+    return PeekMessageA(&message, window, 0, 0, PM_REMOVE);
+}
+
 // Retrieves and dispatches until the condition holds, asleep while there is nothing.
 inline void PumpUntil(const std::function<bool()>& condition) {
     while (!condition()) {
         ASSERT_EQ(WaitForMessage(INFINITE), WAIT_OBJECT_0);
-        MSG message;
-        if (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+        if (MSG message; Retrieve(message))
             DispatchMessageA(&message);
     }
 }
 
 // Retrieves what there is without dispatching it.
-inline std::vector<MSG> TakeAll(HWND window = nullptr, UINT lowest = 0, UINT highest = 0) {
+inline std::vector<MSG> TakeAll(HWND window = nullptr) {
     std::vector<MSG> messages;
-    MSG message;
-    while (PeekMessageA(&message, window, lowest, highest, PM_REMOVE))
+    for (MSG message; Retrieve(message, window);)
         messages.push_back(message);
     return messages;
 }
 
-inline DWORD OwnThreadId() {
-    return static_cast<DWORD>(gettid());
-}
-
 // Another thread that has made a window, which it leaves to its own end. It then does what it is
-// given; by itself it retrieves and dispatches until WM_QUIT. Joined at the end of the block at the
+// given; by itself it retrieves and dispatches until it is joined, at the end of the block at the
 // latest.
 class CWindowThread {
   public:
     explicit CWindowThread(Handler handler = DefWindowProcA,
-                           std::function<void(HWND)> run = PumpUntilQuit)
-        : m_handler(std::move(handler)), m_run(std::move(run)), m_thread([this] { Run(); }) {
+                           std::function<void(HWND)> run = PumpUntilEnd)
+        : m_handler(std::move(handler)), m_thread([this, run = std::move(run)] {
+              m_hWindow = MakeWindow(m_handler);
+              SetEvent(m_ready);
+              run(m_hWindow);
+          }) {
         WaitForSingleObject(m_ready, INFINITE);
     }
     CWindowThread(const CWindowThread&) = delete;
     CWindowThread& operator=(const CWindowThread&) = delete;
-    ~CWindowThread() {
-        if (m_thread.joinable())
-            Join();
-    }
+    ~CWindowThread() { Join(); }
     void Join() {
-        PostThreadMessageA(m_dwThreadId, WM_QUIT, 0, 0);
-        m_thread.join();
+        PostMessageA(m_hWindow, WM_TEST_END, 0, 0);
+        if (m_thread.joinable())
+            m_thread.join();
     }
     operator HWND() const { return m_hWindow; }
-    DWORD Id() const { return m_dwThreadId; }
 
   private:
-    void Run() {
-        m_hWindow = MakeWindowFor(m_handler);
-        m_dwThreadId = OwnThreadId();
-        SetEvent(m_ready);
-        m_run(m_hWindow);
-    }
-    static void PumpUntilQuit(HWND) {
-        MSG message{};
-        while (message.message != WM_QUIT) {
+    static void PumpUntilEnd(HWND) {
+        for (MSG message{}; message.message != WM_TEST_END;) {
             WaitForMessage(INFINITE);
-            if (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+            if (Retrieve(message))
                 DispatchMessageA(&message);
         }
     }
 
     const Handler m_handler;
-    const std::function<void(HWND)> m_run;
     const CTestHandle m_ready = MakeEvent(true, false);
     HWND m_hWindow = nullptr;
-    DWORD m_dwThreadId = 0;
     std::thread m_thread;
 };

@@ -95,14 +95,14 @@ TEST_F(CDeviceBuiltins, WaitDispatchesMessagesUntilTheDeviceVanishes) {
     const HWND window =
         CreateWindowExA(0, "counting", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     ASSERT_NE(window, nullptr);
-    PostMessageA(window, WM_USER, 0, 0);
+    PostMessageA(window, WM_APP, 0, 0);
     Run("Wait(-5)");
     EXPECT_EQ(s_dispatched, 1);
     EXPECT_FALSE(m_bDeviceGone);
     std::thread poster([window] {
         for (int count = 0; count < 3; ++count) {
             Sleep(20);
-            PostMessageA(window, WM_USER, 0, 0);
+            PostMessageA(window, WM_APP, 0, 0);
         }
     });
     EXPECT_EQ(Run("Wait(60000)\r\nSendString(\"x\")"), "");
@@ -122,6 +122,14 @@ TEST_F(CDeviceBuiltins, SettingsOutOfRange) {
                   "SendString(SendCommandGetString(\"AT\\r\"))"),
               "100");
     EXPECT_EQ(Run("SendString(String(GetBaudRate()))"), "0");
+}
+
+TEST_F(CDeviceBuiltins, WhatWasSentLeavesBeforeACommand) {
+    Run("SetRetry(1)\r\nSetTimeout(0)\r\nSendString(\"A\")\r\n"
+        "SendCommand(\"B\")\r\nSendCommand(\"C\")");
+    EXPECT_EQ(m_serial.m_calls,
+              (std::vector<std::string>{"write A", "drain 2000", "flush 1", "flush 2", "write B",
+                                        "flush 1", "flush 2", "write C"}));
 }
 
 TEST_F(CDeviceBuiltins, SendFileLeavesOutWhatFollowsANul) {

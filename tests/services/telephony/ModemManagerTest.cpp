@@ -1,12 +1,15 @@
 // Calls on a modem that the modem manager has, with and without one.
+#include "platform/Clock.h"
 #include "platform/ModuleNotice.h"
 #include "tests/services/telephony/ModemManagerMock.h"
 #include "tests/services/telephony/TapiModule.h"
 #include "tests/support/PseudoTerminal.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <mutex>
+#include <sys/file.h>
 
 namespace {
 
@@ -66,7 +69,17 @@ class CModemManagerTest : public CTapiTest {
 TEST_F(CModemManagerTest, LetsGoForTheTimeOfTheCall) {
     const CModemManagerMock manager(EManager::LetsGo, m_port);
     for (const auto& end : m_ends) {
-        ASSERT_EQ(MakeCall(), 0);
+        // It closes its port a little later than it answers.
+        CDescriptor own(open(m_terminal.GetPath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        EXPECT_EQ(flock(own.Get(), LOCK_EX), 0);
+        std::thread closer([&] {
+            while (!manager.HasLetGo())
+                Sleep(1);
+            Sleep(50);
+            own.Reset();
+        });
+        EXPECT_EQ(MakeCall(), 0);
+        closer.join();
         // The hold is the call's, whoever has the port.
         const HANDLE port = m_module->GetPort(m_hCall);
         EXPECT_TRUE(manager.HasLetGo());

@@ -143,6 +143,7 @@ void CTapiTest::SetUp() {
     std::filesystem::create_directories(m_folder.GetPath("wirelet"));
     setenv("XDG_CONFIG_HOME", m_folder.GetPath("").c_str(), 1);
     m_module.emplace();
+    ASSERT_NE(m_module->m_hLineApp, 0U) << "needs the module beside the test program";
 }
 
 void CTapiTest::NameModems(const std::string& content) {
