@@ -178,7 +178,11 @@ TEST(Window, StaleAndInventedWindowsAreRecognised) {
     EXPECT_FALSE(IsWindow(nullptr));
     EXPECT_TRUE(IsWindow(live));
     EXPECT_EQ(answers.count, 0);
-    std::thread([&] { ExpectFailure(ERROR_ACCESS_DENIED, DestroyWindow(live)); }).join();
+    message.hwnd = live;
+    std::thread([&] {
+        ExpectFailure(ERROR_ACCESS_DENIED, DestroyWindow(live));
+        ExpectFailure(ERROR_INVALID_WINDOW_HANDLE, DispatchMessageA(&message) != 0);
+    }).join();
     EXPECT_TRUE(IsWindow(live));
 }
 
