@@ -3,6 +3,8 @@
 #include "platform/Error.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -22,10 +24,19 @@ BOOL CTextFile::Open(LPCSTR szPath) {
     m_hFile.Reset(file);
     m_buffer.resize(READ_SIZE);
     m_bFailed = false;
+    m_bAtHead = true;
     return TRUE;
 }
 
 EReadLine CTextFile::ReadLine(std::string& line) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    const EReadLine result = TakeLine(line);
+    if (std::exchange(m_bAtHead, false) && line.starts_with(kByteOrderMark))
+        line.erase(0, kByteOrderMark.size());
+    return result;
+}
+
+EReadLine CTextFile::TakeLine(std::string& line) {
     line.clear();
     if (m_bFailed)
         return Fail(line);

@@ -1,6 +1,7 @@
 // CTextFile: a text file, read line by line.
 //
-// LF and CR LF end a line; no other byte does, Ctrl+Z and NUL included. The file is closed with the
+// LF and CR LF end a line; no other byte does, Ctrl+Z and NUL included. A byte order mark of UTF-8
+// at the head of the file is left out. The file is closed with the
 // object. One thread uses an object.
 #pragma once
 
@@ -29,6 +30,7 @@ class CTextFile {
     EReadLine ReadLine(std::string& line);
 
   private:
+    EReadLine TakeLine(std::string& line);
     bool FillBuffer();
     EReadLine Fail(std::string& line);
     EReadLine FailTooLong(std::string& line);
@@ -38,4 +40,5 @@ class CTextFile {
     std::size_t m_nBegin = 0; // the bytes read but not yet handed out: [m_nBegin, m_nEnd)
     std::size_t m_nEnd = 0;
     bool m_bFailed = true;
+    bool m_bAtHead = true;
 };

@@ -1,18 +1,15 @@
 #include "fuzz/FuzzPlatform.h"
 
 #include "CORE/VXSerial/Lib/ISerial.h"
-#include "diagnostics/ModuleTrace.h"
 #include "platform/Clock.h"
-#include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/Message.h"
-#include "platform/Notification.h"
+#include "platform/Wait.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 namespace fuzz {
@@ -26,10 +23,6 @@ struct OpenFile {
 std::span<const BYTE> s_input;
 std::array<OpenFile, 4> s_files;
 DWORD s_ticks = 0;
-DWORD s_error = ERROR_SUCCESS;
-DWORD s_shownErrors = 0;
-bool s_hasMessage = false;
-void (*s_dispatch)() = nullptr;
 
 HANDLE Open(std::span<const BYTE> content) {
     const auto file = std::ranges::find(s_files, false, &OpenFile::isOpen);
@@ -45,11 +38,6 @@ OpenFile& FileOf(HANDLE handle) {
     return *file;
 }
 
-// The whole text must be there to be read.
-std::size_t LengthOf(LPCSTR text) {
-    return text != nullptr ? std::strlen(text) : 0;
-}
-
 } // namespace
 
 std::span<const BYTE> DeviceBytesOf(std::span<const BYTE> input) {
@@ -61,22 +49,14 @@ void BeginRun(std::span<const BYTE> input) {
     s_input = input;
     s_files = {};
     s_ticks = 0;
-    s_error = ERROR_SUCCESS;
-    s_shownErrors = 0;
-    s_hasMessage = false;
 }
 
 void EndRun() {
     Require(std::ranges::none_of(s_files, &OpenFile::isOpen));
-    Require(s_shownErrors <= 1);
 }
 
 void PassTime(DWORD milliseconds) {
     s_ticks += milliseconds;
-}
-
-void SetDispatch(void (*dispatch)()) {
-    s_dispatch = dispatch;
 }
 
 HANDLE OpenScript() {
@@ -91,14 +71,6 @@ void Require(bool condition) {
 } // namespace fuzz
 
 using namespace fuzz;
-
-DWORD GetLastError() {
-    return s_error;
-}
-
-void SetLastError(DWORD dwErrCode) {
-    s_error = dwErrCode;
-}
 
 // A look at the clock takes a millisecond, so that whoever only looks comes to an end.
 DWORD GetTickCount() {
@@ -134,42 +106,6 @@ BOOL CloseHandle(HANDLE hObject) {
     return TRUE;
 }
 
-int MessageBoxA(HWND, LPCSTR lpText, LPCSTR lpCaption, UINT uType) {
-    s_shownErrors += uType == (MB_ICONEXCLAMATION | MB_OK) ? 1 : 0;
-    PassTime(static_cast<DWORD>(LengthOf(lpText) + LengthOf(lpCaption)));
-    return IDOK;
-}
-
-BOOL MessageBeep(UINT) {
-    return TRUE;
-}
-
-BOOL sndPlaySoundA(LPCSTR lpszSound, UINT) {
-    return LengthOf(lpszSound) % 2 == 0 ? TRUE : FALSE;
-}
-
-BOOL PostMessageA(HWND, UINT, WPARAM, LPARAM) {
-    return TRUE;
-}
-
-// Every other time there is one.
-BOOL PeekMessageA(MSG* lpMsg, HWND, UINT, UINT, UINT) {
-    s_hasMessage = !s_hasMessage;
-    if (s_hasMessage)
-        *lpMsg = {};
-    return s_hasMessage ? TRUE : FALSE;
-}
-
-BOOL TranslateMessage(const MSG*) {
-    return FALSE;
-}
-
-LRESULT DispatchMessageA(const MSG*) {
-    if (s_dispatch != nullptr)
-        s_dispatch();
-    return 0;
-}
-
 DWORD MsgWaitForMultipleObjects(DWORD, const HANDLE*, BOOL, DWORD dwMilliseconds, DWORD) {
     PassTime(dwMilliseconds);
     return WAIT_TIMEOUT;
@@ -181,16 +117,7 @@ DWORD WaitForSingleObject(HANDLE, DWORD dwMilliseconds) {
 }
 
 // There is no port: the device is the modem object itself.
-BOOL GetCommState(HANDLE, DCB*) {
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
-}
-
 HRESULT CreateSerial(ISerial** lppSerial, IUnknown*) {
     *lppSerial = nullptr;
     return E_OUTOFMEMORY;
-}
-
-BOOL DebugTrace(LPCSTR, ...) {
-    return FALSE;
 }

@@ -1,10 +1,9 @@
-// The platform of the fuzzers: the calls that the script engine makes of it, without files, time, a
-// console or players.
+// The platform of the fuzzers: files, time and waits that are nobody's but the input's.
 //
-// Stands in for platform/, the serial library and the module trace, whose names it defines: linked
-// before them, it keeps them out of the program. One run at a time, on one thread; there is no
-// state that outlives a run. A run that breaks one of the platform's rules (a handle that is used
-// after its end, or never closed) ends the program as any other finding does.
+// Stands in for those calls of platform/, whose names it defines: it is linked first. The rest is
+// the platform's own. One run at a time, on one thread. A run that breaks one of the platform's
+// rules (a handle that is used after its end, or never closed) ends the program as any other
+// finding does.
 #pragma once
 
 #include "platform/Types.h"
@@ -25,14 +24,11 @@ std::span<const BYTE> DeviceBytesOf(std::span<const BYTE> input);
 // leads to a file with the device's bytes.
 void BeginRun(std::span<const BYTE> input);
 
-// A run is over: no handle may be open any more, and at most one error have been shown.
+// A run is over: no handle may be open any more.
 void EndRun();
 
 // Lets the time pass that a real device would have taken.
 void PassTime(DWORD milliseconds);
-
-// What dispatching a message does until the next call; null: nothing.
-void SetDispatch(void (*dispatch)());
 
 // The handle of the script, for who reads it without an engine. Closed by CloseHandle.
 HANDLE OpenScript();

@@ -3,11 +3,11 @@
 #include "diagnostics/ModuleTrace.h"
 #include "fuzz/FuzzPlatform.h"
 #include "platform/Error.h"
+#include "platform/Message.h"
 #include "platform/Registry.h"
-#include "platform/TaskMemory.h"
 #include "platform/Version.h"
-#include "telephony/TapiFunctions.h"
 #include "telephony/TapiResult.h"
+#include "tests/telephony/ServiceFunctions.h"
 
 #include <algorithm>
 #include <array>
@@ -32,6 +32,7 @@ int s_loads = 0;
 std::span<const BYTE> s_rest;
 std::array<SOpen, 2> s_open;
 DWORD s_request = 0; // the newest one
+bool s_hasMessage = false;
 
 constexpr std::array RESULTS = {
     LINEERR_STRUCTURETOOSMALL, PHONEERR_STRUCTURETOOSMALL, LINEERR_REINIT,
@@ -58,7 +59,7 @@ class CAnswer {
     explicit CAnswer(std::string_view name)
         : m_name(name), m_open(s_open[name.starts_with("phone")]), m_lResult(TakeResult()) {}
 
-    void Use(DWORD value) {
+    void Take(DWORD value) {
         if (m_name.ends_with("Shutdown")) {
             Require(value != 0 && value == m_open.hApplication);
             m_open = {};
@@ -66,11 +67,11 @@ class CAnswer {
         if (m_name.ends_with("Close"))
             Require(value != 0 && m_open.nDevices-- > 0);
     }
-    void Use(LPCSTR text) { m_length += text ? std::strlen(text) : 0; }
-    void Use(LPCVOID) {}
-    void Use(DWORD_PTR instance) { m_open.dwInstance = instance; }
-    void Use(LINECALLBACK callback) { m_open.callback = callback; }
-    void Use(LPDWORD out) {
+    void Take(LPCSTR text) { m_length += text ? std::strlen(text) : 0; }
+    void Take(LPCVOID) {}
+    void Take(DWORD_PTR instance) { m_open.dwInstance = instance; }
+    void Take(LINECALLBACK callback) { m_open.callback = callback; }
+    void Take(LPDWORD out) {
         if (!out)
             return;
         const BYTE byte = TakeByte();
@@ -81,7 +82,7 @@ class CAnswer {
     // The whole block is the service's, whatever it makes of it.
     template <class Record>
     requires requires(Record* record) { record->dwTotalSize = 0; }
-    void Use(Record* record) {
+    void Take(Record* record) {
         if (!record)
             return;
         const std::size_t total = record->dwTotalSize;
@@ -114,26 +115,12 @@ class CAnswer {
     std::size_t m_length = 0;
 };
 
-#define FUZZ_INDEX(result, name, parameters) Index_##name,
-enum { WIRELET_TAPI_FUNCTIONS(FUZZ_INDEX) };
-#define FUZZ_NAME(result, name, parameters) #name,
-constexpr std::array NAMES = {WIRELET_TAPI_FUNCTIONS(FUZZ_NAME)};
-
-template <int INDEX, class Function> struct SFunction;
-template <int INDEX, class... Parameters> struct SFunction<INDEX, LONG(Parameters...)> {
-    static LONG Run(Parameters... parameters) {
-        CAnswer answer(NAMES[INDEX]);
-        (answer.Use(parameters), ...);
-        return answer.Finish();
-    }
-};
-
 #define FUZZ_ADDRESS(result, name, parameters)                                                     \
-    reinterpret_cast<FARPROC>(&SFunction<Index_##name, result parameters>::Run),
-const std::array<FARPROC, NAMES.size()> ADDRESSES = {WIRELET_TAPI_FUNCTIONS(FUZZ_ADDRESS)};
+    reinterpret_cast<FARPROC>(&SServiceFunction<CAnswer, Service_##name, result parameters>::Run),
+const std::array<FARPROC, SERVICE_NAMES.size()> ADDRESSES = {WIRELET_TAPI_FUNCTIONS(FUZZ_ADDRESS)};
 
-// What a dispatched message does: the service tells something, true or not, to an object or not.
-void DispatchToObject() {
+// The service tells something, true or not, to an object or not.
+void TellObject() {
     const bool isPhone = TakeByte() % 4 == 3;
     const SOpen& open = s_open[isPhone];
     if (!open.callback || !HasBytes())
@@ -157,7 +144,7 @@ void BeginService(std::span<const BYTE> bytes) {
     s_rest = bytes;
     s_open = {};
     s_request = 0;
-    SetDispatch(DispatchToObject);
+    s_hasMessage = false;
 }
 
 void EndService() {
@@ -165,7 +152,6 @@ void EndService() {
     for (const SOpen& open : s_open)
         Require(open.hApplication == 0);
     s_isOffered = false;
-    SetDispatch(nullptr);
 }
 
 BYTE TakeByte() {
@@ -193,9 +179,9 @@ HMODULE LoadLibraryA(LPCSTR lpLibFileName) {
 
 FARPROC GetProcAddress(HMODULE hModule, LPCSTR lpProcName) {
     Require(s_loads == 1 && hModule == &s_loads);
-    const auto* const name = std::ranges::find(NAMES, std::string_view(lpProcName));
-    Require(name != NAMES.end());
-    return ADDRESSES[static_cast<std::size_t>(name - NAMES.begin())];
+    const auto* const name = std::ranges::find(SERVICE_NAMES, std::string_view(lpProcName));
+    Require(name != SERVICE_NAMES.end());
+    return ADDRESSES[static_cast<std::size_t>(name - SERVICE_NAMES.begin())];
 }
 
 BOOL FreeLibrary(HMODULE hLibModule) {
@@ -204,21 +190,17 @@ BOOL FreeLibrary(HMODULE hLibModule) {
     return TRUE;
 }
 
-HMODULE GetModuleHandleA(LPCSTR) {
-    return nullptr;
+// Every other time there is one.
+BOOL PeekMessageA(MSG* lpMsg, HWND, UINT, UINT, UINT) {
+    s_hasMessage = !s_hasMessage;
+    if (s_hasMessage)
+        *lpMsg = {};
+    return s_hasMessage ? TRUE : FALSE;
 }
 
-LPVOID CoTaskMemAlloc(std::size_t cb) {
-    return std::malloc(cb);
-}
-
-LPVOID CoTaskMemRealloc(LPVOID pv, std::size_t cb) {
-    Require(cb <= TAPI_RESULT_MAX);
-    return std::realloc(pv, cb);
-}
-
-void CoTaskMemFree(LPVOID pv) {
-    std::free(pv);
+LRESULT DispatchMessageA(const MSG*) {
+    TellObject();
+    return 0;
 }
 
 LONG RegOpenKeyExA(HKEY, LPCSTR, DWORD, REGSAM, HKEY* phkResult) {
@@ -230,13 +212,6 @@ BOOL GetVersionExA(OSVERSIONINFOA* lpVersionInformation) {
     lpVersionInformation->dwMajorVersion = TakeByte();
     lpVersionInformation->dwPlatformId = TakeByte();
     return lpVersionInformation->dwMajorVersion != EVERYTHING;
-}
-
-CVDebug g_TapiDebug(nullptr);
-CVDebug::CVDebug(LPCSTR) {}
-CVDebug::~CVDebug() = default;
-HRESULT CVDebug::SetModuleName(LPCSTR) {
-    return 0;
 }
 
 // The texts that a trace is made of must be there.

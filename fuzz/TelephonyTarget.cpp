@@ -94,34 +94,6 @@ void Edit(ITapi& tapi) {
     Check(status, edited, [](const VARSTRING&) {});
 }
 
-void OpenLine(ITapi& tapi) {
-    tapi.LineOpen(fuzz::TakeByte(), fuzz::TakeByte(), LINEMEDIAMODE_DATAMODEM);
-}
-
-void Call(ITapi& tapi) {
-    tapi.LineMakeCall("1", 0, nullptr, fuzz::TakeByte() % 2);
-}
-
-void Drop(ITapi& tapi) {
-    tapi.LineDrop(fuzz::TakeByte() % 2);
-}
-
-void CloseLine(ITapi& tapi) {
-    tapi.LineClose();
-}
-
-void OpenPhone(ITapi& tapi) {
-    tapi.PhoneOpen(fuzz::TakeByte(), fuzz::TakeByte());
-}
-
-void SetVolume(ITapi& tapi) {
-    tapi.PhoneSetVolume(1, fuzz::TakeByte(), fuzz::TakeByte() % 2);
-}
-
-void ClosePhone(ITapi& tapi) {
-    tapi.PhoneClose();
-}
-
 void FindKey(ITapi& tapi) {
     HKEY key = nullptr;
     fuzz::Require(tapi.GetModemRegKey(0x01010101u * fuzz::TakeByte(), &key) == E_TAPI_FAILED);
@@ -129,19 +101,32 @@ void FindKey(ITapi& tapi) {
 
 void Listen(ITapi& tapi);
 
-// Inside a wait an object stays; outside of all it may go.
-void Leave(ITapi&) {
-    if (s_nested == 0)
-        s_objects[fuzz::TakeByte() % s_objects.size()].Reset();
-}
-
-constexpr std::array KINDS = {Iterate,   Find,       LineRecords, PhoneRecords, Edit,
-                              OpenLine,  Call,       Drop,        CloseLine,    OpenPhone,
-                              SetVolume, ClosePhone, FindKey,     Listen,       Leave};
+using fuzz::TakeByte;
+constexpr void (*KINDS[])(ITapi&) = {
+    Iterate,
+    Find,
+    LineRecords,
+    PhoneRecords,
+    Edit,
+    [](ITapi& tapi) { tapi.LineOpen(TakeByte(), TakeByte(), LINEMEDIAMODE_DATAMODEM); },
+    [](ITapi& tapi) { tapi.LineMakeCall("1", 0, nullptr, TakeByte() % 2); },
+    [](ITapi& tapi) { tapi.LineDrop(TakeByte() % 2); },
+    [](ITapi& tapi) { tapi.LineClose(); },
+    [](ITapi& tapi) { tapi.PhoneOpen(TakeByte(), TakeByte()); },
+    [](ITapi& tapi) { tapi.PhoneSetVolume(1, TakeByte(), TakeByte() % 2); },
+    [](ITapi& tapi) { tapi.PhoneClose(); },
+    FindKey,
+    Listen,
+    // Inside a wait an object stays; outside of all it may go.
+    [](ITapi&) {
+        if (s_nested == 0)
+            s_objects[TakeByte() % s_objects.size()].Reset();
+    },
+};
 
 void Operate() {
     const CInterfacePtr<ITapi> object = Current();
-    KINDS[fuzz::TakeByte() % KINDS.size()](*object.Get());
+    KINDS[TakeByte() % std::size(KINDS)](*object.Get());
 }
 
 void OnMessage(DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {

@@ -1,6 +1,7 @@
-// Fuzzes the tokenizer, and the reader on every stream that it makes.
+// Fuzzes the tokenizer, the reader on every stream that it makes, and the check.
 #include "common/UniqueHandle.h"
 #include "fuzz/FuzzPlatform.h"
+#include "script/ScriptCheck.h"
 #include "script/TokenReader.h"
 #include "script/Tokenizer.h"
 
@@ -63,6 +64,9 @@ extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
         reader.Prepare(area.Bytes(), CScriptArea::START, end);
         Walk(reader, names);
     }
+    const CScriptCheck check({reinterpret_cast<const char*>(data), size});
+    // A small one that does not load has findings.
+    fuzz::Require(end != 0 || size > CScriptArea::CAPACITY / 8 || !check.Findings().empty());
     fuzz::EndRun();
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -23,6 +24,7 @@ constexpr std::size_t kLongestLine = kSent.size() + 5 + kBytesPerLine * (kMarkLe
 struct PendingBytes {
     std::array<BYTE, kMostPending> bytes;
     std::size_t count = 0;
+    std::size_t Room() const { return kMostPending - count; }
 };
 
 PendingBytes g_pending;
@@ -86,6 +88,7 @@ void DumpLine(const BYTE* bytes, std::size_t count, BOOL sent) {
 
 void SetTraceSink(ITraceSink* sink) {
     g_sink = sink;
+    g_pending.count = 0;
 }
 
 void TraceData(LPCVOID bytes, DWORD count, BOOL sent) {
@@ -94,15 +97,20 @@ void TraceData(LPCVOID bytes, DWORD count, BOOL sent) {
         DumpData(bytes, count, TRUE);
         return;
     }
-    if (count == 0 || count > kMostPending - g_pending.count)
+    if (count == 0)
+        return;
+    if (g_sink)
+        g_sink->OnReceiving(count <= g_pending.Room());
+    if (count > g_pending.Room())
         return;
     std::memcpy(g_pending.bytes.data() + g_pending.count, bytes, count);
     g_pending.count += count;
 }
 
 void DumpPending() {
-    DumpData(g_pending.bytes.data(), static_cast<DWORD>(g_pending.count), FALSE);
-    g_pending.count = 0;
+    // Emptied first: a sink that waits for its file may be asked for the same meanwhile.
+    const std::size_t count = std::exchange(g_pending.count, 0);
+    DumpData(g_pending.bytes.data(), static_cast<DWORD>(count), FALSE);
 }
 
 void DumpData(LPCVOID bytes, DWORD count, BOOL sent) {

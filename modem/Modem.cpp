@@ -3,6 +3,7 @@
 #include "diagnostics/ModuleTrace.h"
 #include "modem/DataTrace.h"
 #include "platform/Clock.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
 
@@ -104,7 +105,7 @@ BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& r
                    static_cast<long>(delay));
         Sleep(delay);
     }
-    for (int attempt = 0; attempt < m_nRetry && !IsDeviceGone(); ++attempt) {
+    for (int attempt = 0; attempt < m_nRetry && !IsOver(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);
@@ -208,6 +209,10 @@ DWORD CVModem::GetQueuedOutput() {
     if (!m_pSerial || !m_pSerial->IsOpen())
         return 0;
     return m_pSerial->GetQueueInfo(_QUE_TXCOUNT);
+}
+
+bool CVModem::IsOver() {
+    return IsDeviceGone() || platform::IsEndRequested();
 }
 
 DWORD CVModem::GetPacingDelay() const {

@@ -127,6 +127,9 @@ class CVModem {
     DWORD GetQueuedOutput();
 
   protected:
+    // Nothing is to be sent any more: the device is gone, or the end of the program was asked for.
+    bool IsOver();
+
     // Blocks until the deadline, whatever arrives, or until the device is gone.
     void WaitWithoutReading(const CDeadline& deadline);
 

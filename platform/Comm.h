@@ -5,10 +5,10 @@
 //
 // Opening: raw, 8-bit clean input and output; speed, parity, data and stop bits and flow control
 // stay as the driver has them, and the settings found come back at closing. Opening never blocks on
-// carrier, flushes nothing (what the device already said is shown) and is exclusive: TIOCEXCL keeps
-// other users out and an advisory lock (flock) keeps root out; a second opener gets
-// ERROR_ACCESS_DENIED. A device that speaks at this very moment may get some of it back: the
-// kernel's terminals echo until they are made raw.
+// carrier, flushes nothing (what the device already said is shown) and is exclusive: an advisory
+// lock (flock) keeps out those who ask for it, and on all but pseudo-terminals TIOCEXCL keeps out
+// the others but root; a second opener gets ERROR_ACCESS_DENIED. A device that speaks at this very
+// moment may get some of it back: the kernel's terminals echo until they are made raw.
 //
 // Closing does not wait for output that the device does not take, and discards it; the drivers by
 // themselves would wait half a minute.
@@ -213,6 +213,12 @@ std::string DevicePathOfPort(LPCSTR portName);
 // The path of the serial device that stands in /dev under this name, itself or as a link; empty
 // when there is none. Nothing is opened.
 std::string FindSerialDevice(const std::string& name);
+
+// Whether that process has the device open, as far as /proc lets this one see.
+bool IsDeviceOpenIn(DWORD process, const std::string& devicePath);
+
+// Whether /proc lets this process see anybody who has the device open.
+bool IsDeviceUserSeen(const std::string& devicePath);
 
 // One line, without a line end, for the user whose CreateFileA of a port failed with the given
 // error: the path, the system's reason, and what helps (the group that owns the device, the process

@@ -13,17 +13,20 @@ class CIntake final : public CHandleObject {
   public:
     explicit CIntake(CCommPort& port) : m_port(port) {}
 
-    int WaitDescriptor() const override { return m_bEnded ? -1 : m_port.WaitDescriptor(); }
+    int WaitDescriptor() const override { return m_bTakes ? m_port.Driver().Descriptor() : -1; }
     bool TryAcquire(short events) override {
-        if (events != 0 && !m_bEnded)
-            m_bEnded = !m_port.TakeIn(m_bDiscarded);
+        if (events == 0 || !m_bTakes)
+            return false;
+        const CCommPort::Intake intake = m_port.TakeIn();
+        m_bDiscarded = m_bDiscarded || intake == CCommPort::Intake::DISCARDED;
+        m_bTakes = intake != CCommPort::Intake::ENDED && intake != CCommPort::Intake::HELD;
         return false;
     }
     bool IsDiscarded() const { return m_bDiscarded; }
 
   private:
     CCommPort& m_port;
-    bool m_bEnded = false;
+    bool m_bTakes = true;
     bool m_bDiscarded = false;
 };
 

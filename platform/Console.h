@@ -5,17 +5,24 @@
 // are those of GetStdHandle; other handles give FALSE with ERROR_INVALID_HANDLE.
 //
 // Output is processed: CR, LF (to the first column of the next line), BS, TAB and BEL act, every
-// other control character is drawn as the picture that code page 437 has for it, invalid UTF-8 as
-// U+FFFD. No byte that is written ever reaches the terminal as a control function. Output is
-// gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before the
-// console is given back; writing blocks only while the terminal holds back more than that. The
+// other control character and every byte that is no UTF-8 is drawn as the picture that code page
+// 437 has for it. Text goes out in the character set of the user's locale, what that lacks as "?".
+// No byte that is written ever reaches the terminal as a control function. Output
+// is gathered and goes out when the thread next has to wait, when 64 KiB have gathered, and before
+// the console is given back; writing blocks only while the terminal holds back more than that. The
 // cursor is known without asking the terminal. When standard output is no terminal, text goes out
 // plain: control sequences are left out, and CR LF becomes LF.
 //
-// Keys arrive as the bytes typed, one record a byte; the arrow, paging, Insert, Delete and function
-// keys are recognised as xterm, the Linux console, screen, tmux and rxvt send them and as the
-// terminal's terminfo entry has them. A lone ESC becomes a key after at most 50 ms. When standard
-// input is no terminal its bytes are the keys.
+// Keys arrive as the bytes typed, one record a byte, with a repeat count of 0 for those that belong
+// to the character before them; the arrow, paging, Insert, Delete and function keys are recognised
+// as xterm, the Linux console, screen, tmux, rxvt and the VT220 send them and as the terminal's
+// terminfo entry has them. Every other key that the terminal sends a control sequence for is one
+// record with a key code that nothing is done for. Backspace is the terminal's own erase character
+// and arrives as 8; with Alt a key carries its character. A lone ESC becomes a key after 100 ms, a
+// sequence without its end after half a second without a byte. What is pasted counts as typed.
+//
+// When standard input is no terminal its bytes are the keys, as they are; only the sequences of the
+// named keys are recognised.
 //
 // In the background of a shell the terminal's modes are left alone. Output is drawn there all the
 // same; a wait for a key stops the process (SIGTTIN). The terminal is taken over once the process
@@ -77,7 +84,7 @@ inline constexpr WORD VK_F6 = 0x75;
 
 struct KEY_EVENT_RECORD {
     BOOL bKeyDown;
-    WORD wRepeatCount;
+    WORD wRepeatCount; // 0: another byte of the same character
     WORD wVirtualKeyCode;
     WORD wVirtualScanCode;
     union {
@@ -100,6 +107,10 @@ inline constexpr DWORD CTRL_CLOSE_EVENT = 2;
 inline constexpr DWORD CTRL_LOGOFF_EVENT = 5;
 inline constexpr DWORD CTRL_SHUTDOWN_EVENT = 6;
 
+// Bits of an attribute beside its colours.
+inline constexpr WORD EXACT_FOREGROUND = 0x0100;
+inline constexpr WORD EXACT_BACKGROUND = 0x0200;
+
 using PHANDLER_ROUTINE = BOOL (*)(DWORD dwCtrlType);
 
 // The handle of standard input or output; it needs no closing. INVALID_HANDLE_VALUE with
@@ -114,8 +125,8 @@ BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode);
 // are keys, Ctrl+\ is the break signal; what was typed before and nobody has read comes first, its
 // Enter as CR too. From now on whatever ends the process, a crash included, leaves the terminal
 // sane. The saved mode gives the console back: gathered output goes out (as long as the terminal
-// takes it, at most 2 s without progress), attributes and title return, the cursor stands below the
-// text.
+// takes it, at most 2 s without progress, 1 s once the end of the program was asked for),
+// attributes and title return, the cursor stands below the text.
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 
 // Adds (TRUE) or removes (FALSE) the control handler; there is room for one, a second add fails
@@ -161,5 +172,13 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
                                 COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten);
 
 // The attribute of text written from now on: background * 16 + foreground, four bits each (1 blue,
-// 2 green, 4 red, 8 bright). 0x07 is the terminal's own default colours.
+// 2 green, 4 red, 8 bright). Foreground 7 and background 0 are the terminal's own colours, and
+// foreground 15 is its own one in bold, but where the EXACT bit tells that the colour is meant.
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes);
+
+namespace platform {
+
+// Whether the console's input or output is a terminal, and one that has not been hung up.
+bool HasTerminal();
+
+} // namespace platform

@@ -1,7 +1,7 @@
 // The debug-output stream, and the formatter of the diagnostics.
 //
-// The stream is the system log (facility user, level debug, ident wirelet), so that
-// `journalctl -t wirelet` shows it. With no log daemon the text goes nowhere. Any thread may call
+// The stream is the system log (platform/SystemLog.h) at the level debug. With no log daemon the
+// text goes nowhere, and one that takes nothing does not stop the program. Any thread may call
 // these; the last error of the thread is left alone.
 #pragma once
 
@@ -20,8 +20,8 @@ int wvsprintfA(char* lpOutput, std::size_t nBufferSize, LPCSTR lpFormat, va_list
 
 namespace platform {
 
-// A listener that takes the place of the system log, for tests. Called on the writing thread, one
-// text at a time; null gives the stream back to the system log.
+// A listener that takes the place of the system log, for tests. Called on the writing threads, also
+// by several at a time; null gives the stream back to the system log.
 using DebugListener = void (*)(LPCSTR text);
 void SetDebugListener(DebugListener listener);
 

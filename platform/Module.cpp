@@ -3,10 +3,12 @@
 #include "platform/Error.h"
 
 #include <dlfcn.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
 #include <mutex>
 #include <new>
 #include <string>
@@ -66,21 +68,37 @@ std::string FileNameOf(std::string_view publishedName) {
     return name + ".so";
 }
 
-// With the '/' at its end; empty when the system does not tell.
-std::string ProgramFolder() {
+// With the '/' at its end.
+std::string FolderOf(std::string_view program) {
+    return std::string(program.substr(0, program.find_last_of('/') + 1));
+}
+
+// As the system tells. Empty when it does not.
+std::string ToldFolder() {
     char path[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
     if (length <= 0 || static_cast<std::size_t>(length) >= sizeof path)
         return {};
-    const std::string_view program(path, static_cast<std::size_t>(length));
-    return std::string(program.substr(0, program.find_last_of('/') + 1));
+    return FolderOf({path, static_cast<std::size_t>(length)});
+}
+
+// As the program was started: there is no /proc in every chroot, and once a chroot's mounts are a
+// process's own, it names the path outside. Empty when the name leads nowhere, and where the
+// starter has fewer rights than the program, whose module he must not choose.
+std::string StartFolder() {
+    char path[PATH_MAX];
+    const unsigned long name = getauxval(AT_SECURE) == 0 ? getauxval(AT_EXECFN) : 0;
+    if (name == 0 || realpath(reinterpret_cast<const char*>(name), path) == nullptr)
+        return {};
+    return FolderOf(path);
 }
 
 HMODULE Load(const std::string& fileName) {
-    const std::string programFolder = ProgramFolder();
-    if (!programFolder.empty()) {
-        for (const std::string& folder : {programFolder, programFolder + "../lib/wirelet/"}) {
-            const std::string path = folder + fileName;
+    for (const std::string& programFolder : {ToldFolder(), StartFolder()}) {
+        if (programFolder.empty())
+            continue;
+        for (const char* const folder : {"", "../lib/wirelet/"}) {
+            const std::string path = programFolder + folder + fileName;
             if (access(path.c_str(), F_OK) != 0)
                 continue;
             if (const HMODULE module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))

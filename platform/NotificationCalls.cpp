@@ -1,13 +1,17 @@
 // The published calls that tell the user something.
 #include "platform/Notification.h"
 
+#include "platform/CharacterSet.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/SoundPlayer.h"
 #include "platform/console/BoxDialog.h"
 #include "platform/console/BoxPager.h"
 #include "platform/console/ConsoleVisit.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <new>
 
 #include <sys/stat.h>
@@ -33,9 +37,11 @@ bool IsTerminal(int descriptor) {
     return isatty(descriptor) != 0;
 }
 
+// Waits for a pipe that nobody reads in the way that ends with the program.
 void WriteToStandardError(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+    while (!text.empty() && WaitForDescriptor(STDERR_FILENO, POLLOUT, INFINITE) >= 0) {
+        const ssize_t written =
+            write(STDERR_FILENO, text.data(), std::min<std::size_t>(text.size(), PIPE_BUF));
         if (written < 0 && errno != EINTR)
             return;
         text.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
@@ -60,10 +66,12 @@ void Report(CConsoleSession* session, const BoxContent& content) {
         return;
     }
     // A terminal may be in a mode in which a line feed only feeds.
-    WriteToStandardError(LinesOf(content, IsTerminal(STDERR_FILENO) ? "\r\n" : "\n"));
+    WriteToStandardError(LocaleText(LinesOf(content, IsTerminal(STDERR_FILENO) ? "\r\n" : "\n")));
 }
 
 void Show(const BoxContent& content) {
+    if (IsEndRequested())
+        return; // it would be closed at once
     CConsoleSession* const session = TheConsoleSession();
     if (session == nullptr || !IsTerminal(STDIN_FILENO) || !IsTerminal(STDOUT_FILENO))
         return Report(session, content);

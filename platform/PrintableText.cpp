@@ -1,19 +1,35 @@
 #include "platform/PrintableText.h"
 
+#include "platform/console/ConsoleCharacters.h"
+#include "platform/console/ConsoleUtf8.h"
+
 namespace platform {
+namespace {
+
+void Append(std::string& text, const CUtf8Decoder& character) {
+    const std::string_view bytes = character.Bytes();
+    const char32_t code = character.Code();
+    const CharacterKind ascii =
+        code < 0x20 || code == 0x7F ? CharacterKind::CONTROL : CharacterKind::NARROW;
+    switch (code < 0x80 ? ascii : KindOf(code)) {
+    case CharacterKind::CONTROL:
+    case CharacterKind::REPLACED:
+        text.append(bytes.size(), '?');
+        break;
+    case CharacterKind::OMITTED:
+        break;
+    default:
+        text += bytes;
+    }
+}
+
+} // namespace
 
 std::string PrintableText(std::string_view text) {
-    std::string result(text);
-    for (std::size_t at = 0; at < result.size(); ++at) {
-        const auto byte = static_cast<unsigned char>(result[at]);
-        const auto before = static_cast<unsigned char>(at > 0 ? result[at - 1] : 0);
-        const bool isLateControl = before == 0xC2 && byte >= 0x80 && byte <= 0x9F;
-        if (byte >= 0x20 && byte != 0x7F && !isLateControl)
-            continue;
-        if (isLateControl)
-            result[at - 1] = '?';
-        result[at] = '?';
-    }
+    std::string result;
+    ReadUtf8(
+        text, [&](const CUtf8Decoder& character) { Append(result, character); },
+        [&](std::uint8_t) { result += '?'; });
     return result;
 }
 

@@ -7,8 +7,11 @@
 
 namespace platform {
 
-// The text with '?' for every control character, U+0080 to U+009F in UTF-8 included; every other
-// byte stays.
+// The text as well-formed UTF-8 that a terminal draws as it stands: '?' for every byte that is no
+// UTF-8 and for each byte of a control character, U+0080 to U+009F included, of a mark that changes
+// the direction of what is read, and of what is no character. What only changes how its neighbour
+// looks is left out.
+// It is printed in the locale's character set, which platform/CharacterSet.h makes of it.
 std::string PrintableText(std::string_view text);
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "platform/StandardStreams.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace platform {
@@ -28,6 +29,19 @@ void OpenClosedStreams() {
         if (open(substitute.path, substitute.flags) < 0)
             return;
     }
+}
+
+bool IsOutputTerminal() {
+    return isatty(STDOUT_FILENO) != 0;
+}
+
+std::size_t ErrorColumns() {
+    constexpr std::size_t USUAL_COLUMNS = 80;
+    if (isatty(STDERR_FILENO) == 0)
+        return 0;
+    winsize size{};
+    ioctl(STDERR_FILENO, TIOCGWINSZ, &size);
+    return size.ws_col != 0 ? size.ws_col : USUAL_COLUMNS;
 }
 
 } // namespace platform

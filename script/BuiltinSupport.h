@@ -9,13 +9,13 @@
 
 namespace builtins {
 
-inline constexpr std::size_t MAX_RESULT_LENGTH = CScriptArea::TEXT_BUFFER - 1;
+inline constexpr std::size_t MAX_RESULT_LENGTH = CResultBuffers::BUFFER_SIZE - 1;
 
 // Copies the text of an argument. False after a report: the text stands nowhere, and what the
 // function is there for must not be done.
 bool TakeText(CVScript& script, const ScriptWord& argument, std::string& text);
 
-// Puts a text, cut at 255 characters, into a result buffer, which it may itself stand in. The
+// Puts a text, cut at 259 characters, into a result buffer, which it may itself stand in. The
 // result is the text from the given position on.
 ScriptWord KeepResult(CVScript& script, EResultBuffer buffer, std::string_view text,
                       std::size_t position = 0);

@@ -2,9 +2,10 @@
 // texts.
 //
 // The table is constant; handlers run on the script's thread. The engine has checked the arguments
-// against the row before it calls: their number, and that a text stands where one is needed and
-// none where an integer is. A handler returns its result; one whose memory operation the door
-// refused has reported that first (CVScript::ReportError).
+// against the row before it calls: that there are enough, and that a text stands where one is
+// needed and none where an integer is. A handler reads those it needs. A handler returns its
+// result; one whose memory operation the door refused has reported that first
+// (CVScript::ReportError).
 #pragma once
 
 #include "platform/Types.h"
@@ -27,8 +28,9 @@ using BuiltinHandler = ScriptWord (*)(CVScript& script, const BuiltinArguments& 
 struct BuiltinEntry {
     LPCSTR name;
     BuiltinHandler handler;
-    // One letter an argument: 't' a text, 'i' an integer; a '*' at the end: any number of any kind.
+    // One letter for each argument that must be there: 't' a text, 'i' an integer.
     LPCSTR arguments;
+    char result; // likewise
 };
 
 inline constexpr DWORD BUILTIN_COUNT = 33;

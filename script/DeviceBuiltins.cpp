@@ -7,6 +7,7 @@
 #include "script/TextWatch.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace builtins {
 namespace {
@@ -18,8 +19,12 @@ constexpr DWORD kHangupTime = 100;
 // get their turn.
 constexpr DWORD kBytesBetweenLooks = 256;
 
+// So long may a device take nothing of what the script has sent before a command follows all the
+// same.
+constexpr DWORD kNoProgress = 2000;
+
 ScriptWord Finish(CVScript& script, std::int32_t result) {
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return ScriptWord::Integer(result);
 }
 
@@ -35,8 +40,11 @@ bool Exchange(CVScript& script, const ScriptWord& argument, EResponse kept, DWOR
     code = RESULT_NO_RESPONSE;
     std::string& response = script.Results()[kept];
     response.clear();
+    // The exchange flushes: what SendString and SendFile have sent must have left by then.
+    if (std::exchange(script.m_bHasSent, false))
+        script.Host().Drain(kNoProgress);
     script.Host().SendCommandGetResponse(command.c_str(), code, response);
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return true;
 }
 
@@ -46,8 +54,9 @@ bool SendFileLines(CVScript& script, const std::string& path) {
         return false;
     std::string piece;
     while (!script.HasError() && file.Next(piece)) {
+        script.m_bHasSent = true;
         script.Host().SendString(piece.c_str());
-        script.EndIfDeviceGone();
+        script.EndIfOver();
     }
     return !file.HasFailed();
 }
@@ -69,7 +78,7 @@ bool WaitForText(CVScript& script, const std::string& text, DWORD milliseconds) 
         if (byte != '\0' && watch.Take(byte))
             return deadline.Remaining() != 0;
         if (++received % kBytesBetweenLooks == 0)
-            script.EndIfDeviceGone();
+            script.EndIfOver();
     }
     return false;
 }
@@ -114,6 +123,7 @@ ScriptWord SendString(CVScript& script, const BuiltinArguments& arguments) {
     std::string text;
     if (!TakeText(script, arguments[0], text))
         return {};
+    script.m_bHasSent = true;
     script.Host().SendString(text.c_str());
     return Finish(script, 0);
 }

@@ -3,6 +3,7 @@
 #include "common/UniqueHandle.h"
 #include "modem/Modem.h"
 #include "platform/Clock.h"
+#include "platform/EndRequest.h"
 #include "platform/File.h"
 #include "platform/Message.h"
 #include "platform/Wait.h"
@@ -63,16 +64,18 @@ std::string_view CVScript::ReadText(const ScriptWord& text) {
 }
 
 bool CVScript::WriteText(const ScriptWord& target, std::string_view text) {
+    if (!GiveElementRoom(target.Location()))
+        return false;
     if (m_Memory.WriteText(target.Location(), text))
         return true;
     ReportError(ERR_POINTER);
     return false;
 }
 
-bool CVScript::EndIfDeviceGone() {
-    if (!m_pHost->IsDeviceGone())
+bool CVScript::EndIfOver() {
+    m_bDeviceGone = m_bDeviceGone || m_pHost->IsDeviceGone();
+    if (!m_bDeviceGone && !platform::IsEndRequested())
         return false;
-    m_bDeviceGone = true;
     m_Report.End();
     return true;
 }
@@ -88,7 +91,7 @@ bool CVScript::SpendStatement() {
 }
 
 // A script that works without waiting must not keep the console's events waiting, nor go on without
-// its device.
+// its device or after the end.
 void CVScript::ServeHost() {
     const DWORD now = GetTickCount();
     if (now - m_dwLastServed < kTimeBetweenLooks)
@@ -96,8 +99,7 @@ void CVScript::ServeHost() {
     m_dwLastServed = now;
     Sleep(0);
     const HANDLE hangup = m_pHost->GetHangupHandle();
-    if (hangup == nullptr || WaitForSingleObject(hangup, 0) != WAIT_OBJECT_0)
-        return;
-    m_bDeviceGone = true;
-    m_Report.End();
+    m_bDeviceGone = hangup != nullptr && WaitForSingleObject(hangup, 0) == WAIT_OBJECT_0;
+    if (m_bDeviceGone || platform::IsEndRequested())
+        m_Report.End();
 }

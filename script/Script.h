@@ -61,8 +61,8 @@ class CVScript {
     // location that leads nowhere.
     std::string_view ReadText(const ScriptWord& text);
 
-    // Replaces the text at a location, cut at 255 characters. FALSE after a report: it stands where
-    // a script may not write.
+    // Replaces the text at a location, cut at 255 characters (in a result buffer, too). FALSE after
+    // a report: it stands where a script may not write.
     bool WriteText(const ScriptWord& target, std::string_view text);
 
     // As CScriptReport's.
@@ -72,8 +72,12 @@ class CVScript {
     }
     bool HasError() const { return m_Report.HasError(); }
 
-    // Ends the run, without a report, when the device is gone; then TRUE.
-    bool EndIfDeviceGone();
+    // Ends the run, without a report, when the device is gone or the end of the program was asked
+    // for; then TRUE.
+    bool EndIfOver();
+
+    // Whether SendString or SendFile has sent something since the last command.
+    bool m_bHasSent = false;
 
     // Kept for the host; empty when the engine is made.
     std::string m_strApn;
@@ -88,11 +92,12 @@ class CVScript {
         DWORD heap;
         std::size_t kept;
     };
-    // A text that outlives the scope it was made in, and who refers to it: a symbol, or 0 for the
-    // result register.
+    // A text that outlives the scope it was made in, and who refers to it: a place, an argument
+    // (ArgumentPlace) or RESULT_PLACE.
     struct KeptText {
         DWORD source;
-        DWORD symbol;
+        DWORD place;
+        bool isOwned;
     };
     // How a FOR counts.
     struct Count {
@@ -117,12 +122,17 @@ class CVScript {
     bool DeclareText(DWORD symbol);
     void InitializeArray(DWORD symbol, DWORD evaluationFloor);
     void InitializeScalar(DWORD symbol, DWORD evaluationFloor);
-    void StoreElement(DWORD symbol, DWORD index, ScriptWord word);
+    void StoreElement(DWORD place, ScriptWord word);
 
     // ScriptHeap.cpp
     DWORD Alloc(DWORD count);
     DWORD AllocTextBuffer();
-    ScriptWord CopyText(ScriptWord text, DWORD home);
+    DWORD HomeFor(DWORD place);
+    ScriptWord CopyText(DWORD home, ScriptWord text);
+    ScriptWord CopyTextTo(DWORD place, ScriptWord text);
+    bool GiveElementRoom(DWORD location);
+    [[gnu::noinline]] ScriptWord Borrow(DWORD symbol, ScriptWord text);
+    [[gnu::noinline]] void LeaveText(DWORD place);
     Scope BeginScope() {
         const Scope scope = {m_Symbols.Top(), m_Area.Heap(), m_Kept.size()};
         m_Scopes.push_back(scope);
@@ -131,27 +141,36 @@ class CVScript {
     // Gives back what was taken since; keeps the result register's text on demand.
     void EndScope(const Scope& scope, bool keepResult) {
         m_Scopes.pop_back();
+        GiveBackHeap(scope, keepResult);
+        m_Symbols.DropTo(scope.symbols);
+    }
+    void GiveBackHeap(const Scope& scope, bool keepResult) {
         if (m_Kept.size() > scope.kept || (keepResult && m_nResult.text))
             KeepTexts(scope, keepResult);
         else
             m_Area.SetHeap(scope.heap);
-        m_Symbols.DropTo(scope.symbols);
     }
-    bool DiesBefore(DWORD symbol, ScriptWord text) const;
+    [[gnu::noinline]] void DropBorrowers(std::size_t first, DWORD lastSymbol);
+    bool DiesBefore(DWORD place, ScriptWord text) const;
     [[gnu::noinline]] void KeepTexts(const Scope& scope, bool keepResult);
     void GatherKept(const Scope& scope, bool keepResult);
+    bool IsGone(DWORD place, const Scope& scope) const;
+    static constexpr DWORD ArgumentPlace(std::size_t index) {
+        return ARGUMENT_BASE + static_cast<DWORD>(index);
+    }
+    ScriptWord LoadKept(DWORD place) const;
+    void StoreKept(DWORD place, ScriptWord word, DWORD home);
 
     // ScriptEvaluate.cpp
     bool TakePlain(ScriptValue& record);
     bool AssignPlain(DWORD floor);
     bool EvalPlainPair(ScriptValue& left);
     ScriptWord Evaluate(DWORD floor);
+    ScriptWord EvaluateRight(DWORD floor);
+    ScriptWord EvaluateHere(DWORD floor);
     void EvalAssign(ScriptValue& record);
     [[gnu::noinline]] void EvalAssignment(ScriptValue& target);
     void Assign(const ScriptValue& target, ScriptWord word, DWORD position);
-    [[gnu::noinline]] void AssignText(const ScriptValue& target, ScriptWord word, DWORD home,
-                                      DWORD position);
-    DWORD VariableOf(const ScriptValue& target) const;
     void LoadValue(ScriptValue& record) {
         if (m_nSkip > 0)
             return LoadSkipped(record);
@@ -235,16 +254,21 @@ class CVScript {
     CScriptMemory m_Memory;
     CTokenReader m_Reader; // m_pPos, m_pStart, m_pEnd
 
-    ScriptWord m_nResult;                // of the latest RETURN or built-in call
-    std::vector<ScriptWord> m_Arguments; // of the calls in progress, a stack
+    ScriptWord m_nResult; // of the latest RETURN or built-in call
+    // No places, but what refers to a text like one: the result register, and the arguments above
+    // every location.
+    static constexpr DWORD RESULT_PLACE = 0;
+    static constexpr DWORD ARGUMENT_BASE = 0x80000000;
+    std::vector<ScriptWord> m_Arguments; // of calls, left operands, selectors in progress: a stack
     std::vector<Scope> m_Scopes;         // in progress, the innermost last
-    std::vector<DWORD> m_Kept;           // variables whose text a scope must keep when it ends
+    std::vector<DWORD> m_Kept;           // places whose text a scope must keep when it ends
+    std::vector<DWORD> m_Borrowers;      // variables that refer to a text that is not their own
     std::vector<KeptText> m_Moving;      // while a scope ends
     DWORD m_nSkip = 0;                   // above 0: statements and expressions have no effect
     bool m_bBreak = false;               // EXITFOR or EXITWHILE pending
     bool m_bReturn = false;              // RETURN pending
     bool m_bNoCopy = false;     // a dereference was seen: the next text assigned is not copied
-    bool m_bTextStored = false; // something refers to text that the statement made
+    bool m_bTextStored = false; // what is no place refers to text that the statement made
     DWORD m_nDepth = 0;         // of nested calls, blocks and expressions
     DWORD m_nTurns = 0;         // statements since the start
     DWORD m_dwBudget = 0;

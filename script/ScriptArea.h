@@ -4,7 +4,8 @@
 // One for each run, used from the script's thread. A block that never moves, reserved once; what
 // grows is the part that is used. Positions are offsets in it. Beside each byte stands a mark, so
 // that a word in the heap carries whether it refers to text: the marks of its four bytes are then
-// 1, 2, 3, 4. Whatever overwrites one of the bytes takes the mark away.
+// 1, 2, 3, 4. Whatever overwrites one of the bytes takes the mark away. Beside each array element
+// stands where its text is kept.
 #pragma once
 
 #include "platform/Types.h"
@@ -22,6 +23,7 @@ class CScriptArea {
     static constexpr DWORD START = READ_BUFFER;
     // What every text buffer holds: 255 characters and a NUL.
     static constexpr DWORD TEXT_BUFFER = 256;
+    static constexpr DWORD WORD_SIZE = 4;
 
     // Takes the memory, all zero; FALSE when there is none.
     bool Reserve();
@@ -54,6 +56,14 @@ class CScriptArea {
         m_pHeap = start + size;
         return start;
     }
+    // Where the text buffer is that belongs to the array element at an even position: NO_HOME when
+    // it has none yet, 0 when no element was made there.
+    static constexpr DWORD NO_HOME = 1;
+    DWORD HomeAt(DWORD position) const { return m_homes[position / 2]; }
+    void SetHome(DWORD position, DWORD home) { m_homes[position / 2] = static_cast<WORD>(home); }
+    // Makes elements of what Alloc has given.
+    void MakeElements(DWORD position, DWORD count);
+
     void Clear(DWORD position, DWORD count) {
         std::memset(Bytes() + position, 0, count);
         Unmark(position, count);
@@ -112,6 +122,7 @@ class CScriptArea {
 
     std::unique_ptr<BYTE[]> m_bytes;
     std::unique_ptr<BYTE[]> m_marks;
+    std::unique_ptr<WORD[]> m_homes; // one for two bytes
     DWORD m_dwUsed = FIRST_USED;
     DWORD m_pLimit = FIRST_USED;
     DWORD m_pHeap = START;

@@ -9,7 +9,10 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
     if (!depth)
         return {};
     const Scope scope = BeginScope();
+    const bool isAround = m_bNoCopy;
+    m_bNoCopy = false;
     const std::size_t firstArgument = m_Arguments.size();
+    const std::size_t firstBorrower = m_Borrowers.size();
     m_Reader.Expect('(');
     const DWORD position = m_Reader.Position();
     if (HasError() || !EvalArguments(floor))
@@ -22,8 +25,11 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
     if (HasError())
         return {};
     m_Arguments.resize(firstArgument);
+    if (m_Borrowers.size() > firstBorrower)
+        DropBorrowers(firstBorrower, scope.symbols);
     EndScope(scope, true);
     m_Reader.Seek(after);
+    m_bNoCopy = isAround;
     return m_nResult;
 }
 
@@ -60,9 +66,8 @@ void CVScript::CallBuiltin(DWORD row, std::size_t firstArgument, DWORD position)
 bool CVScript::CheckArguments(const BuiltinEntry& entry, const BuiltinArguments& arguments,
                               DWORD position) {
     const std::string_view kinds = entry.arguments;
-    const bool takesMore = kinds.ends_with('*');
-    const std::size_t named = kinds.size() - (takesMore ? 1 : 0);
-    if (arguments.count < named || (arguments.count > named && !takesMore)) {
+    const std::size_t named = kinds.size();
+    if (arguments.count < named) {
         ReportAt(ERR_ARG_COUNT, position);
         return false;
     }
@@ -82,6 +87,7 @@ void CVScript::CallScript(DWORD definition, std::size_t firstArgument, DWORD pos
     m_Reader.Expect('(');
     if (HasError() || !BindParameters(floor, firstArgument, position))
         return;
+    m_Arguments.resize(firstArgument);
     ExecuteBlock(floor);
     m_Symbols.DropTo(floor);
     m_bReturn = false;
@@ -119,8 +125,11 @@ bool CVScript::BindParameter(DWORD floor, ScriptWord argument) {
     if (HasError())
         return false;
     const BYTE size = isText ? SIZE_CHARACTER : SIZE_WORD;
-    if (m_Symbols.DefineSymbol(floor, m_Reader.Name(), argument, size, depth) == 0)
+    const DWORD symbol = m_Symbols.DefineSymbol(floor, m_Reader.Name(), argument, size, depth);
+    if (symbol == 0)
         return false;
+    if (argument.text)
+        m_Borrowers.push_back(symbol);
     m_Reader.SkipText();
     return true;
 }

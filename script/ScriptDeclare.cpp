@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr DWORD kWordSize = 4;
+constexpr DWORD kWordSize = CScriptArea::WORD_SIZE;
 
 // Of one element of what the symbol is, as long as it is no array.
 DWORD ElementSize(const ScriptSymbol& symbol) {
@@ -87,25 +87,20 @@ bool CVScript::DeclareArray(DWORD symbol, DWORD evaluationFloor) {
     }
     ScriptSymbol& entry = m_Symbols[symbol];
     const bool isText = entry.size == SIZE_CHARACTER;
-    // A text array's elements refer to buffers of their own, which stand behind them.
-    const bool hasBuffers = isText && entry.depth == 0;
-    const DWORD perElement = kWordSize + (hasBuffers ? CScriptArea::TEXT_BUFFER : 0);
+    const bool holdsTexts = isText && entry.depth == 0;
     const auto count = static_cast<DWORD>(dimension);
     const DWORD storage =
-        count < CScriptArea::CAPACITY ? Alloc(perElement * count) : Alloc(CScriptArea::CAPACITY);
+        count < CScriptArea::CAPACITY ? Alloc(kWordSize * count) : Alloc(CScriptArea::CAPACITY);
     if (storage == 0)
         return false;
+    if (isText)
+        m_Area.MakeElements(storage, count);
     entry.word =
         ScriptWord::Integer(static_cast<std::int32_t>(CScriptMemory::AreaLocation(storage)));
     entry.elements = static_cast<WORD>(dimension);
     entry.depth = static_cast<BYTE>(entry.depth + (isText ? 2 : 1));
-    if (hasBuffers) {
-        entry.home = storage + kWordSize * count;
-        for (DWORD index = 0; index < count; ++index)
-            m_Area.StoreWord(storage + kWordSize * index,
-                             ScriptWord::Text(CScriptMemory::AreaLocation(
-                                 entry.home + CScriptArea::TEXT_BUFFER * index)));
-    }
+    for (DWORD index = 0; holdsTexts && index < count; ++index)
+        m_Area.StoreWord(storage + kWordSize * index, m_Memory.EmptyText());
     m_Reader.Expect(']');
     return !HasError();
 }
@@ -118,7 +113,7 @@ void CVScript::InitializeArray(DWORD symbol, DWORD evaluationFloor) {
             return;
         const ScriptWord word = Evaluate(evaluationFloor);
         if (!HasError() && count < m_Symbols[symbol].elements)
-            StoreElement(symbol, count, word);
+            StoreElement(m_Symbols[symbol].word.Location() + kWordSize * count, word);
         ++count;
     } while (m_Reader.Accept(','));
     if (!HasError())
@@ -127,12 +122,14 @@ void CVScript::InitializeArray(DWORD symbol, DWORD evaluationFloor) {
         ReportError(ERR_TOO_MANY, m_Names[m_Symbols[symbol].name]);
 }
 
-void CVScript::StoreElement(DWORD symbol, DWORD index, ScriptWord word) {
-    const ScriptSymbol& entry = m_Symbols[symbol];
-    const DWORD home = entry.home == 0 ? 0 : entry.home + CScriptArea::TEXT_BUFFER * index;
-    if (word.text && home != 0)
-        word = CopyText(word, home);
-    m_Memory.StoreWord(entry.word.Location() + kWordSize * index, word);
+// A literal that fits needs no room until something else is assigned.
+void CVScript::StoreElement(DWORD place, ScriptWord word) {
+    word = m_Memory.Resolve(word);
+    const bool isKept =
+        m_Memory.IsLiteral(word) && ReadText(word).size() < CScriptArea::TEXT_BUFFER;
+    if (word.text && !isKept)
+        word = CopyTextTo(place, word);
+    m_Memory.StoreWord(place, word);
 }
 
 void CVScript::InitializeScalar(DWORD symbol, DWORD evaluationFloor) {
@@ -140,6 +137,6 @@ void CVScript::InitializeScalar(DWORD symbol, DWORD evaluationFloor) {
     if (HasError())
         return;
     if (word.text && m_Symbols[symbol].home != 0)
-        word = CopyText(word, m_Symbols[symbol].home);
+        word = CopyTextTo(CScriptMemory::SymbolLocation(symbol), word);
     m_Symbols[symbol].word = word;
 }

@@ -51,7 +51,8 @@ bool CVScript::EvalPlainPair(ScriptValue& left) {
     return true;
 }
 
-ScriptWord CVScript::Evaluate(DWORD floor) {
+// Inlined into both of those that follow: here the time of most scripts goes.
+[[gnu::always_inline]] inline ScriptWord CVScript::EvaluateHere(DWORD floor) {
     if (HasError())
         return {};
     ScriptValue record(floor);
@@ -61,8 +62,24 @@ ScriptWord CVScript::Evaluate(DWORD floor) {
             LoadValue(record);
     } else if (IsOperatorNext(LOOSEST_LEVEL) && !EvalPlainPair(record)) {
         EvalOperators(record, LOOSEST_LEVEL);
+        if (!HasError() && m_Reader.Peek() == '=')
+            EvalAssignment(record);
     }
     return HasError() ? ScriptWord{} : record.word;
+}
+
+// What a dereference in an expression means for an assignment ends with the expression.
+ScriptWord CVScript::Evaluate(DWORD floor) {
+    const bool isAround = m_bNoCopy;
+    m_bNoCopy = false;
+    const ScriptWord word = EvaluateHere(floor);
+    m_bNoCopy = isAround;
+    return word;
+}
+
+// The right side of an assignment, which is part of the expression.
+ScriptWord CVScript::EvaluateRight(DWORD floor) {
+    return EvaluateHere(floor);
 }
 
 // A statement that does no more than assign to a plain variable. False, and nothing is consumed,
@@ -77,11 +94,14 @@ bool CVScript::AssignPlain(DWORD floor) {
     if (m_Symbols[target.symbol].size == SIZE_FUNCTION || m_Symbols[target.symbol].elements > 0)
         return false;
     m_Reader.Seek(position + 1);
-    const ScriptWord word = Evaluate(floor);
+    const ScriptWord word = EvaluateRight(floor);
     if (HasError())
         return true;
     target.isLocation = true;
-    Assign(target, word, position);
+    if (word.text)
+        Assign(target, word, position);
+    else
+        m_Symbols[target.symbol].word = word;
     return true;
 }
 
@@ -101,7 +121,7 @@ void CVScript::EvalAssignment(ScriptValue& target) {
     do {
         const DWORD position = m_Reader.Position();
         m_Reader.Take();
-        const ScriptWord word = Evaluate(target.floor);
+        const ScriptWord word = EvaluateRight(target.floor);
         if (!HasError() && m_nSkip == 0)
             Assign(target, word, position);
     } while (!HasError() && m_Reader.Peek() == '=');
@@ -112,32 +132,20 @@ void CVScript::EvalAssignment(ScriptValue& target) {
 void CVScript::Assign(const ScriptValue& target, ScriptWord word, DWORD position) {
     const bool copies = !m_bNoCopy;
     m_bNoCopy = false;
-    if (!word.text || !target.isLocation)
+    if (!target.isLocation || (target.size == SIZE_CHARACTER && target.depth == 0))
         return StoreValue(target, word, position);
-    const DWORD variable = VariableOf(target);
-    const DWORD home = variable != 0 ? m_Symbols[variable].home : target.home;
-    if (copies || (home != 0 && variable != 0 && DiesBefore(variable, word)))
-        return AssignText(target, word, home, position);
-    m_bTextStored = true;
-    StoreValue(target, word, position);
-}
-
-// The variable that a location is the value of; 0: none, as for an array and its elements.
-DWORD CVScript::VariableOf(const ScriptValue& target) const {
-    const DWORD symbol =
-        target.symbol != 0 ? target.symbol : m_Memory.FindVariable(target.word.Location());
-    return symbol == 0 || m_Symbols[symbol].elements > 0 ? 0 : symbol;
-}
-
-void CVScript::AssignText(const ScriptValue& target, ScriptWord word, DWORD home, DWORD position) {
-    word = CopyText(word, home);
-    if (HasError())
-        return;
-    // A call or a condition may end before the block that the variable stands in.
-    if (home == 0 && target.symbol != 0)
-        m_Kept.push_back(target.symbol);
-    m_bTextStored = m_bTextStored || home == 0;
-    StoreValue(target, word, position);
+    const DWORD place =
+        target.symbol != 0 ? CScriptMemory::SymbolLocation(target.symbol) : target.word.Location();
+    const DWORD home = target.symbol != 0 ? m_Symbols[target.symbol].home : 0;
+    // A number in a variable leaves its text where it is.
+    if ((word.text || target.symbol == 0) && (!m_Borrowers.empty() || !m_Arguments.empty()))
+        LeaveText(place);
+    if (word.text && (copies || DiesBefore(place, word)))
+        word = home != 0 ? CopyText(home, word) : CopyTextTo(place, word);
+    else if (word.text)
+        word = Borrow(target.symbol, word);
+    if (!HasError())
+        StoreValue(target, word, position);
 }
 
 // What is skipped has a value without being looked at.
@@ -155,6 +163,8 @@ void CVScript::LoadLocation(ScriptValue& record) {
         record.word = ScriptWord::Integer(character);
     } else if (!m_Memory.LoadWord(location, record.word)) {
         ReportError(ERR_POINTER);
+    } else if (record.word.text) {
+        record.word = m_Memory.ToElementText(location, record.word);
     }
 }
 
@@ -167,6 +177,8 @@ void CVScript::StoreValue(const ScriptValue& record, ScriptWord word, DWORD posi
     }
     const DWORD location = record.word.Location();
     const bool isCharacter = record.size == SIZE_CHARACTER && record.depth == 0;
+    if (isCharacter && !GiveElementRoom(location))
+        return;
     const bool isStored = isCharacter
                               ? m_Memory.StoreCharacter(location, static_cast<BYTE>(word.value))
                               : m_Memory.StoreWord(location, word);

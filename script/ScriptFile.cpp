@@ -2,6 +2,9 @@
 
 #include "platform/File.h"
 
+#include <string_view>
+#include <utility>
+
 BYTE CScriptFile::ReadChar() {
     if (m_pushedBack > 0)
         return m_chPushBack[--m_pushedBack];
@@ -10,6 +13,12 @@ BYTE CScriptFile::ReadChar() {
     // A buffer that was not filled was the last one.
     if (m_nReadCount < BUFFER_SIZE)
         return END_OF_FILE;
+    FillBuffer();
+    return m_nReadPos == m_nReadCount ? END_OF_FILE : m_buffer[m_nReadPos++];
+}
+
+void CScriptFile::FillBuffer() {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     m_nReadPos = 0;
     m_nReadCount = 0;
     // A pipe gives what it has; only nothing is its end.
@@ -19,7 +28,9 @@ BYTE CScriptFile::ReadChar() {
         ReadFile(m_hFile, m_buffer + m_nReadCount, BUFFER_SIZE - m_nReadCount, &count, nullptr) &&
         count > 0)
         m_nReadCount += count;
-    return m_nReadCount == 0 ? END_OF_FILE : m_buffer[m_nReadPos++];
+    const std::string_view read(reinterpret_cast<const char*>(m_buffer), m_nReadCount);
+    if (std::exchange(m_atHead, false) && read.starts_with(kByteOrderMark))
+        m_nReadPos = static_cast<DWORD>(kByteOrderMark.size());
 }
 
 BYTE CScriptFile::ReadCharSkipComment() {

@@ -1,5 +1,7 @@
 // CScriptFile: the characters of a script file, one after the other, with comments taken out.
 //
+// A byte order mark of UTF-8 at the head of the file is left out.
+//
 // Lives while a script is tokenized. It reads through the buffer it is given and does not own the
 // file. Nothing is reported here: the end of the file is a character like any other, and a byte
 // 0xFF in the file reads as its end.
@@ -32,6 +34,8 @@ class CScriptFile {
     bool EndedInComment() const { return m_endedInComment; }
 
   private:
+    void FillBuffer();
+
     HANDLE m_hFile;
     BYTE* m_buffer;
     DWORD m_nReadCount = BUFFER_SIZE; // a used-up full buffer asks for the first read
@@ -39,4 +43,5 @@ class CScriptFile {
     std::array<BYTE, 2> m_chPushBack{};
     DWORD m_pushedBack = 0;
     bool m_endedInComment = false;
+    bool m_atHead = true;
 };

@@ -25,6 +25,7 @@ bool CVScript::Load(HANDLE file) {
     const DWORD heap = m_Reader.End() + kBehindStream;
     m_Area.SetHeap(heap);
     m_Memory.SetStreamEnd(heap);
+    m_Area.Bytes()[heap - 1] = 0; // the text of no characters
     for (const BuiltinEntry& entry : g_Builtins)
         if (entry.handler != nullptr)
             m_Names.Intern(entry.name);

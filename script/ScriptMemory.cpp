@@ -35,6 +35,38 @@ CScriptMemory::Span CScriptMemory::Find(DWORD location) const {
             static_cast<DWORD>(text.size()) + 1 - inResponse, false};
 }
 
+// The position of an array element; 0: none stands there.
+DWORD CScriptMemory::FindElement(DWORD location) const {
+    const DWORD position = AreaPosition(location);
+    const bool isElement = position % 2 == 0 && position >= m_streamEnd &&
+                           position + kWordSize <= CScriptArea::CAPACITY &&
+                           m_area.HomeAt(position) != 0;
+    return isElement ? position : 0;
+}
+
+DWORD CScriptMemory::HomeOf(DWORD place) const {
+    if (const DWORD symbol = FindVariable(place); symbol != 0)
+        return m_symbols[symbol].home;
+    const DWORD element = FindElement(place);
+    const DWORD home = element == 0 ? 0 : m_area.HomeAt(element);
+    return home == CScriptArea::NO_HOME ? 0 : home;
+}
+
+void CScriptMemory::SetHome(DWORD place, DWORD home) {
+    if (const DWORD symbol = FindVariable(place); symbol != 0)
+        m_symbols[symbol].home = home;
+    else if (const DWORD element = FindElement(place); element != 0)
+        m_area.SetHome(element, home == 0 ? CScriptArea::NO_HOME : home);
+}
+
+ScriptWord CScriptMemory::ResolveElement(ScriptWord text) const {
+    const DWORD element = FindElement(ElementOf(text.Location()));
+    if (!text.text || element == 0)
+        return text;
+    const ScriptWord word = m_area.LoadWord(element);
+    return word.text ? word : text;
+}
+
 DWORD CScriptMemory::FindVariable(DWORD location) const {
     const DWORD distance = location - SYMBOL_BASE;
     const DWORD symbol = distance / SYMBOL_STRIDE;
@@ -61,6 +93,7 @@ bool CScriptMemory::LoadWord(DWORD location, ScriptWord& word) const {
 }
 
 bool CScriptMemory::LoadCharacter(DWORD location, std::int32_t& character) const {
+    location = Resolve(ScriptWord::Text(location)).Location();
     const Span span = Find(location);
     if (span.count == 0)
         return false;
@@ -82,6 +115,7 @@ bool CScriptMemory::StoreWord(DWORD location, ScriptWord word) {
 }
 
 bool CScriptMemory::StoreCharacter(DWORD location, BYTE character) {
+    location = Resolve(ScriptWord::Text(location)).Location();
     const Span span = Find(location);
     if (!span.isWritable)
         return false;
@@ -93,6 +127,7 @@ bool CScriptMemory::StoreCharacter(DWORD location, BYTE character) {
 }
 
 bool CScriptMemory::ReadText(DWORD location, std::string_view& text) const {
+    location = Resolve(ScriptWord::Text(location)).Location();
     const Span span = Find(location);
     if (span.count == 0)
         return false;
@@ -105,6 +140,7 @@ bool CScriptMemory::ReadText(DWORD location, std::string_view& text) const {
 }
 
 bool CScriptMemory::WriteText(DWORD location, std::string_view text) {
+    location = Resolve(ScriptWord::Text(location)).Location();
     const Span span = Find(location);
     if (!span.isWritable)
         return false;

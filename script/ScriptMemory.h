@@ -9,6 +9,12 @@
 //   the symbols      the value words of live variables, as whole words only
 //   the results      six buffers of the built-ins that return text
 //   the responses    the last answer of SendCommand and of SendCommandGetString; reading only
+//   the elements     the text of a STRING array's element, wherever it stands at the time: what
+//   begins as
+//                    a literal gets a buffer when it is written to
+//
+// A place is the location of a variable's value word or of an element of a STRING array. It may
+// have a home: a text buffer of its own, in which it keeps the text it was given.
 //
 // Owned by the engine; used from the script's thread.
 #pragma once
@@ -56,6 +62,38 @@ class CScriptMemory {
     // The variable whose value word a location is; 0: none.
     DWORD FindVariable(DWORD location) const;
 
+    bool IsPlace(DWORD location) const {
+        return FindVariable(location) != 0 || FindElement(location) != 0;
+    }
+    // The position of a place's home; 0: it has none.
+    DWORD HomeOf(DWORD place) const;
+    void SetHome(DWORD place, DWORD home);
+
+    // Whether a text stands in the token stream.
+    bool IsLiteral(ScriptWord text) const {
+        const DWORD position = AreaPosition(text.Location());
+        return text.text && position >= CScriptArea::START && position < m_streamEnd;
+    }
+    // The text of no characters, a literal as well.
+    ScriptWord EmptyText() const { return ScriptWord::Text(AreaLocation(m_streamEnd - 1)); }
+
+    // A literal that was loaded from an array element is the element's text; all else stays.
+    ScriptWord ToElementText(DWORD place, ScriptWord word) const {
+        return IsLiteral(word) && FindElement(place) != 0 ? ElementText(place) : word;
+    }
+    ScriptWord ElementText(DWORD place) const {
+        return ScriptWord::Text(ELEMENT_BASE + AreaPosition(place));
+    }
+    // The element whose text a location is; 0: none.
+    static constexpr DWORD ElementOf(DWORD location) {
+        const DWORD position = location - ELEMENT_BASE;
+        return position < CScriptArea::CAPACITY ? AreaLocation(position) : 0;
+    }
+    // Where the text stands now: of an element's text what the element refers to.
+    ScriptWord Resolve(ScriptWord text) const {
+        return ElementOf(text.Location()) == 0 ? text : ResolveElement(text);
+    }
+
     // The text at a location, up to its NUL or the end of the memory it stands in. It stays valid
     // until that memory is written to.
     bool ReadText(DWORD location, std::string_view& text) const;
@@ -70,6 +108,7 @@ class CScriptMemory {
     static constexpr DWORD SYMBOL_STRIDE = 8;
     static constexpr DWORD RESULT_BASE = 0x00030000;
     static constexpr DWORD RESULT_STRIDE = 0x200;
+    static constexpr DWORD ELEMENT_BASE = 0x00040000;
     // Far apart: a response is bounded by the modem layer at a megabyte.
     static constexpr DWORD RESPONSE_BASE = 0x01000000;
     static constexpr DWORD RESPONSE_STRIDE = 0x01000000;
@@ -81,6 +120,8 @@ class CScriptMemory {
         bool isWritable = false;
     };
     Span Find(DWORD location) const;
+    DWORD FindElement(DWORD location) const;
+    ScriptWord ResolveElement(ScriptWord text) const;
 
     CScriptArea& m_area;
     CSymbolTable& m_symbols;

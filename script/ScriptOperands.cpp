@@ -65,7 +65,6 @@ void CVScript::Dereference(ScriptValue& record) {
         record.size = SIZE_WORD;
     record.isLocation = true;
     record.symbol = 0;
-    record.home = 0;
     record.elements = 0;
 }
 
@@ -151,7 +150,6 @@ void CVScript::EvalSubscript(ScriptValue& record) {
     m_Reader.Expect(']');
     if (HasError())
         return;
-    const DWORD home = record.symbol != 0 ? m_Symbols[record.symbol].home : 0;
     LoadValue(record);
     if (HasError())
         return;
@@ -162,7 +160,6 @@ void CVScript::EvalSubscript(ScriptValue& record) {
     const auto element = static_cast<DWORD>(index - 1);
     record.word = ScriptWord::Integer(
         static_cast<std::int32_t>(record.word.Location() + (isCharacter ? 1 : 4) * element));
-    record.home = home == 0 ? 0 : home + CScriptArea::TEXT_BUFFER * element;
     record.isLocation = true;
     record.symbol = 0;
     record.elements = 0;

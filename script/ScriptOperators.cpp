@@ -48,10 +48,18 @@ void CVScript::EvalOperators(ScriptValue& left, BYTE level) {
             continue;
         }
         ScriptValue right(left.floor);
+        // A call on the right may assign to the variable that the left text is of.
+        const bool isHeld = left.word.text;
+        if (isHeld)
+            m_Arguments.push_back(left.word);
         EvalOperand(right, g_OperatorLevels[operation]);
         if (HasError())
             return;
         LoadValue(right);
+        if (isHeld) {
+            left.word = m_Arguments.back();
+            m_Arguments.pop_back();
+        }
         if (!HasError())
             Apply(left, operation, right, position);
     } while (!HasError() && IsOperatorNext(level));
@@ -70,8 +78,6 @@ void CVScript::Apply(ScriptValue& left, BYTE operation, const ScriptValue& right
     const std::int32_t second = right.word.value;
     switch (operation) {
     case '+':
-        if (right.word.text)
-            return ReportAt(ERR_SYNTAX, position);
         left.word = ScriptWord::Integer(Wrap(Bits(first) + Bits(Scale(left)) * Bits(second)));
         return;
     case '-':
@@ -80,11 +86,11 @@ void CVScript::Apply(ScriptValue& left, BYTE operation, const ScriptValue& right
         left.word = ScriptWord::Integer(Wrap(Bits(first) - Bits(Scale(left)) * Bits(second)));
         return;
     case TOKEN_EQ:
-        if (left.word.text || right.word.text)
+        if (left.word.text)
             return left.BecomeInteger(Order(left.word, right.word, position) == 0);
         return left.BecomeInteger(first == second);
     case TOKEN_NE:
-        if (left.word.text || right.word.text)
+        if (left.word.text)
             return left.BecomeInteger(Order(left.word, right.word, position));
         return left.BecomeInteger(first != second);
     case '<':
@@ -154,7 +160,7 @@ std::int32_t CVScript::Divide(BYTE operation, std::int32_t left, std::int32_t ri
 
 // -1, 0 or 1 as the left text sorts before, equal to or after the right one.
 std::int32_t CVScript::Order(const ScriptWord& left, const ScriptWord& right, DWORD position) {
-    if (!left.text || !right.text) {
+    if (!right.text) {
         ReportAt(ERR_SYNTAX, position);
         return 0;
     }

@@ -80,13 +80,14 @@ void CVScript::ExecuteSimple(DWORD floor) {
 // What texts the statement made on its way is given back at once, unless somebody refers to one.
 void CVScript::ExecuteExpression(BYTE code, DWORD floor) {
     const DWORD heap = m_Area.Heap();
+    const std::size_t kept = m_Kept.size();
     const bool wasStored = m_bTextStored;
     m_bTextStored = false;
     m_bNoCopy = false;
     if (code != TOKEN_NAME || !AssignPlain(floor))
         Evaluate(floor);
     if (!m_bTextStored)
-        m_Area.SetHeap(heap);
+        GiveBackHeap({m_Symbols.Top(), heap, kept}, false);
     m_bTextStored = m_bTextStored || wasStored;
 }
 
@@ -148,6 +149,7 @@ void CVScript::ExecuteSelect(DWORD floor) {
     const bool isVariable = selector.isLocation && selector.symbol != 0;
     if (!HasError() && !isVariable)
         LoadValue(selector);
+    m_Arguments.push_back(selector.word);
     if (!HasError())
         m_Reader.SkipBalanced('{');
     bool hasRun = false;
@@ -174,10 +176,12 @@ void CVScript::ExecuteSelect(DWORD floor) {
             m_Reader.Expect(TOKEN_ENDSELECT);
     }
     m_nSkip = outerSkip;
+    m_Arguments.pop_back();
 }
 
 bool CVScript::MatchesCase(const ScriptValue& selector, DWORD floor) {
     bool matches = false;
+    const std::size_t value = m_Arguments.size() - 1;
     do {
         const DWORD position = m_Reader.Position();
         const ScriptWord word = Evaluate(floor);
@@ -186,10 +190,11 @@ bool CVScript::MatchesCase(const ScriptValue& selector, DWORD floor) {
         if (m_nSkip > 0)
             continue;
         const bool isVariable = selector.isLocation;
-        const ScriptWord& current = isVariable ? m_Symbols[selector.symbol].word : selector.word;
-        const bool isText = current.text || word.text;
+        const ScriptWord& current =
+            isVariable ? m_Symbols[selector.symbol].word : m_Arguments[value];
         matches =
-            (isText ? Order(current, word, position) == 0 : current.value == word.value) || matches;
+            (current.text ? Order(current, word, position) == 0 : current.value == word.value) ||
+            matches;
     } while (!HasError() && m_Reader.Accept(','));
     return matches && !HasError();
 }

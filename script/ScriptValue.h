@@ -28,10 +28,9 @@ inline constexpr BYTE MOST_REFERENCES = 100;
 
 // A value under evaluation: plain, or the location where the value is stored.
 struct ScriptValue {
-    DWORD floor;      // the symbols above this one are the local scope
-    ScriptWord word;  // the value, or its location
-    DWORD symbol = 0; // the entry whose value word the location is; 0 for other locations
-    DWORD home = 0;   // where the place keeps a text of its own, 255 bytes and a NUL; 0: nowhere
+    DWORD floor;           // the symbols above this one are the local scope
+    ScriptWord word;       // the value, or its location
+    DWORD symbol = 0;      // the entry whose value word the location is; 0 for other locations
     BYTE size = SIZE_WORD; // size code
     BYTE depth = 0;        // levels of reference down to a plain character or word
     WORD elements = 0;     // of the array that the name is; 0: none

@@ -20,7 +20,7 @@ struct ScriptSymbol {
     BYTE size;     // size code
     BYTE depth;    // levels of reference
     WORD elements; // of an array; 0: none
-    DWORD home;    // position in the region where its text is kept; 0: nowhere of its own
+    DWORD home;    // position of the text buffer that belongs to it; 0: none
     DWORD hidden;  // the entry of the same name below; 0: none
 };
 

@@ -2,90 +2,20 @@
 
 #include "script/KeywordTable.h"
 #include "script/NibbleText.h"
+#include "script/SourceRules.h"
 #include "script/TokenCodes.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace {
-
-constexpr bool IsDigit(BYTE character) {
-    return character >= '0' && character <= '9';
-}
-
-constexpr bool IsLetter(BYTE character) {
-    const BYTE lower = character | 0x20;
-    return lower >= 'a' && lower <= 'z';
-}
-
-constexpr bool IsNameStart(BYTE character) {
-    return IsLetter(character) || character == '_' || character == ':' || character == '#' ||
-           character == '$';
-}
-
-constexpr bool IsWordCharacter(BYTE character) {
-    return IsNameStart(character) || IsDigit(character);
-}
-
-// 16 for what is no hexadecimal digit.
-constexpr BYTE HexValue(BYTE character) {
-    if (IsDigit(character))
-        return static_cast<BYTE>(character - '0');
-    const BYTE lower = character | 0x20;
-    return lower >= 'a' && lower <= 'f' ? static_cast<BYTE>(lower - 'a' + 10) : BYTE{16};
-}
-
-constexpr std::string_view kEscapes = "ntfabrv\"'?\\";
-constexpr std::string_view kEscaped = "\n\t\f\a\b\r\v\"'?\\";
-
-// Two characters that are one operator.
-struct PairRow {
-    BYTE first;
-    BYTE second;
-    BYTE code;
-};
-constexpr std::array<PairRow, 3> kPairs = {{
-    {'<', '>', TOKEN_NE},
-    {'<', '=', TOKEN_LE},
-    {'>', '=', TOKEN_GE},
-}};
-
-} // namespace
-
-// What a keyword does to the blocks around it.
-struct CTokenizer::BlockRule {
-    enum class Nesting : BYTE { Nothing, Push, Pop };
-
-    BYTE code;
-    Nesting nesting;
-    ENestKind kind;
-    bool closesBlock;
-    bool opensBlock; // at the end of its line
-};
-
 bool CTokenizer::ApplyBlockRule(BYTE code) {
-    using enum BlockRule::Nesting;
-    static constexpr std::array<BlockRule, 13> kRules = {{
-        {TOKEN_IF, Push, NEST_IF, false, true},
-        {TOKEN_ELSEIF, Nothing, NEST_IF, true, true},
-        {TOKEN_ELSE, Nothing, NEST_IF, true, true},
-        {TOKEN_CASE, Nothing, NEST_SELECT, true, true},
-        {TOKEN_FOR, Push, NEST_FOR, false, true},
-        {TOKEN_WHILE, Push, NEST_WHILE, false, true},
-        {TOKEN_SELECT, Push, NEST_SELECT, false, true},
-        {TOKEN_FUNCTION, Push, NEST_FUNCTION, false, true},
-        {TOKEN_ENDIF, Pop, NEST_IF, true, false},
-        {TOKEN_NEXT, Pop, NEST_FOR, true, false},
-        {TOKEN_WEND, Pop, NEST_WHILE, true, false},
-        {TOKEN_ENDSELECT, Pop, NEST_SELECT, true, false},
-        {TOKEN_ENDFUNCTION, Pop, NEST_FUNCTION, true, false},
-    }};
-    const auto* rule = std::ranges::find(kRules, code, &BlockRule::code);
-    if (rule == kRules.end())
+    const auto* rule = std::ranges::find(BLOCK_RULES, code, &BlockRule::code);
+    if (rule == BLOCK_RULES.end())
         return true;
     CNestStack& stack = m_stacks[rule->kind];
-    const bool isNested =
-        rule->nesting == Nothing || (rule->nesting == Push ? stack.Push(m_nLine) : stack.Pop());
+    using Nesting = BlockRule::Nesting;
+    const bool isNested = rule->nesting == Nesting::Nothing ||
+                          (rule->nesting == Nesting::Push ? stack.Push(m_nLine) : stack.Pop());
     if (!isNested)
         return Fail(ERR_IF + rule->kind);
     if (code == TOKEN_ELSEIF)
@@ -210,9 +140,9 @@ bool CTokenizer::ReadEscape() {
     const BYTE character = ReadNeeded();
     if (character == CScriptFile::END_OF_FILE)
         return false;
-    const std::size_t row = kEscapes.find(static_cast<char>(character));
+    const std::size_t row = ESCAPES.find(static_cast<char>(character));
     if (row != std::string_view::npos)
-        return Put(static_cast<BYTE>(kEscaped[row]));
+        return Put(static_cast<BYTE>(ESCAPED[row]));
     if (character != 'x' && character != 'X')
         return Fail(ERR_ESCAPE);
     BYTE high = 0;
@@ -260,7 +190,7 @@ BYTE CTokenizer::ClassifyDelimiter(BYTE character) {
     const BYTE next = ReadNeeded();
     if (next == CScriptFile::END_OF_FILE)
         return 0;
-    for (const PairRow& pair : kPairs)
+    for (const PairRow& pair : PAIRS)
         if (character == pair.first && next == pair.second)
             return pair.code;
     m_file.PushBack(next);
@@ -268,15 +198,9 @@ BYTE CTokenizer::ClassifyDelimiter(BYTE character) {
 }
 
 BYTE CTokenizer::ClassifyNumber(std::string_view word) {
-    const bool isHexadecimal = word.starts_with("0x") || word.starts_with("0X");
-    const DWORD base = isHexadecimal ? 16 : 10;
     DWORD value = 0;
-    for (const char character : word.substr(isHexadecimal ? 2 : 0)) {
-        const BYTE digit = HexValue(static_cast<BYTE>(character));
-        if (digit >= base)
-            return 0;
-        value = value * base + digit;
-    }
+    if (!ReadNumber(word, value))
+        return 0;
     // Never longer than the digits it replaces.
     const std::string text = EncodeNumber(value);
     std::memcpy(m_area.Bytes() + m_pPos, text.c_str(), text.size() + 1);

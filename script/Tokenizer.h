@@ -35,8 +35,6 @@ class CTokenizer final : public ILineSource {
     DWORD CurrentLine() const override { return m_nLine; }
 
   private:
-    struct BlockRule;
-
     bool ReadToken(BYTE& code);
     bool ReadWord(bool& isLiteral);
     bool ReadPlainWord(BYTE first);

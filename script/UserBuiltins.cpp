@@ -57,8 +57,10 @@ ScriptWord MessageBox(CVScript& script, const BuiltinArguments& arguments) {
     std::string caption;
     if (!TakeText(script, arguments[0], text) || !TakeText(script, arguments[1], caption))
         return {};
-    return ScriptWord::Integer(
-        MessageBoxA(nullptr, text.c_str(), caption.c_str(), MB_ICONINFORMATION | MB_OK));
+    const int answer =
+        MessageBoxA(nullptr, text.c_str(), caption.c_str(), MB_ICONINFORMATION | MB_OK);
+    script.EndIfOver();
+    return ScriptWord::Integer(answer);
 }
 
 ScriptWord PlaySound(CVScript& script, const BuiltinArguments& arguments) {
@@ -74,7 +76,7 @@ ScriptWord PlaySound(CVScript& script, const BuiltinArguments& arguments) {
 ScriptWord Wait(CVScript& script, const BuiltinArguments& arguments) {
     const auto milliseconds = static_cast<DWORD>(std::max(arguments[0].value, 0));
     WaitPumping(milliseconds, script.Host().GetHangupHandle());
-    script.EndIfDeviceGone();
+    script.EndIfOver();
     return ScriptWord::Integer(1);
 }
 

@@ -195,14 +195,17 @@ void CAnsiConsole::DoNothing() {}
 
 void CAnsiConsole::SelectGraphicRendition() {
     if (FirstParameterCharacter() == 'm') {
+        m_wExactColors = 0;
         SetColors(m_nDefaultForeground, m_nDefaultBackground);
         SetAttributeFlags(0);
         return;
     }
     CEscapeParameters parameters(ParameterText());
     while (const std::optional<int> parameter = parameters.Next()) {
-        const GraphicRendition rendition = ApplyGraphicRendition(
-            *parameter, {m_byAttribute & 0x0F, m_byAttribute >> 4, GetAttributeFlags()});
+        const GraphicRendition rendition =
+            ApplyGraphicRendition(*parameter, {m_byAttribute & 0x0F, m_byAttribute >> 4,
+                                               GetAttributeFlags(), m_wExactColors});
+        m_wExactColors = rendition.exact;
         SetColors(rendition.foreground, rendition.background);
         SetAttributeFlags(rendition.flags);
     }

@@ -1,6 +1,7 @@
 #include "terminal/CommandFile.h"
 
 #include "common/TextFile.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "terminal/CaptureFile.h"
 #include "terminal/CommandLine.h"
@@ -46,7 +47,7 @@ void CCommandFileRun::Run(const std::string& fileName) {
         if (!SendLine(line))
             break;
     }
-    if (result == EReadLine::Error)
+    if (result == EReadLine::Error && !platform::IsEndRequested())
         TellUser(m_console, "Cannot read %s: %s\n", fileName.c_str(),
                  DescribeError(GetLastError()));
     if (!m_capture.Close())
@@ -56,15 +57,11 @@ void CCommandFileRun::Run(const std::string& fileName) {
 
 bool CCommandFileRun::OpenFiles(const std::string& fileName) {
     if (!m_commands.Open(fileName.c_str())) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot open %s\n", fileName.c_str());
-        TellReason(m_console, error, fileName);
+        TellFileFailure(m_console, "Cannot open", fileName, GetLastError());
         return false;
     }
     if (!g_strOutputFile.empty() && !m_capture.Open(g_strOutputFile)) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot create %s\n", g_strOutputFile.c_str());
-        TellReason(m_console, error, g_strOutputFile);
+        TellFileFailure(m_console, "Cannot create", g_strOutputFile, GetLastError());
         return false;
     }
     return true;
@@ -87,6 +84,10 @@ bool CCommandFileRun::SendLine(std::string line) {
         Show(response);
         if (Capture(response))
             TellDeviceGone(m_console, m_deviceName);
+        return false;
+    }
+    if (platform::IsEndRequested()) {
+        Capture(response);
         return false;
     }
     Show("No Response\n");

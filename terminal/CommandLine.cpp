@@ -3,6 +3,7 @@
 #include "terminal/Decimal.h"
 
 #include <array>
+#include <cstdlib>
 #include <string_view>
 
 std::string g_strCommandFile;
@@ -31,6 +32,14 @@ char ToUpper(char letter) {
     return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - ('a' - 'A')) : letter;
 }
 
+// The shell expands "~/" only where a word begins.
+std::string ExpandHome(std::string_view path) {
+    const char* const home = std::getenv("HOME");
+    if (!home || !path.starts_with("~/"))
+        return std::string(path);
+    return home + std::string(path.substr(1));
+}
+
 void ApplySwitch(std::string_view argument, CommandLine& commandLine) {
     if (!IsSwitch(argument))
         return;
@@ -41,7 +50,7 @@ void ApplySwitch(std::string_view argument, CommandLine& commandLine) {
         commandLine.baudRate = ParseDecimal(value);
     for (const FileSwitch& fileSwitch : kFileSwitches)
         if (fileSwitch.letter == letter)
-            *fileSwitch.value = value;
+            *fileSwitch.value = ExpandHome(value);
 }
 
 } // namespace
@@ -53,7 +62,11 @@ CommandLine ParseCommandLine(int argumentCount, const char* const* arguments) {
 
     commandLine.port = arguments[1];
     commandLine.wantsUsage = commandLine.port == "-?" || commandLine.port == "/?";
-    if (commandLine.wantsUsage)
+    const bool wantsCheck = commandLine.port == "--check";
+    if (wantsCheck && argumentCount > 2)
+        commandLine.checkedFile = arguments[2];
+    commandLine.wantsUsage |= wantsCheck && commandLine.checkedFile.empty();
+    if (wantsCheck || commandLine.wantsUsage)
         return commandLine;
 
     for (int index = 2; index < argumentCount; ++index)

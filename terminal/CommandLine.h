@@ -12,14 +12,15 @@ extern std::string g_strOutputFile;  // -O
 extern std::string g_strScriptFile;  // -S
 
 struct CommandLine {
-    bool wantsUsage = false; // the first argument is "-?" or "/?"
+    bool wantsUsage = false; // the first argument is "-?" or "/?", or "--check" without a file
+    std::string checkedFile; // the one behind "--check"; empty when the first one is another
     std::string port;        // the first argument as typed; empty when there is none
     int baudRate = 0;        // -B; 0 when absent or no number
 };
 
 // Reads the arguments as main gets them. Never fails: what is no switch, and what is an unknown
 // one, is ignored; of a switch given twice the later one counts; a switch's letter counts in either
-// case. File names keep the case as typed.
+// case. File names keep the case as typed; "~/" at the front of one is the home folder.
 CommandLine ParseCommandLine(int argumentCount, const char* const* arguments);
 
 // The usage text, with its line ends.

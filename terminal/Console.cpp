@@ -1,7 +1,9 @@
 #include "terminal/Console.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
+#include "terminal/StandardError.h"
 
 CConsole* g_pActiveConsole = nullptr;
 
@@ -16,8 +18,17 @@ bool EndsTheTerminal(DWORD controlEvent) {
 
 // Every event counts as handled, so none of them ends the process: the session ends in order.
 BOOL ConsoleCtrlHandler(DWORD controlEvent) {
-    if (EndsTheTerminal(controlEvent) && g_pActiveConsole)
+    if (!EndsTheTerminal(controlEvent))
+        return TRUE;
+    const bool goesOn =
+        controlEvent == CTRL_BREAK_EVENT && g_pActiveConsole && g_pActiveConsole->OutlivesBreak();
+    // First, so that the time that a stuck terminal takes counts.
+    if (!goesOn)
+        platform::RequestEnd();
+    if (g_pActiveConsole)
         g_pActiveConsole->Restore();
+    if (goesOn)
+        TellOnStandardError("the run goes on without the screen; Ctrl+C ends it");
     return TRUE;
 }
 
@@ -57,6 +68,10 @@ void CConsole::Restore() {
     SetEvent(m_hReleased);
 }
 
+bool CConsole::OutlivesBreak() const {
+    return m_bOutlivesBreak && platform::HasTerminal();
+}
+
 void CConsole::SetTitle(LPCSTR title) {
     if (m_bActive)
         SetConsoleTitleA(title);
@@ -85,6 +100,10 @@ BOOL CConsole::ReadKey(BYTE* character) {
         return FALSE;
     KEY_EVENT_RECORD key;
     if (!ReadKeyEvent(key))
+        return FALSE;
+    if (key.wRepeatCount != 0)
+        m_bRestDropped = FALSE;
+    else if (m_bRestDropped)
         return FALSE;
     if (key.uChar.AsciiChar != 0) {
         *character = static_cast<BYTE>(key.uChar.AsciiChar);

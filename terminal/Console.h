@@ -25,6 +25,12 @@ class CConsole {
     // Gives the console back; does nothing when it is not taken over.
     void Restore();
 
+    // Ctrl+Break from now on only gives the console back, if there is a terminal to give back, and
+    // what the session does goes on, as the user is told. All other events that give it back ask
+    // for the end as well.
+    void OutliveBreak() { m_bOutlivesBreak = true; }
+    bool OutlivesBreak() const;
+
     // The title of the console's window; ignored while it is not taken over.
     void SetTitle(LPCSTR title);
 
@@ -33,6 +39,10 @@ class CConsole {
 
     // Reads one input event; blocks until there is one. TRUE when it delivered a character.
     BOOL ReadKey(BYTE* character);
+
+    // Of the key whose first byte ReadKey delivered last, the other bytes are dropped when they
+    // come.
+    void DropRestOfKey() { m_bRestDropped = TRUE; }
 
     // Writes bytes to the console. FALSE when it is not taken over or the terminal is gone.
     BOOL WriteText(LPCVOID bytes, DWORD count) {
@@ -75,6 +85,8 @@ class CConsole {
     CUniqueHandle m_hReleased;
     BOOL m_bInputEnded = FALSE;
     BOOL m_bOutputGone = FALSE;
+    bool m_bOutlivesBreak = false;
+    BOOL m_bRestDropped = FALSE;
 };
 
 // The console that is taken over, or null: the control handler has no other way to find it.

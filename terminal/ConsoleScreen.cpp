@@ -75,7 +75,7 @@ void CConsoleScreen::SetColors(int foreground, int background) {
         static_cast<unsigned>(background) * 16 + static_cast<unsigned>(foreground);
     m_byAttribute = static_cast<BYTE>(attribute & 0xFF);
     if (m_bActive)
-        SetConsoleTextAttribute(m_hOutput, m_byAttribute);
+        SetConsoleTextAttribute(m_hOutput, m_byAttribute | m_wExactColors);
 }
 
 void CConsoleScreen::SetAttributeFlags(WORD flags) {
@@ -101,7 +101,7 @@ void CConsoleScreen::FillCells(COORD start, DWORD count) {
         return;
     DWORD filled = 0;
     FillConsoleOutputCharacterA(m_hOutput, ' ', count, start, &filled);
-    FillConsoleOutputAttribute(m_hOutput, m_byAttribute, count, start, &filled);
+    FillConsoleOutputAttribute(m_hOutput, m_byAttribute | m_wExactColors, count, start, &filled);
 }
 
 void CConsoleScreen::NewLine() {

@@ -79,6 +79,7 @@ class CConsoleScreen : public CConsole {
     int m_nTopRow = 0;
     BYTE m_byAttribute = 0x07; // background * 16 + foreground
     WORD m_wAttributeFlags = 0;
+    WORD m_wExactColors = 0; // which of the attribute's colours are meant as they are
 
   private:
     BOOL ReadScreen(CONSOLE_SCREEN_BUFFER_INFO& info);

@@ -3,6 +3,8 @@
 #include "terminal/Decimal.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace {
 
@@ -20,8 +22,11 @@ bool BeginsWithCom(std::string_view name) {
            std::equal(kPortPrefix.begin(), kPortPrefix.end(), name.begin(), sameLetter);
 }
 
+// Relative ones too. Names of modems are of several words, and a slash may be between them.
 bool IsPath(std::string_view name) {
-    return name.starts_with('/');
+    if (name.starts_with('/') || name.starts_with("./") || name.starts_with("../"))
+        return true;
+    return name.find('/') != std::string_view::npos && name.find(' ') == std::string_view::npos;
 }
 
 } // namespace
@@ -42,6 +47,12 @@ BOOL IsComPort(std::string_view deviceName) {
     if (deviceName.size() == 5 && BeginsWithCom(deviceName))
         return TRUE;
     return deviceName.find(kNamespacePrefix) != std::string_view::npos ? TRUE : FALSE;
+}
+
+std::string GetPortPath(std::string_view deviceName) {
+    std::error_code error;
+    const std::string path = std::filesystem::absolute(deviceName, error).string();
+    return IsPath(deviceName) && !error ? path : std::string(deviceName);
 }
 
 std::string GetPortDisplayName(std::string_view deviceName) {

@@ -1,6 +1,6 @@
 // How a device is named: which names are serial ports, and what a port's path is.
 //
-// Pure functions; any thread may call them, nothing can fail.
+// Any thread may call the functions, nothing can fail; all but GetPortPath are pure.
 #pragma once
 
 #include "platform/Types.h"
@@ -14,8 +14,12 @@
 std::string MakeDeviceName(std::string_view name);
 
 // TRUE for port names: five characters that begin with "COM" in any case, a name that holds
-// "\\.\COM", or the path of a serial device, which begins with '/'. FALSE for names of modems.
+// "\\.\COM", or the path of a serial device: it begins with '/', "./" or "../", or has a '/' and no
+// blank. FALSE for names of modems.
 BOOL IsComPort(std::string_view deviceName);
+
+// What a port is opened by: a relative path becomes one from the root, all else stays as it is.
+std::string GetPortPath(std::string_view deviceName);
 
 // What the user is shown for a port: "COM1" for "COM1:", "COM12" for "\\.\COM12", a path as it is.
 std::string GetPortDisplayName(std::string_view deviceName);

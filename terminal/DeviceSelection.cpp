@@ -1,11 +1,14 @@
 #include "terminal/DeviceSelection.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/PrintableText.h"
 #include "terminal/Decimal.h"
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
 #include "terminal/PortNames.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <cstdio>
@@ -45,7 +48,8 @@ void ShowDevices(const ModemNames& modems, const PortNames& ports) {
     std::size_t number = 0;
     for (const auto* names : {&modems, &ports})
         for (const std::string& name : *names)
-            std::printf(" %zu) %s\n", ++number, platform::PrintableText(name).c_str());
+            std::printf(" %zu) %s\n", ++number,
+                        platform::LocaleText(platform::PrintableText(name)).c_str());
     std::fputs(LoadString(IDS_DEVICE_PROMPT), stdout);
     std::fflush(stdout);
 }
@@ -76,9 +80,10 @@ DeviceSelection SelectDevice() {
     EnumerateComPorts(ports);
     ModemNames modems;
     if (!EnumerateModems(modems)) {
-        std::fprintf(stderr, "%s\n", ExplainMissingTelephony());
+        TellOnStandardError(ExplainMissingTelephony());
         return Fail(IDS_NO_TELEPHONY, kExitNoTelephony);
     }
+    TellModuleFaults();
     if (modems.empty() && ports.empty())
         return Fail(IDS_NO_DEVICES, kExitNoDevices);
 

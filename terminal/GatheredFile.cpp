@@ -1,5 +1,6 @@
 #include "terminal/GatheredFile.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 
 #include <array>
@@ -14,6 +15,9 @@ constexpr DWORD kLongestHeld = 1000;
 // log is not worth a terminal that takes no keys.
 constexpr std::size_t kMostHeld = std::size_t{16} << 20;
 constexpr DWORD kLongestStall = 2000;
+
+// How long the file may still take for the rest once the end of the program has been asked for.
+constexpr DWORD kEndGrace = 1500;
 
 HANDLE MakeEvent(BOOL manualReset) {
     return CreateEventA(nullptr, manualReset, FALSE, nullptr);
@@ -51,6 +55,12 @@ BOOL CGatheredFile::AppendLine(std::string_view line) {
     return TRUE;
 }
 
+void CGatheredFile::WriteSoon() {
+    const CLock lock(m_CritSec);
+    if (!m_strGathered.empty())
+        SetEvent(m_hFullEvent);
+}
+
 // Returns the error of the file, if it has one, or of the waiting.
 DWORD CGatheredFile::WaitForRoom() {
     for (;;) {
@@ -75,6 +85,8 @@ BOOL CGatheredFile::Finish(DWORD milliseconds) {
 }
 
 BOOL CGatheredFile::Close() {
+    // The thread's writes heed the end; what it works with must outlive it.
+    const platform::CEndGrace untilItEnds(INFINITE);
     Finish(INFINITE);
     const BOOL closed = m_file.Close();
     if (m_dwWriteError == ERROR_SUCCESS)
@@ -105,6 +117,7 @@ void CGatheredFile::WriteGathered() {
         m_nWriting = m_strWriting.size();
         ResetEvent(m_hFullEvent);
     }
+    const platform::CEndGrace grace(kEndGrace);
     // In pieces, so that a slow file is seen to take them.
     for (std::string_view rest = m_strWriting; !rest.empty();) {
         const std::string_view piece = rest.substr(0, kWriteSize);

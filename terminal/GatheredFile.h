@@ -30,6 +30,9 @@ class CGatheredFile {
     // takes less than 64 KiB in two seconds.
     BOOL AppendLine(std::string_view line);
 
+    // Has what is gathered written without waiting for more of it; does not wait for that.
+    void WriteSoon();
+
     // Nothing will be added any more: TRUE once all is written, or the file has failed; FALSE
     // after so many milliseconds. Harmless when closed.
     BOOL Finish(DWORD milliseconds);
@@ -55,7 +58,7 @@ class CGatheredFile {
     DWORD m_dwWriteError = 0;
 
     CUniqueHandle m_hBegunEvent; // something is gathered
-    CUniqueHandle m_hFullEvent;  // enough for a write
+    CUniqueHandle m_hFullEvent;  // enough for a write, or not to be held any longer
     CUniqueHandle m_hTakenEvent; // the file has taken some, or failed
     CUniqueHandle m_hEndEvent;   // nothing will be added any more
     CUniqueHandle m_hThread;

@@ -23,6 +23,8 @@ struct Change {
     int setBackground = 0;
     WORD keepFlags = 0xFFFF;
     WORD setFlags = 0;
+    WORD keepExact = 0xFFFF;
+    WORD setExact = 0;
     WORD brightFlags = 0; // with one of these flags the foreground is bright
 };
 
@@ -32,7 +34,11 @@ constexpr Change SetFlag(WORD flag) {
 
 constexpr std::array kChanges = [] {
     std::array<Change, 48> changes{};
-    changes[0] = {.keepForeground = 0, .setForeground = 7, .keepBackground = 0, .keepFlags = 0};
+    changes[0] = {.keepForeground = 0,
+                  .setForeground = 7,
+                  .keepBackground = 0,
+                  .keepFlags = 0,
+                  .keepExact = 0};
     changes[1] = {.setForeground = kBright, .setFlags = ATTR_BOLD};
     changes[4] = SetFlag(ATTR_UNDERLINE);
     changes[5] = changes[6] = SetFlag(ATTR_BLINK);
@@ -40,8 +46,11 @@ constexpr std::array kChanges = [] {
     for (std::size_t colour = 0; colour < kConsoleColours.size(); ++colour) {
         changes[30 + colour] = {.keepForeground = 0,
                                 .setForeground = kConsoleColours[colour],
+                                .setExact = EXACT_FOREGROUND,
                                 .brightFlags = ATTR_BOLD};
-        changes[40 + colour] = {.keepBackground = 0, .setBackground = kConsoleColours[colour]};
+        changes[40 + colour] = {.keepBackground = 0,
+                                .setBackground = kConsoleColours[colour],
+                                .setExact = EXACT_BACKGROUND};
     }
     return changes;
 }();
@@ -53,6 +62,10 @@ GraphicRendition Reverse(GraphicRendition rendition) {
     rendition.foreground += moved;
     rendition.background -= moved;
     rendition.flags |= ATTR_REVERSE;
+    const bool wasExactForeground = (rendition.exact & EXACT_FOREGROUND) != 0;
+    const bool wasExactBackground = (rendition.exact & EXACT_BACKGROUND) != 0;
+    rendition.exact = static_cast<WORD>((wasExactBackground ? EXACT_FOREGROUND : 0) |
+                                        (wasExactForeground ? EXACT_BACKGROUND : 0));
     return rendition;
 }
 
@@ -69,5 +82,6 @@ GraphicRendition ApplyGraphicRendition(int parameter, GraphicRendition rendition
     return {(rendition.foreground & change.keepForeground) | change.setForeground |
                 kBright * static_cast<int>(bright),
             (rendition.background & change.keepBackground) | change.setBackground,
-            static_cast<WORD>((rendition.flags & change.keepFlags) | change.setFlags)};
+            static_cast<WORD>((rendition.flags & change.keepFlags) | change.setFlags),
+            static_cast<WORD>((rendition.exact & change.keepExact) | change.setExact)};
 }

@@ -2,7 +2,9 @@
 
 #include "modem/Deadline.h"
 #include "modem/Modem.h"
+#include "platform/EndRequest.h"
 #include "platform/Wait.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/TermConsole.h"
 #include "terminal/UserMessage.h"
 
@@ -52,6 +54,8 @@ void CInteractiveTerminal::Run() {
 CInteractiveTerminal::Waits CInteractiveTerminal::ChooseWaits() const {
     Waits waits;
     waits.Add(m_console.GetReleaseEvent());
+    if (const HANDLE news = GetModuleNewsEvent())
+        waits.news = waits.Add(news);
     if (!m_console.IsInputEnded() && m_console.GetTypedAhead() < kMostTypedAhead)
         waits.keys = waits.Add(m_console.GetInputHandle());
     if (m_console.GetTypedAhead() != 0)
@@ -75,6 +79,8 @@ void CInteractiveTerminal::Turn() {
         return;
     }
 
+    if (signalled == waits.news)
+        TellUser(m_console, "\n%s", TakeModuleNews().c_str());
     if (signalled == waits.keys)
         TakeKeys();
     m_console.SendTyped();
@@ -127,7 +133,7 @@ void CInteractiveTerminal::FinishTyping() {
     std::size_t unsent = CountUnsent();
     bool isTold = false;
     for (m_console.SendTyped(); m_console.GetTypedAhead() != 0; m_console.SendTyped()) {
-        if (!isTold && patience.Remaining() == 0) {
+        if (!isTold && !platform::IsEndRequested() && patience.Remaining() == 0) {
             TellUser(m_console,
                      "wirelet: sending what was typed before the end; Ctrl+C drops it\n");
             isTold = true;

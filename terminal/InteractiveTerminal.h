@@ -35,8 +35,9 @@ class CInteractiveTerminal {
             return count++;
         }
 
-        std::array<HANDLE, 4> handles{};
+        std::array<HANDLE, 5> handles{};
         DWORD count = 0;
+        DWORD news = kNone;
         DWORD keys = kNone;
         DWORD device = kNone;
     };

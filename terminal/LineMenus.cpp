@@ -35,7 +35,8 @@ constexpr std::array kFlowChoices = {
     FlowChoice{'2', _FLOW_RTSCTS, "Flow Control Set to Hardware\n"},
 };
 
-// The character typed; nothing when the menu is to end without one.
+// The character typed, the first byte of one that has several; nothing when the menu is to end
+// without one.
 std::optional<char> WaitForChoice(CVModem& modem, CTermConsole& console) {
     const HANDLE hangup = modem.GetHangupHandle();
     const std::array<HANDLE, 3> handles = {console.GetReleaseEvent(), console.GetInputHandle(),
@@ -48,8 +49,10 @@ std::optional<char> WaitForChoice(CVModem& modem, CTermConsole& console) {
         if (signalled != WAIT_OBJECT_0 + 1)
             return std::nullopt;
         BYTE key = 0;
-        if (console.ReadKey(&key))
+        if (console.ReadKey(&key)) {
+            console.DropRestOfKey();
             return static_cast<char>(key);
+        }
         if (console.IsInputEnded())
             return std::nullopt;
     }

@@ -4,9 +4,11 @@
 #include "diagnostics/ModuleTrace.h"
 #include "platform/StandardStreams.h"
 #include "telephony/ITapi.h"
+#include "terminal/CheckCommand.h"
 #include "terminal/CommandLine.h"
 #include "terminal/DeviceName.h"
 #include "terminal/DeviceSelection.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/Session.h"
 
 #include <cstdio>
@@ -22,10 +24,14 @@ constexpr int kExitUsage = 1;
 
 int main(int argc, char** argv) {
     platform::OpenClosedStreams();
+    ListenToModules();
     DebugSetModuleName("Mobile Wirelet");
+    const CommandLine commandLine = ParseCommandLine(argc, argv);
+    // Its output is for programs to read.
+    if (!commandLine.checkedFile.empty())
+        return CheckScriptFile(commandLine.checkedFile);
     std::printf("Corvane v%s\n", kVersion);
 
-    const CommandLine commandLine = ParseCommandLine(argc, argv);
     if (commandLine.wantsUsage) {
         std::fputs(GetUsageText(), stdout);
         return kExitUsage;

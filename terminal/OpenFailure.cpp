@@ -1,11 +1,14 @@
 #include "terminal/OpenFailure.h"
 
 #include "modem/Modem.h"
+#include "platform/CharacterSet.h"
 #include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/PrintableText.h"
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
+#include "terminal/ModuleNotices.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 
 #include <algorithm>
@@ -24,6 +27,7 @@ std::string ExplainUnknown(const std::string& name) {
     std::string text = Quoted(name) + ": no modem has this name";
     ModemNames modems;
     EnumerateModems(modems);
+    TellModuleFaults();
     for (std::size_t index = 0; index < std::min(modems.size(), kMostNames); ++index)
         text += (index == 0 ? "; there are " : ", ") + Quoted(modems[index]);
     if (modems.size() > kMostNames)
@@ -50,9 +54,9 @@ std::string ExplainModem(const std::string& name, const std::string& path, DWORD
     case ERROR_MOD_NOT_FOUND:
         return Quoted(name) + ": " + ExplainMissingTelephony();
     case ERROR_BUSY:
-        return Quoted(name) + ": ModemManager uses it and does not let go of it (the system's log "
-                              "tells why). Stop it with 'sudo systemctl stop ModemManager', or run "
-                              "wirelet with sudo, which may ask for it";
+        return Quoted(name) + ": ModemManager uses it and does not let go of it; stop it with "
+                              "'sudo systemctl stop ModemManager', or run wirelet with sudo, "
+                              "which may ask for it";
     case ERROR_TIMEOUT:
         return Quoted(name) + ": the telephony service did not answer in time; try again";
     case ERROR_GEN_FAILURE:
@@ -85,8 +89,9 @@ const char* ExplainMissingTelephony() {
 
 void ReportOpenFailure(const CVModem& modem, const std::string& deviceName,
                        const std::string& title, DWORD error) {
-    std::fprintf(stderr, "%s\n", Explain(modem, deviceName, error).c_str());
-    std::printf(LoadString(IDS_CANNOT_OPEN), platform::PrintableText(title).c_str());
+    TellOnStandardError(Explain(modem, deviceName, error));
+    const std::string shown = platform::LocaleText(platform::PrintableText(title));
+    std::printf(LoadString(IDS_CANNOT_OPEN), shown.c_str());
     std::fflush(stdout);
     static_cast<void>(std::getchar());
 }

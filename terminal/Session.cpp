@@ -1,9 +1,9 @@
 #include "terminal/Session.h"
 
 #include "common/UniqueHandle.h"
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/File.h"
-#include "platform/PrintableText.h"
 #include "platform/Wait.h"
 #include "script/Script.h"
 #include "terminal/CommandFile.h"
@@ -11,7 +11,9 @@
 #include "terminal/DeviceName.h"
 #include "terminal/InteractiveTerminal.h"
 #include "terminal/LineMenus.h"
+#include "terminal/ModuleNotices.h"
 #include "terminal/OpenFailure.h"
+#include "terminal/StandardError.h"
 #include "terminal/StringTable.h"
 #include "terminal/TermConsole.h"
 #include "terminal/TermModem.h"
@@ -29,6 +31,10 @@ constexpr std::size_t kTitleSize = 256;
 // How long the device may take no byte, at the end of a session, before the rest is given up.
 constexpr DWORD kDrainTime = 2000;
 
+// How long what was typed or sent before may still go out, and the log to its file, once the end
+// has been asked for. With the closing of the device it is to be less than three seconds.
+constexpr DWORD kEndGrace = 1500;
+
 void SetTitle(CTermConsole& console, const std::string& title) {
     std::array<char, kTitleSize> text;
     std::snprintf(text.data(), text.size(), "Corvane - %s", title.c_str());
@@ -43,13 +49,13 @@ bool IsUnplugged(CTermModem& modem) {
 
 // What the script's own message does not tell about its file.
 std::string ExplainScriptFile(const CVScript& script) {
-    const std::string file = platform::PrintableText(g_strScriptFile);
+    const std::string& file = g_strScriptFile;
     if (platform::IsFolder(g_strScriptFile.c_str()))
-        return "wirelet: " + file + " is a directory, not a script\n";
+        return file + " is a directory, not a script";
     if (!script.HasUnixLineEnds())
         return {};
-    return "wirelet: " + file + " has Unix line ends, a script needs CR LF: convert it with " +
-           "\"unix2dos " + file + "\", or save it so in the editor\n";
+    return file + " has Unix line ends, a script needs CR LF: convert it with \"unix2dos " + file +
+           "\" (of the package dos2unix), or save it so in the editor";
 }
 
 // Returns what is left to be said once the console has been given back.
@@ -62,9 +68,15 @@ std::string RunScript(CTermModem& modem, CTermConsole& console, const std::strin
     return ExplainScriptFile(script);
 }
 
+// The session is a script's or a command file's.
+bool IsRun() {
+    return !g_strScriptFile.empty() || !g_strCommandFile.empty();
+}
+
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
-    // With a command file the output file is for its answers.
-    bool isLogged = !g_strOutputFile.empty() && g_strCommandFile.empty();
+    // With a command file that is sent the output file is for its answers.
+    bool isLogged =
+        !g_strOutputFile.empty() && (g_strCommandFile.empty() || !g_strScriptFile.empty());
     // Held open, the script cannot be replaced by its own log; without a script nothing is
     // replaced.
     CUniqueHandle script;
@@ -76,12 +88,15 @@ std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string&
     CTraceLog log(console);
     if (isLogged && !log.Open(g_strOutputFile))
         return {};
+    if (!IsRun()) {
+        CInteractiveTerminal(modem, console, title).Run();
+        return {};
+    }
+    const platform::CEndGrace none(0);
+    console.OutliveBreak();
     if (!g_strScriptFile.empty())
         return RunScript(modem, console, title);
-    if (!g_strCommandFile.empty())
-        RunCommandFile(modem, console, g_strCommandFile, title);
-    else
-        CInteractiveTerminal(modem, console, title).Run();
+    RunCommandFile(modem, console, g_strCommandFile, title);
     return {};
 }
 
@@ -92,15 +107,19 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 
     const bool isComPort = IsComPort(deviceName);
     const std::string title = isComPort ? GetPortDisplayName(deviceName) : deviceName;
-    if (!(isComPort ? modem.Open(deviceName) : modem.OpenDevice(deviceName))) {
-        ReportOpenFailure(modem, deviceName, title, GetLastError());
+    const std::string path = isComPort ? GetPortPath(deviceName) : deviceName;
+    if (!(isComPort ? modem.Open(path) : modem.OpenDevice(deviceName))) {
+        ReportOpenFailure(modem, path, title, GetLastError());
         return {};
     }
     if (isComPort && baudRate == 0)
         baudRate = kDefaultBaudRate;
 
+    HoldModuleNews();
     if (!console.Attach(&modem))
         return {};
+    platform::EndOnSignals();
+    const platform::CEndGrace grace(kEndGrace);
     SetTitle(console, title);
     console.ClearScreen();
     console.SetCursorPosition(0, 0);
@@ -117,5 +136,10 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
-    std::fputs(lastWords.c_str(), stderr);
+    if (!lastWords.empty())
+        TellOnStandardError(lastWords);
+    TellModuleNews();
+    // Whoever started the run is to see that it did not come to its end.
+    if (IsRun() && platform::IsEndRequested())
+        platform::EndBySignal();
 }

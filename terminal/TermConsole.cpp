@@ -16,6 +16,9 @@ constexpr int kDeepestMenu = 16;
 // Memory that is kept for what is typed next; a paste may have taken more.
 constexpr std::size_t kKeptRoom = 4096;
 
+// Bytes that have gone and are still kept, because the rest would have to be moved.
+constexpr std::size_t kMostSent = std::size_t{1} << 20;
+
 } // namespace
 
 BOOL CTermConsole::OnKey(DWORD dwKey, BYTE* pbyChar) {
@@ -63,10 +66,15 @@ void CTermConsole::SendTyped() {
     if (count != 0)
         m_pModem->Write(m_strTyped.data() + m_nSent, count);
     m_nSent += count;
-    if (GetTypedAhead() != 0)
+    ForgetSent();
+}
+
+// Input that is always ahead of the device never leaves a moment with nothing typed.
+void CTermConsole::ForgetSent() {
+    if (m_nSent < std::min(GetTypedAhead(), kMostSent))
         return;
+    m_strTyped.erase(0, m_nSent);
     m_nSent = 0;
-    m_strTyped.clear();
-    if (m_strTyped.capacity() > kKeptRoom)
+    if (m_strTyped.empty() && m_strTyped.capacity() > kKeptRoom)
         m_strTyped.shrink_to_fit();
 }

@@ -29,6 +29,8 @@ class CTermConsole final : public CAnsiConsole {
     std::size_t GetTypedAhead() const { return m_strTyped.size() - m_nSent; }
 
   private:
+    void ForgetSent();
+
     std::string m_strTyped;
     std::size_t m_nSent = 0; // of the typed bytes, those at the front that have gone
     int m_nMenuDepth = 0;

@@ -26,7 +26,7 @@ BOOL CTermModem::SendLineWaitFinal(const std::string& command, std::string& resp
     if (delay != 0)
         Sleep(delay);
 
-    for (int attempt = 0; attempt < kAttempts && !IsDeviceGone(); ++attempt) {
+    for (int attempt = 0; attempt < kAttempts && !IsOver(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);

@@ -1,6 +1,8 @@
 #include "terminal/TraceLog.h"
 
+#include "platform/EndRequest.h"
 #include "platform/Error.h"
+#include "platform/ThreadTimer.h"
 #include "terminal/Console.h"
 #include "terminal/UserMessage.h"
 
@@ -9,23 +11,27 @@ namespace {
 // How long the file may take for its rest at the end before the user is told.
 constexpr DWORD kPatience = 1000;
 
+// How long what was received may wait for the next send.
+constexpr DWORD kLongestKept = 1000;
+
 } // namespace
 
 CTraceLog::~CTraceLog() {
+    platform::StopThreadTimer();
     if (m_bCapturing)
         DumpPending();
     SetTraceSink(nullptr);
-    if (!m_file.Finish(kPatience))
+    if (!m_file.Finish(kPatience) && !platform::IsEndRequested())
         TellWait();
-    if (!m_file.Close() && m_bCapturing)
-        TellFailure(GetLastError());
+    if (!m_file.Close() && m_dwFailure == ERROR_SUCCESS)
+        m_dwFailure = GetLastError();
+    if (m_bCapturing && m_dwFailure != ERROR_SUCCESS)
+        TellFailure();
 }
 
 BOOL CTraceLog::Open(const std::string& fileName) {
     if (!m_file.Open(fileName)) {
-        const DWORD error = GetLastError();
-        TellUser(m_console, "Cannot create %s\n", fileName.c_str());
-        TellReason(m_console, error, fileName);
+        TellFileFailure(m_console, "Cannot create", fileName, GetLastError());
         return FALSE;
     }
     m_strFileName = fileName;
@@ -35,8 +41,35 @@ BOOL CTraceLog::Open(const std::string& fileName) {
 }
 
 void CTraceLog::WriteLine(std::string_view line) {
-    if (m_bCapturing && !m_file.AppendLine(line))
-        TellFailure(GetLastError());
+    if (!m_bCapturing)
+        return;
+    if (m_dwFailure == ERROR_SUCCESS && !m_file.AppendLine(line))
+        m_dwFailure = GetLastError();
+    // In the timer's call the console may be in the midst of something.
+    if (m_dwFailure != ERROR_SUCCESS && !m_bInTimer)
+        TellFailure();
+}
+
+void CTraceLog::OnReceiving(bool fits) {
+    if (!m_bCapturing)
+        return;
+    if (m_dwFailure != ERROR_SUCCESS)
+        return TellFailure();
+    if (!fits)
+        DumpPending();
+    if (m_bTimerSet)
+        return;
+    m_bTimerSet = true;
+    platform::SetThreadTimer(
+        kLongestKept, [](void* log) { static_cast<CTraceLog*>(log)->OnTimer(); }, this);
+}
+
+void CTraceLog::OnTimer() {
+    m_bTimerSet = false;
+    m_bInTimer = true;
+    DumpPending();
+    m_bInTimer = false;
+    m_file.WriteSoon();
 }
 
 // The console goes back first, so that Ctrl+C and the signals end the program.
@@ -47,7 +80,8 @@ void CTraceLog::TellWait() {
 }
 
 // On a line of its own: the device may have left the cursor anywhere.
-void CTraceLog::TellFailure(DWORD error) {
+void CTraceLog::TellFailure() {
     m_bCapturing = FALSE;
-    TellUser(m_console, "\nCannot write %s: %s\n", m_strFileName.c_str(), DescribeError(error));
+    TellUser(m_console, "\nCannot write %s: %s\n", m_strFileName.c_str(),
+             DescribeError(m_dwFailure));
 }

@@ -2,15 +2,14 @@
 
 #include "platform/Error.h"
 #include "platform/File.h"
-#include "platform/PrintableText.h"
+#include "platform/StandardStreams.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Console.h"
+#include "terminal/StandardError.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <string_view>
 
 namespace {
 
@@ -28,6 +27,7 @@ constexpr std::array kErrorTexts = {
     ErrorText{ERROR_READ_FAULT, "the system could not read it"},
     ErrorText{ERROR_SHARING_VIOLATION, "another program has it open"},
     ErrorText{ERROR_DISK_FULL, "the disk is full"},
+    ErrorText{ERROR_OPERATION_ABORTED, "the end came before it had taken all"},
     ErrorText{ERROR_TIMEOUT, "it took nothing for ten seconds"},
     ErrorText{ERROR_NOT_ENOUGH_QUOTA, "it takes the bytes too slowly"},
 };
@@ -44,14 +44,9 @@ std::string Format(const char* format, va_list arguments) {
     return text;
 }
 
-// Standard error may be the user's terminal: a name that holds control characters must not act
-// there.
-void WriteToStandardError(const std::string& text) {
-    const std::size_t end = text.find_last_not_of('\n') + 1;
-    const std::size_t begin = std::min(text.find_first_not_of('\n'), end);
-    std::fprintf(
-        stderr, "%s\n",
-        platform::PrintableText(std::string_view(text).substr(begin, end - begin)).c_str());
+// With standard output in a pipe or a file the screen is not what the user sees.
+bool IsScreenSeen() {
+    return platform::IsOutputTerminal();
 }
 
 const char* DescribeOpenError(DWORD error, const std::string& file) {
@@ -82,17 +77,23 @@ void TellUser(CConsole& console, const char* format, ...) {
     const std::string text = Format(format, arguments);
     va_end(arguments);
 
-    if (!console.WriteText(text.data(), static_cast<DWORD>(text.size())))
-        WriteToStandardError(text);
+    if (!IsScreenSeen() || !console.WriteText(text.data(), static_cast<DWORD>(text.size())))
+        TellOnStandardError(text);
 }
 
 void TellDeviceGone(CConsole& console, const std::string& deviceName) {
-    TellUser(console, "\nThe device %s is gone: unplugged, or its other end was closed.\n",
+    TellUser(console, "\nThe device %s is gone: unplugged, or its other end was closed\n",
              deviceName.c_str());
 }
 
-void TellReason(CConsole& console, DWORD error, const std::string& file) {
-    TellUser(console, "(%s)\n", DescribeOpenError(error, file));
+void TellFileFailure(CConsole& console, const char* failure, const std::string& file, DWORD error) {
+    const char* const reason = DescribeOpenError(error, file);
+    const std::string text = failure + (" " + file) + "\n";
+    const bool isShown = console.WriteText(text.data(), static_cast<DWORD>(text.size()));
+    if (isShown && IsScreenSeen())
+        ShowUser(console, "(%s)\n", reason);
+    else
+        TellOnStandardError(failure + (" " + file) + ": " + reason);
 }
 
 const char* DescribeError(DWORD error) {

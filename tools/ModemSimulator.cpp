@@ -20,6 +20,8 @@ CModemSimulator::CModemSimulator(SSimulatorProfile profile)
       m_nRingsLeft(profile.ringCount) {
     m_Modem.profile = std::move(profile);
     m_Modem.settings = m_Modem.FactorySettings();
+    for (int count = 0; count < m_Modem.profile.storedMessages; ++count)
+        Store(NextMessageText(), {});
 }
 
 void CModemSimulator::SetOpen(bool open, TimeMs now) {
@@ -183,7 +185,7 @@ void CModemSimulator::Advance(TimeMs now) {
     if (m_RingTimer.Due(m_Modem.now))
         RingByTimer();
     if (m_MessageTimer.Due(m_Modem.now))
-        Receive("Simulated message " + std::to_string(++m_nReceived), {});
+        Receive(NextMessageText(), {});
     if (m_RegistrationTimer.Due(m_Modem.now))
         Register(m_Modem.registration == 1 ? 2 : 1);
     // A call that outlives its opener may end while there is nobody to tell.
@@ -284,20 +286,28 @@ bool CModemSimulator::MayInterrupt() const {
            !m_Modem.entry.Active() && !m_Output.Flooding() && !m_Output.Full();
 }
 
-// The network keeps a message that finds no place, and nothing is told of it.
+std::string CModemSimulator::NextMessageText() {
+    return "Simulated message " + std::to_string(++m_nReceived);
+}
+
 void CModemSimulator::Receive(const std::string& text, std::string number) {
+    const std::optional<int> index = Store(text, std::move(number));
+    if (!index || m_Modem.settings.indications[1] == 0 || !MayInterrupt())
+        return;
+    m_Output.Information({"+CMTI: \"SM\"," + std::to_string(*index)}, m_Modem.settings);
+}
+
+// The place it has found; nothing without one: the network keeps the message then.
+std::optional<int> CModemSimulator::Store(const std::string& text, std::string number) {
+    if (!m_Modem.profile.sim)
+        return std::nullopt;
     const std::int64_t seconds = m_Modem.CalendarSeconds();
     SMessage message;
     message.number = number.empty() ? std::string(farNumber) : std::move(number);
     message.text = text.empty() ? "Simulated message" : text.substr(0, messageTextLimit);
     message.time = CalendarText(seconds);
     message.pdu = EncodeDeliver(message.number, message.text, seconds);
-    if (!m_Modem.profile.sim)
-        return;
-    const std::optional<int> index = m_Modem.store.Add(std::move(message));
-    if (!index || m_Modem.settings.indications[1] == 0 || !MayInterrupt())
-        return;
-    m_Output.Information({"+CMTI: \"SM\"," + std::to_string(*index)}, m_Modem.settings);
+    return m_Modem.store.Add(std::move(message));
 }
 
 void CModemSimulator::Register(int state) {

@@ -68,6 +68,8 @@ class CModemSimulator {
     void RingByTimer();
     bool Ring();
     void Receive(const std::string& text, std::string number);
+    std::optional<int> Store(const std::string& text, std::string number);
+    std::string NextMessageText();
     void Register(int state);
     void EndFarCall();
     bool MayInterrupt() const;
@@ -80,7 +82,7 @@ class CModemSimulator {
     CPeriodicTimer m_RegistrationTimer;
     std::optional<std::uint64_t> m_nRingsLeft;
     std::uint64_t m_nLines = 0;    // answered, for SFaults::silentAfter
-    std::uint64_t m_nReceived = 0; // messages that came by the timer
+    std::uint64_t m_nReceived = 0; // messages that came without being asked for
     bool m_bOpen = false;
 };
 

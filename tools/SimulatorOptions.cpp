@@ -1,6 +1,7 @@
 #include "tools/SimulatorOptions.h"
 
 #include "tools/CommandLine.h"
+#include "tools/MessageStore.h"
 
 #include <getopt.h>
 
@@ -18,6 +19,7 @@ constexpr std::uint64_t longLineLimit = 100'000'000;
 constexpr std::uint64_t garbageLimit = 65536;
 constexpr std::uint64_t delayLimit = 3'600'000; // one hour, in milliseconds
 constexpr double secondsLimit = 86400;          // one day
+constexpr int usualMessages = 2;                // a first AT+CMGL has something to list
 constexpr std::uint64_t anyNumber = std::numeric_limits<std::uint64_t>::max() / 2;
 
 // Stores one option's value; false when the value is none.
@@ -105,6 +107,10 @@ constexpr SOption optionTable[] = {
      [](Options& o, Text& v) { return StoreSeconds(o.profile.ringPeriod, v); }},
     {"ring-count", "N", "the caller gives up after N rings in all",
      [](Options& o, Text& v) { return StoreCount(o.profile.ringCount, v, 1); }},
+    {"messages", "N", "so many messages are stored at the start (2)",
+     [](Options& o, Text& v) {
+         return StoreNumber(o.profile.storedMessages, v, 0, CMessageStore::capacity);
+     }},
     {"cmti", "SECONDS", "a message arrives every so often",
      [](Options& o, Text& v) { return StoreSeconds(o.profile.messagePeriod, v); }},
     {"creg", "SECONDS", "the network is lost or found again every so often",
@@ -164,6 +170,7 @@ SSimulatorOptions& Refuse(SSimulatorOptions& options, const std::string& problem
 
 SSimulatorOptions ParseOptions(int argumentCount, char** arguments) {
     SSimulatorOptions options;
+    options.profile.storedMessages = usualMessages;
     const auto list = LongOptions();
     optind = 0; // getopt begins afresh, its own tables included
     opterr = 0;

@@ -43,6 +43,7 @@ struct SSimulatorProfile {
     TimeMs hangUpAfter = 0; // the far end hangs up so long after CONNECT; 0: never
     TimeMs ringPeriod = 0;  // the periods: 0 is off
     std::optional<std::uint64_t> ringCount;
+    int storedMessages = 0; // at the start
     TimeMs messagePeriod = 0;
     TimeMs registrationPeriod = 0;
     std::vector<SDialRule> dialRules; // asked in this order, before the built-in ones

@@ -30,6 +30,10 @@ BOOL FailOpen(int systemError) {
     return FailWith(IsLoss(systemError) ? ERROR_DEVICE_NOT_CONNECTED : ErrorFromErrno(systemError));
 }
 
+bool IsSenderHeld(const DCB& dcb) {
+    return dcb.fRtsControl == RTS_CONTROL_HANDSHAKE || dcb.fInX;
+}
+
 int AtMostInt(DWORD count) {
     return static_cast<int>(std::min<DWORD>(count, INT_MAX));
 }
@@ -49,7 +53,10 @@ BOOL CCommDriver::Open(LPCSTR path) {
     if (ioctl(m_descriptor.Get(), TCGETS2, &m_found) != 0)
         return FailWith(IsLoss(errno) ? ERROR_DEVICE_NOT_CONNECTED : ERROR_NOT_SUPPORTED);
 
-    ioctl(m_descriptor.Get(), TIOCEXCL);
+    // A pseudo-terminal lives on with its other end, and the exclusive use of an opener that was
+    // killed with it; only root would get past that.
+    if (!m_bPseudoTerminal)
+        ioctl(m_descriptor.Get(), TIOCEXCL);
     m_bHeld = true;
     termios2 raw = m_found;
     MakeRaw(raw);
@@ -59,6 +66,7 @@ BOOL CCommDriver::Open(LPCSTR path) {
         return FailOpen(systemError);
     }
     m_dwRTSControl = DcbOfSettings(raw).fRtsControl;
+    m_bHoldsSender = IsSenderHeld(DcbOfSettings(raw));
     // Errors that were counted before are not this port's.
     DWORD formerErrors = 0;
     TakeErrors(formerErrors);
@@ -103,7 +111,8 @@ BOOL CCommDriver::Release() {
     DWORD left = 0;
     m_bStuck = !m_bPseudoTerminal && CountOutput(left) && left > 0;
     const BOOL restored = Call(TCSETS2, &m_found) || IsGone();
-    ioctl(m_descriptor.Get(), TIOCNXCL);
+    if (!m_bPseudoTerminal)
+        ioctl(m_descriptor.Get(), TIOCNXCL);
     flock(m_descriptor.Get(), LOCK_UN);
     return restored;
 }
@@ -252,6 +261,7 @@ BOOL CCommDriver::SetState(const DCB& dcb) {
         return FALSE;
     if (!AreSettingsTaken(asked, inPlace, m_bPseudoTerminal))
         return Call(TCSETS2, &former) && FailWith(ERROR_INVALID_PARAMETER);
+    m_bHoldsSender = IsSenderHeld(dcb);
     return ApplyLines(dcb);
 }
 

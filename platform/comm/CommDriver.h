@@ -63,6 +63,9 @@ class CCommDriver {
     BOOL GetState(DCB& dcb);
     BOOL SetState(const DCB& dcb);
 
+    // Whether the line settings let the driver hold the device up once its input queue fills.
+    bool HoldsSender() const { return m_bHoldsSender; }
+
   private:
     BOOL OpenDevice(LPCSTR path);
     BOOL MakeExclusive();
@@ -75,6 +78,7 @@ class CCommDriver {
     CDescriptor m_descriptor;
     bool m_bPseudoTerminal = false;
     std::atomic<bool> m_bGone = false;
+    std::atomic<bool> m_bHoldsSender = false;
     std::atomic<bool> m_bHasCounters = true;
     std::atomic<bool> m_bHasLines = true;
 

@@ -177,7 +177,7 @@ DWORD CCommEventWait::Patience() {
 void CCommEventWait::Block(std::unique_lock<std::mutex>& lock, const OVERLAPPED* overlapped) {
     // A device that is gone shows nothing else any more, and that all the time.
     const bool isLossTold = m_bLossTold;
-    const int descriptor = isLossTold ? m_wake->Descriptor() : m_port.WaitDescriptor();
+    const int descriptor = isLossTold ? m_wake->Descriptor() : m_port.Driver().Descriptor();
     const bool takesInput = isLossTold || (m_dwMask & EV_RXCHAR) != 0;
     const DWORD limit = isLossTold ? INFINITE : Patience();
     lock.unlock();

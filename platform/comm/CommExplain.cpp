@@ -81,47 +81,47 @@ std::vector<std::string> FindAdapters(std::string_view kind) {
 }
 
 std::string ExplainMissing(const std::string& path) {
-    std::string text = "no such device.";
+    std::string text = "no such device";
     const std::vector<std::string> names = FindAdapters(KindOf(path));
     for (std::size_t index = 0; index < std::min(names.size(), MOST_NAMES); ++index) {
-        text += index == 0 ? " There are: " : ", ";
-        text.append(DEVICE_FOLDER).append(names[index]);
+        text += index == 0 ? "; there are " : ", ";
+        text.append(DEVICE_FOLDER).append(PrintableText(names[index]));
     }
     if (names.size() > MOST_NAMES)
         text += " and others";
-    return names.empty() ? text : text + ".";
+    return text;
 }
 
 std::string ExplainPermission(const struct stat& device) {
     const bool isOpenToGroup = (device.st_mode & GROUP_ACCESS) == GROUP_ACCESS;
     if (isOpenToGroup && device.st_gid != 0) {
         const std::string group = NameOfGroup(device.st_gid);
-        return "Permission denied. It belongs to the group " + group +
+        return "permission denied; it belongs to the group " + group +
                ": add yourself with 'sudo adduser " + NameOfUser(getuid()) + " " + group +
-               "' and log in again.";
+               "' and log in again";
     }
     std::array<char, 8> mode{};
     std::snprintf(mode.data(), mode.size(), "%04o", device.st_mode & PERMISSIONS);
-    return "Permission denied. It belongs to the user " + NameOfUser(device.st_uid) +
-           ", and its permissions (" + mode.data() + ") do not let you use it.";
+    return "permission denied; it belongs to the user " + NameOfUser(device.st_uid) +
+           ", and its permissions (" + mode.data() + ") do not let you use it";
 }
 
 std::string ExplainRefusal(const std::string& path) {
     struct stat device {};
     if (stat(path.c_str(), &device) != 0)
-        return errno == EACCES ? "Permission denied on the way to it." : ExplainMissing(path);
+        return errno == EACCES ? "permission denied on the way to it" : ExplainMissing(path);
     if (S_ISDIR(device.st_mode))
-        return "is a directory, not a serial device.";
+        return "is a directory, not a serial device";
     if (IsOwnTerminal(device))
-        return "is the terminal you are sitting at. Choose another device.";
+        return "is the terminal you are sitting at; choose another device";
     if (faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) != 0)
         return ExplainPermission(device);
     const CommUser user = FindCommUser(device);
     if (user.process == 0)
-        return "in use by another process. End it, or choose another device.";
+        return "in use by another process; end it, or choose another device";
     const std::string name = user.name.empty() ? "" : " (" + PrintableText(user.name) + ")";
     return "in use by process " + std::to_string(user.process) + name +
-           ". End it, or choose another device.";
+           "; end it, or choose another device";
 }
 
 std::string Explain(const std::string& path, DWORD error) {
@@ -132,15 +132,15 @@ std::string Explain(const std::string& path, DWORD error) {
     case ERROR_ACCESS_DENIED:
         return ExplainRefusal(path);
     case ERROR_NOT_SUPPORTED:
-        return "is no serial device.";
+        return "is no serial device";
     case ERROR_DEVICE_NOT_CONNECTED:
-        return "was unplugged or has no hardware behind it.";
+        return "was unplugged or has no hardware behind it";
     case ERROR_TOO_MANY_OPEN_FILES:
-        return "too many files are open.";
+        return "too many files are open";
     case ERROR_NOT_ENOUGH_MEMORY:
-        return "not enough memory.";
+        return "not enough memory";
     default:
-        return "the driver refuses (error " + std::to_string(error) + ").";
+        return "the driver refuses (error " + std::to_string(error) + ")";
     }
 }
 

@@ -15,7 +15,7 @@ class CCommHangup final : public CHandleObject {
   public:
     explicit CCommHangup(std::shared_ptr<CCommPort> port) : m_port(std::move(port)) {}
 
-    int WaitDescriptor() const override { return m_port->WaitDescriptor(); }
+    int WaitDescriptor() const override { return m_port->Driver().Descriptor(); }
     // Hang-ups are shown without being asked for.
     short WaitEvents() const override { return 0; }
     bool IsReady() const override { return m_port->IsGone(); }

@@ -44,7 +44,8 @@ BOOL CCommPort::Open(LPCSTR path) {
     m_dwOutputQueueSize = QUEUE_SIZE_AT_OPENING;
     if (!m_queue.Resize(QUEUE_SIZE_AT_OPENING))
         return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    return m_read.Create() && m_write.Create() && m_events.Create() && m_driver.Open(path);
+    return m_read.Create() && m_write.Create() && m_events.Create() && m_driver.Open(path) &&
+           m_waiters.Create(m_driver.Descriptor());
 }
 
 bool CCommPort::IsReady() const {
@@ -56,6 +57,16 @@ bool CCommPort::IsReady() const {
 
 bool CCommPort::TryAcquire(short events) {
     return (events & (POLLIN | POLLHUP | POLLERR)) != 0 || IsReady();
+}
+
+void CCommPort::BeginWait() {
+    const std::lock_guard lock(m_receiveMutex);
+    m_waiters.Enter();
+}
+
+void CCommPort::EndWait() {
+    const std::lock_guard lock(m_receiveMutex);
+    m_waiters.Leave();
 }
 
 BOOL CCommPort::Close() {
@@ -101,26 +112,40 @@ int CCommPort::FillQueue() {
     if (received > 0) {
         m_queue.Added(static_cast<DWORD>(received));
         m_events.NoteReceived();
+        m_waiters.Wake();
     }
     m_bFilledUp = received > 0 && m_queue.Free() == 0;
     m_bAskDriver = m_bFilledUp;
     return received;
 }
 
-bool CCommPort::TakeIn(bool& discarded) {
-    const std::lock_guard lock(m_receiveMutex);
-    if (m_bReceiveClosed)
-        return false;
-    const int received = m_queue.Free() > 0 ? FillQueue() : DiscardReceived(discarded);
-    m_bAskDriver = true;
-    return received >= 0;
+// By others than the reader, whose pending read looks for its bytes at the driver.
+int CCommPort::FillForTheReader() {
+    const int received = FillQueue();
+    if (received > 0 && m_read.IsPending())
+        StepRead();
+    return received;
 }
 
-int CCommPort::DiscardReceived(bool& discarded) {
+CCommPort::Intake CCommPort::TakeIn() {
+    const std::lock_guard lock(m_receiveMutex);
+    if (m_bReceiveClosed)
+        return Intake::ENDED;
+    Intake result = Intake::HELD;
+    if (m_queue.Free() > 0 || m_queue.Extend())
+        result = FillForTheReader() < 0 ? Intake::ENDED : Intake::TAKEN;
+    else if (!m_driver.HoldsSender())
+        result = DiscardReceived();
+    m_bAskDriver = true;
+    return result;
+}
+
+CCommPort::Intake CCommPort::DiscardReceived() {
     BYTE unwanted[QUEUE_SIZE_AT_OPENING];
     const int received = ReceiveFromDriver(unwanted, sizeof unwanted);
-    discarded = discarded || received > 0;
-    return received;
+    if (received < 0)
+        return Intake::ENDED;
+    return received > 0 ? Intake::DISCARDED : Intake::TAKEN;
 }
 
 // The queue's bytes first, then the driver's: large pieces straight into the buffer, small ones by
@@ -313,7 +338,7 @@ BOOL CCommPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
 // asked.
 BOOL CCommPort::CountReceived(DWORD& count) {
     const std::lock_guard lock(m_receiveMutex);
-    if (m_queue.IsEmpty() && FillQueue() < 0)
+    if (m_queue.IsEmpty() && FillForTheReader() < 0)
         return FALSE;
     count = m_queue.Count();
     DWORD waiting = 0;

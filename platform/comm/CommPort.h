@@ -13,6 +13,7 @@
 #include "platform/comm/CommLines.h"
 #include "platform/comm/CommQueue.h"
 #include "platform/comm/CommTransfer.h"
+#include "platform/comm/CommWaiters.h"
 #include "platform/objects/TransferObject.h"
 
 #include <atomic>
@@ -27,8 +28,10 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     // FALSE with the errors of CreateFileA.
     BOOL Open(LPCSTR path);
 
-    int WaitDescriptor() const override { return m_driver.Descriptor(); }
+    int WaitDescriptor() const override { return m_waiters.Descriptor(); }
     bool IsReady() const override;
+    void BeginWait() override;
+    void EndWait() override;
     bool TryAcquire(short events) override;
     BOOL Close() override;
 
@@ -42,9 +45,11 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     BOOL ClearError(LPDWORD errors, COMSTAT* status);
     BOOL Purge(DWORD flags);
 
-    // Takes what the driver holds into the receive queue, or discards it when the queue is full.
-    // False once nothing more can come.
-    bool TakeIn(bool& discarded);
+    // Takes what the driver holds into the receive queue while nobody reads it, up to 1 MiB. What
+    // finds no room is left in the driver when that can hold the sender (HELD), else discarded.
+    // ENDED once nothing more can come.
+    enum class Intake { TAKEN, HELD, DISCARDED, ENDED };
+    Intake TakeIn();
 
     // For what is the driver's alone: lines and line settings.
     CCommDriver& Driver() { return m_driver; }
@@ -77,7 +82,8 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
 
     int TakeReceived(void* buffer, DWORD count);
     int FillQueue();
-    int DiscardReceived(bool& discarded);
+    int FillForTheReader();
+    Intake DiscardReceived();
     int ReceiveFromDriver(void* buffer, DWORD count);
     BOOL CountUnsent(DWORD& count);
     void StepRead();
@@ -94,6 +100,7 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
 
     mutable std::mutex m_receiveMutex; // guards what follows
     CCommQueue m_queue;
+    CCommWaiters m_waiters;
     CCommTransfer m_read;
     BYTE* m_target = nullptr; // the pending read's buffer
     COMMTIMEOUTS m_readTimeouts{};

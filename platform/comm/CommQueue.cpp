@@ -7,17 +7,35 @@
 namespace platform {
 
 bool CCommQueue::Resize(DWORD size) {
+    if (!Allocate(std::max(size, Count())))
+        return false;
+    m_dwSize = size;
+    return true;
+}
+
+bool CCommQueue::Extend() {
+    return m_dwCapacity < MOST_KEPT &&
+           Allocate(std::min(std::max<DWORD>(m_dwCapacity, 1) * 2, MOST_KEPT));
+}
+
+bool CCommQueue::Allocate(DWORD capacity) {
     const DWORD held = Count();
-    std::unique_ptr<BYTE[]> bytes(new (std::nothrow) BYTE[std::max(size, held)]);
+    std::unique_ptr<BYTE[]> bytes(new (std::nothrow) BYTE[capacity]);
     if (!bytes)
         return false;
     if (held > 0)
         std::memcpy(bytes.get(), m_bytes.get() + m_dwBegin, held);
     m_bytes = std::move(bytes);
-    m_dwSize = size;
+    m_dwCapacity = capacity;
     m_dwBegin = 0;
     m_dwEnd = held;
     return true;
+}
+
+void CCommQueue::Clear() {
+    m_dwBegin = m_dwEnd = 0;
+    if (m_dwCapacity > m_dwSize)
+        Allocate(m_dwSize);
 }
 
 DWORD CCommQueue::Take(void* buffer, DWORD count) {
@@ -26,6 +44,8 @@ DWORD CCommQueue::Take(void* buffer, DWORD count) {
         return 0;
     std::memcpy(buffer, m_bytes.get() + m_dwBegin, taken);
     m_dwBegin += taken;
+    if (IsEmpty())
+        Clear();
     return taken;
 }
 

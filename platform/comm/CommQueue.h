@@ -2,7 +2,8 @@
 // whatever pieces the reader asks for.
 //
 // Owned by the port and guarded by its receive lock. It is normally refilled when it is empty, so
-// its bytes are hardly ever moved.
+// its bytes are hardly ever moved. While nobody reads it can be made larger than it was asked to be;
+// it is as large as before once it has run empty.
 #pragma once
 
 #include "platform/Types.h"
@@ -20,23 +21,31 @@ class CCommQueue {
     // The size that Resize was last asked for.
     DWORD Size() const { return m_dwSize; }
     DWORD Count() const { return m_dwEnd - m_dwBegin; }
+    // Makes the queue larger than its size, up to MOST_KEPT bytes. False when it is as large as that
+    // already, or there is no memory.
+    bool Extend();
+    static constexpr DWORD MOST_KEPT = 1 << 20;
+
     bool IsEmpty() const { return m_dwBegin == m_dwEnd; }
 
     // Takes up to count bytes out; returns how many.
     DWORD Take(void* buffer, DWORD count);
 
-    void Clear() { m_dwBegin = m_dwEnd = 0; }
+    void Clear();
 
     // How many bytes more it may hold.
-    DWORD Free() const { return m_dwSize > Count() ? m_dwSize - Count() : 0; }
+    DWORD Free() const { return m_dwCapacity - Count(); }
     // Where the next Free() bytes belong; held bytes are moved out of the way.
     BYTE* Room();
     // Says how many were put there.
     void Added(DWORD count) { m_dwEnd += count; }
 
   private:
+    bool Allocate(DWORD capacity);
+
     std::unique_ptr<BYTE[]> m_bytes;
     DWORD m_dwSize = 0;
+    DWORD m_dwCapacity = 0;
     DWORD m_dwBegin = 0;
     DWORD m_dwEnd = 0;
 };

@@ -1,5 +1,8 @@
 #include "platform/comm/CommUsers.h"
 
+#include "platform/Comm.h"
+#include "platform/TerminalDevice.h"
+
 #include <dirent.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -62,6 +65,31 @@ bool IsLinkTo(int folder, const char* entry, dev_t device) {
            status.st_rdev == device;
 }
 
+// The other end of a pseudo-terminal tells in its notes "tty-index:<TAB>7" which one it is.
+bool IsOtherEnd(const std::string& notesPath, dev_t device) {
+    const FilePointer notes(fopen(notesPath.c_str(), "re"));
+    char line[LINE_LENGTH];
+    while (notes && fgets(line, sizeof line, notes.get())) {
+        unsigned index = 0;
+        if (sscanf(line, "tty-index: %u", &index) == 1)
+            return index == minor(device);
+    }
+    return false;
+}
+
+// Whoever provides a pseudo-terminal may have both its ends open, and is no user of it.
+bool IsProvider(const char* process, dev_t device) {
+    if (!IsPseudoTerminal(device))
+        return false;
+    const std::string path = std::string("/proc/") + process + "/fdinfo";
+    const FolderPointer folder(opendir(path.c_str()));
+    while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
+        if (IsOtherEnd(path + '/' + entry->d_name, device))
+            return true;
+    }
+    return false;
+}
+
 bool HasOpen(const char* process, dev_t device) {
     const std::string path = std::string("/proc/") + process + "/fd";
     const FolderPointer folder(opendir(path.c_str()));
@@ -80,7 +108,7 @@ pid_t FindOpener(dev_t device) {
         return 0;
     while (const dirent* entry = readdir(processes.get())) {
         const pid_t process = NumberOf(entry->d_name);
-        if (process != 0 && HasOpen(entry->d_name, device))
+        if (process != 0 && HasOpen(entry->d_name, device) && !IsProvider(entry->d_name, device))
             return process;
     }
     return 0;
@@ -96,6 +124,17 @@ std::string NameOf(pid_t process) {
 }
 
 } // namespace
+
+bool IsDeviceOpenIn(DWORD process, const std::string& devicePath) {
+    struct stat device {};
+    return stat(devicePath.c_str(), &device) == 0 &&
+           HasOpen(std::to_string(process).c_str(), device.st_rdev);
+}
+
+bool IsDeviceUserSeen(const std::string& devicePath) {
+    struct stat device {};
+    return stat(devicePath.c_str(), &device) == 0 && FindCommUser(device).process != 0;
+}
 
 CommUser FindCommUser(const struct stat& device) {
     pid_t process = FindLockHolder(device);

@@ -14,7 +14,8 @@ struct CommUser {
     std::string name;  // as the process gave it: untrusted bytes, at most a line
 };
 
-// The process that holds a lock on the device node, else one that has the device open.
+// The process that holds a lock on the device node, else one that has the device open: of a
+// pseudo-terminal not the one that provides it.
 CommUser FindCommUser(const struct stat& device);
 
 } // namespace platform

@@ -67,13 +67,12 @@ BoxKey CBoxKeys::KeyOf(const INPUT_RECORD& record) {
     }
 }
 
-BoxKey CBoxKeys::KeyOf(const KEY_EVENT_RECORD& key) const {
+BoxKey CBoxKeys::KeyOf(const KEY_EVENT_RECORD& key) {
     const char character = key.uChar.AsciiChar;
     if (character == '\r' || character == '\n' || character == ' ')
         return BoxKey::ACCEPT;
-    // With more behind it, it began the sequence of a key that is not known.
     if (character == ESC)
-        return m_session.Input().HasBytes() ? BoxKey::NONE : BoxKey::CANCEL;
+        return BoxKey::CANCEL;
     for (const NamedKey& special : SPECIAL_KEYS) {
         if (character == 0 && key.wVirtualKeyCode == special.virtualKey)
             return special.key;

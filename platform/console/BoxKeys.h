@@ -35,7 +35,7 @@ class CBoxKeys {
 
   private:
     BoxKey KeyOf(const INPUT_RECORD& record);
-    BoxKey KeyOf(const KEY_EVENT_RECORD& key) const;
+    static BoxKey KeyOf(const KEY_EVENT_RECORD& key);
 
     CConsoleSession& m_session;
     COORD m_size = {0, 0};

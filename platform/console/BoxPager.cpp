@@ -45,7 +45,7 @@ void CBoxPager::Run(const BoxContent& content, bool knowsColumn) {
             Write(lines[shown].text + LINE_END);
         goesOn = Confirm(shown < lines.size() ? PROMPT_FOR_MORE : PROMPT);
     }
-    m_output.SetAttribute(static_cast<std::uint8_t>(info.wAttributes));
+    m_output.SetAttribute(info.wAttributes);
 }
 
 void CBoxPager::GoBelow(bool knowsColumn) {

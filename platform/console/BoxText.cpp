@@ -120,8 +120,19 @@ void CLineFiller::FinishLine() {
     m_bWrapped = false;
 }
 
+void PutAscii(CLineFiller& lines, std::uint8_t byte) {
+    if (byte == '\n')
+        lines.EndLine();
+    else if (byte == '\t')
+        lines.PutTab();
+    else
+        lines.Put(PictureOf(byte), 1);
+}
+
 void PutCharacter(CLineFiller& lines, const CUtf8Decoder& decoder) {
-    switch (KindOf(decoder.Code())) {
+    if (decoder.Code() < 0x80)
+        return PutAscii(lines, static_cast<std::uint8_t>(decoder.Code()));
+    switch (KindOf(decoder, CCharacterSet::OfLocale())) {
     case CharacterKind::NARROW:
         return lines.Put(decoder.Bytes(), 1);
     case CharacterKind::WIDE:
@@ -132,50 +143,30 @@ void PutCharacter(CLineFiller& lines, const CUtf8Decoder& decoder) {
         return lines.Put(PictureOf(static_cast<std::uint8_t>(decoder.Code())), 1);
     case CharacterKind::REPLACED:
         return lines.Put(REPLACEMENT, 1);
+    case CharacterKind::LACKING:
+        return lines.Put(LACKING, 1);
     case CharacterKind::OMITTED:
         return;
     }
 }
 
-void PutAscii(CLineFiller& lines, std::uint8_t byte) {
-    if (byte == '\n')
-        lines.EndLine();
-    else if (byte == '\t')
-        lines.PutTab();
-    else
-        lines.Put(PictureOf(byte), 1);
+std::string WithoutReturns(std::string_view text) {
+    std::string result;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (!text.substr(at).starts_with("\r\n"))
+            result += text[at];
+    }
+    return result;
 }
 
 } // namespace
 
 std::vector<BoxLine> WrapText(std::string_view text, int columns, std::size_t bytes) {
     CLineFiller lines(columns, bytes);
-    CUtf8Decoder decoder;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const auto byte = static_cast<std::uint8_t>(text[at]);
-        if (byte == '\r' && text.substr(at + 1).starts_with('\n') && decoder.IsIdle())
-            continue;
-        if (byte < 0x80 && decoder.IsIdle()) {
-            PutAscii(lines, byte);
-            continue;
-        }
-        switch (decoder.Feed(byte)) {
-        case CUtf8Decoder::Result::MORE:
-            break;
-        case CUtf8Decoder::Result::CHARACTER:
-            PutCharacter(lines, decoder);
-            break;
-        case CUtf8Decoder::Result::INVALID: // a C1 control as it is, or a byte of no sequence
-            lines.Put(byte < 0xA0 ? PictureOf(byte) : REPLACEMENT, 1);
-            break;
-        case CUtf8Decoder::Result::BROKEN:
-            lines.Put(REPLACEMENT, 1);
-            --at;
-            break;
-        }
-    }
-    if (!decoder.IsIdle())
-        lines.Put(REPLACEMENT, 1);
+    ReadUtf8(
+        WithoutReturns(text),
+        [&](const CUtf8Decoder& character) { PutCharacter(lines, character); },
+        [&](std::uint8_t byte) { lines.Put(PictureOf(byte), 1); });
     lines.EndLine();
     return lines.TakeLines();
 }

@@ -2,8 +2,9 @@
 // as they are.
 //
 // LF and CR LF end a line, TAB goes to the next multiple of eight columns; every other control
-// character is the picture that code page 437 has for it, invalid UTF-8 and what would mislead the
-// reader is U+FFFD, as on the console. Pure; any thread may call this.
+// character and every byte that is no UTF-8 is the picture that code page 437 has for it, what
+// would mislead the reader is U+FFFD, as on the console, and what the locale's character set lacks
+// is "?". Any thread may call this.
 #pragma once
 
 #include <cstddef>

@@ -76,7 +76,7 @@ bool CConsoleAlternate::Enter() {
 bool CConsoleAlternate::Put(std::string_view unit) {
     if (!m_bEntered || !EnsureRoom() || !m_bEntered)
         return false;
-    m_gather.Put(unit);
+    m_gather.PutText(unit);
     return true;
 }
 
@@ -85,7 +85,7 @@ void CConsoleAlternate::Leave() {
         return;
     m_bEntered = false;
     if (!m_gather.HasRoom() &&
-        !m_gather.Drain(CConsoleOutput::MOST_MILLISECONDS_WITHOUT_PROGRESS)) {
+        !m_gather.Drain(CConsoleOutput::MostMillisecondsWithoutProgress())) {
         m_gather.Abandon();
         if (m_gather.IsGone())
             return;

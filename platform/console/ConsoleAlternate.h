@@ -28,10 +28,11 @@ class CConsoleAlternate {
     bool Enter();
     // True until it is left, which may happen while a wait serves the console.
     bool IsEntered() const { return m_bEntered; }
-    // A unit of output, at most CConsoleGather::UNIT bytes, that goes to the terminal as it is.
+    // A unit of output, at most CConsoleGather::UNIT bytes, that goes to the terminal as it is, but
+    // for its character set.
     // FALSE, and nothing put, when the alternate screen was left or output is gone.
     bool Put(std::string_view unit);
-    // Never waits in a way that serves the console; a terminal that makes no progress for 2 s loses
+    // Never waits in a way that serves the console; a terminal that makes no progress for two seconds loses
     // what was gathered. Without effect when it is not entered.
     void Leave();
 

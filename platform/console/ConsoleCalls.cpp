@@ -83,6 +83,11 @@ CConsoleSession* TheConsoleSession() {
     return RegisterBoth() ? &g_session.Get() : nullptr;
 }
 
+// One that has been hung up answers no question.
+bool HasTerminal() {
+    return isatty(STDIN_FILENO) != 0 || isatty(STDOUT_FILENO) != 0;
+}
+
 } // namespace platform
 
 using namespace platform;
@@ -203,7 +208,7 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
                                 COORD dwWriteCoord, LPDWORD lpNumberOfAttrsWritten) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    if (!g_output.Get().ColourFill(static_cast<BYTE>(wAttribute), nLength, dwWriteCoord))
+    if (!g_output.Get().ColourFill(wAttribute, nLength, dwWriteCoord))
         return FailWith(ERROR_NOT_SUPPORTED);
     return Report(lpNumberOfAttrsWritten, static_cast<int>(nLength));
 }
@@ -211,6 +216,6 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes) {
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
-    g_output.Get().SetAttribute(static_cast<BYTE>(wAttributes));
+    g_output.Get().SetAttribute(wAttributes);
     return TRUE;
 }

@@ -50,4 +50,11 @@ CharacterKind KindOf(char32_t character) {
     }
 }
 
+CharacterKind KindOf(const CUtf8Decoder& character, const CCharacterSet& set) {
+    const CharacterKind kind = KindOf(character.Code());
+    const bool isDrawn = kind == CharacterKind::NARROW || kind == CharacterKind::WIDE ||
+                         kind == CharacterKind::COMBINING;
+    return isDrawn && !set.Has(character.Bytes()) ? CharacterKind::LACKING : kind;
+}
+
 } // namespace platform

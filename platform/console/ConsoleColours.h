@@ -5,25 +5,29 @@
 
 #include "platform/console/ConsoleGather.h"
 
-#include <cstdint>
+#include "platform/Types.h"
 
 namespace platform {
 
 class CConsoleColours {
   public:
     // The terminal's own default colours.
-    static constexpr std::uint8_t DEFAULT = 0x07;
+    static constexpr WORD DEFAULT = 0x07;
+    // Blanks of this attribute are those that an erasure leaves.
+    static bool HasOwnBackground(int attribute);
 
     explicit CConsoleColours(CConsoleGather& gather) : m_gather(gather) {}
 
-    std::uint8_t Wanted() const { return m_byWanted; }
-    void Want(std::uint8_t attribute) { m_byWanted = attribute; }
+    WORD Wanted() const { return m_wWanted; }
+    void Want(WORD attribute) { m_wWanted = Normal(attribute); }
+    // The attribute with only those bits beside the colours that tell something.
+    static WORD Normal(WORD attribute);
     // The terminal has the wanted attribute.
-    bool IsEasy() const { return m_nTerminal == m_byWanted; }
+    bool IsEasy() const { return m_nTerminal == m_wWanted; }
 
-    // Gives the terminal the wanted attribute, or a given one; at most 16 bytes.
-    void Sync() { Sync(m_byWanted); }
-    void Sync(std::uint8_t attribute);
+    // Gives the terminal the wanted attribute, or a given normal one; at most 17 bytes.
+    void Sync() { Sync(m_wWanted); }
+    void Sync(int attribute);
     // The same if the backgrounds differ: a terminal that scrolls fills the new row with its own.
     void SyncBackground();
 
@@ -36,7 +40,7 @@ class CConsoleColours {
     static constexpr int UNKNOWN = -1;
 
     CConsoleGather& m_gather;
-    std::uint8_t m_byWanted = DEFAULT;
+    WORD m_wWanted = DEFAULT;
     int m_nTerminal = DEFAULT;
 };
 

@@ -12,7 +12,7 @@ void CConsoleFill::Remember(int first, int count, std::uint8_t byte) {
     m_byte = byte;
 }
 
-void CConsoleFill::Draw(std::uint8_t attribute) {
+void CConsoleFill::Draw(WORD attribute) {
     const int cells = m_cursor.Columns() * m_cursor.Rows();
     const int first = m_nFirst;
     const int end = std::min(first + m_nCount, cells);
@@ -21,8 +21,9 @@ void CConsoleFill::Draw(std::uint8_t attribute) {
     if (first >= end || !EnsureRoom() || (whole && m_bKeepScreen && !KeepScreen()))
         return;
     m_colours.Sync(attribute);
-    const bool drawn =
-        blank && attribute == CConsoleColours::DEFAULT ? Erase(first, end) : DrawCells(first, end);
+    const bool drawn = blank && CConsoleColours::HasOwnBackground(attribute)
+                           ? Erase(first, end)
+                           : DrawCells(first, end);
     if (!drawn)
         return;
     if (whole)
@@ -97,7 +98,7 @@ bool CConsoleFill::DrawRow(int row, int column, int endColumn) {
         const int cells = std::min(CELLS_AT_ONCE, endColumn - column);
         m_cursor.MoveTerminal(column, row);
         for (int cell = 0; cell < cells; ++cell)
-            m_gather.Put(picture);
+            m_gather.PutText(picture);
         m_cursor.TerminalDrew(cells);
         column += cells;
     }

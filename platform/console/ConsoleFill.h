@@ -21,7 +21,7 @@ class CConsoleFill {
 
     // Draws the remembered run with an attribute. Ends early when output is gone or the console is
     // given back meanwhile; the cursor model holds all the same.
-    void Draw(std::uint8_t attribute);
+    void Draw(WORD attribute);
 
   private:
     bool KeepScreen();

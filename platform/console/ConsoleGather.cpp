@@ -47,16 +47,21 @@ void CConsoleGather::PutNumber(int number) {
 }
 
 void CConsoleGather::PutSequence(int first, char final) {
-    Put("\x1b[");
-    PutNumber(first);
-    Put(static_cast<std::uint8_t>(final));
+    PutSequence(&first, 1, final);
 }
 
 void CConsoleGather::PutSequence(int first, int second, char final) {
+    const int numbers[] = {first, second};
+    PutSequence(numbers, 2, final);
+}
+
+void CConsoleGather::PutSequence(const int* numbers, int count, char final) {
     Put("\x1b[");
-    PutNumber(first);
-    Put(';');
-    PutNumber(second);
+    for (int index = 0; index < count; ++index) {
+        if (index != 0)
+            Put(';');
+        PutNumber(numbers[index]);
+    }
     Put(static_cast<std::uint8_t>(final));
 }
 
@@ -68,6 +73,7 @@ void CConsoleGather::TryWrite() {
             m_bStalled = written == 0;
             break;
         }
+        m_bStuck = false;
         m_nBegin += static_cast<std::size_t>(written);
     }
     if (m_nBegin < m_nEnd && !m_bGone)
@@ -123,9 +129,11 @@ bool CConsoleGather::Drain(int milliseconds) {
     TryWrite();
     while (Count() != 0) {
         pollfd descriptor = {m_channel.Descriptor(), POLLOUT, 0};
-        const int shown = poll(&descriptor, 1, milliseconds);
-        if (shown == 0 || (shown < 0 && errno != EINTR))
+        const int shown = poll(&descriptor, 1, m_bStuck ? 0 : milliseconds);
+        if (shown == 0 || (shown < 0 && errno != EINTR)) {
+            m_bStuck = true;
             return false;
+        }
         TryWrite();
     }
     return !m_bGone;

@@ -8,6 +8,7 @@
 // touches few pages of it.
 #pragma once
 
+#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleChannel.h"
 
 #include <cstddef>
@@ -28,6 +29,10 @@ class CConsoleGather {
     CConsoleChannel& Channel() { return m_channel; }
     const CConsoleChannel& Channel() const { return m_channel; }
 
+    // The character set of what reads the output.
+    void Use(const CCharacterSet& set) { m_set = &set; }
+    const CCharacterSet& Set() const { return *m_set; }
+
     std::size_t Count() const { return m_nEnd - m_nBegin; }
     // The room of the short way, which needs no further look.
     std::size_t EasyRoom() const { return m_nLimit > m_nEnd ? m_nLimit - m_nEnd : 0; }
@@ -43,20 +48,28 @@ class CConsoleGather {
         std::memcpy(m_bytes + m_nEnd, text.data(), text.size());
         m_nEnd += text.size();
     }
+    // Appends a text that is UTF-8, in the reader's character set; never more bytes than it has.
+    void PutText(std::string_view text) {
+        if (m_set->IsUtf8())
+            Put(text);
+        else
+            Put(m_set->Encode(text));
+    }
     // Appends the printable ASCII characters at the front of the bytes, at most the given number;
     // returns how many.
     std::size_t PutPrintable(const std::uint8_t* bytes, std::size_t most);
     // CSI, the numbers and the final character.
     void PutSequence(int first, char final);
     void PutSequence(int first, int second, char final);
+    void PutSequence(const int* numbers, int count, char final);
 
     // Writes what can be written now without blocking.
     void TryWrite();
     // Bytes are left because the terminal had no room; a POLLOUT ends that.
     bool IsStalled() const { return m_bStalled; }
     void EndStall() { m_bStalled = false; }
-    // Writes everything, giving up after the given time without progress. FALSE when bytes are
-    // left.
+    // Writes everything, giving up after the given time without progress; at once when that is what
+    // the last one gave up after. FALSE when bytes are left.
     bool Drain(int milliseconds);
 
     // Output is gone: bytes are dropped from now on.
@@ -71,11 +84,13 @@ class CConsoleGather {
     bool WaitForRoom();
 
     CConsoleChannel m_channel;
+    const CCharacterSet* m_set = &CCharacterSet::Utf8();
     std::size_t m_nBegin = 0;
     std::size_t m_nEnd = 0;
     std::size_t m_nLimit = HIGH_WATER;
     unsigned m_nAbandoned = 0; // how often the console was given back
     bool m_bStalled = false;
+    bool m_bStuck = false; // nothing was taken since a drain has given up
     bool m_bGone = false;
     std::uint8_t m_bytes[HIGH_WATER + SLACK]; // not cleared: its pages are used as they are needed
 };

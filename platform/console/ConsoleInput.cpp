@@ -1,5 +1,6 @@
 #include "platform/console/ConsoleInput.h"
 
+#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleKeyTable.h"
 
 #include <algorithm>
@@ -30,6 +31,9 @@ bool IsReadable(int descriptor) {
 void CConsoleInput::Use(int descriptor, const char* terminalType) {
     m_nDescriptor = descriptor;
     m_terminalType = terminalType;
+    m_bKeyboard = isatty(descriptor) != 0;
+    const CCharacterSet& set = CCharacterSet::OfLocale();
+    m_bUtf8 = set.IsUtf8() || set.IsAscii(); // the latter is that of a locale that nobody has set
     m_bEnd = fcntl(descriptor, F_GETFD) < 0; // started without a standard input
     // A read that stopped the process begins again by itself when it continues, before the terminal
     // is raw: it must not wait for a line then. Other terminals stop nobody.
@@ -63,16 +67,27 @@ void CConsoleInput::TakeEvent(INPUT_RECORD& record) {
 
 // Ctrl+@ is the one character that is no character to who reads the record: it is told by its key,
 // the 2 on which it lies.
-void CConsoleInput::FillCharacter(INPUT_RECORD& record, std::uint8_t byte) {
+void CConsoleInput::FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD controlKeys) {
     constexpr WORD KEY_2 = 0x32;
     record.EventType = KEY_EVENT;
     KEY_EVENT_RECORD& key = record.Event.KeyEvent;
     key.bKeyDown = TRUE;
-    key.wRepeatCount = 1;
+    key.wRepeatCount = GoesOn(byte) ? 0 : 1;
     key.wVirtualKeyCode = byte == 0 ? KEY_2 : WORD{0};
     key.wVirtualScanCode = 0;
-    key.uChar.AsciiChar = static_cast<char>(byte);
-    key.dwControlKeyState = byte == 0 ? LEFT_CTRL_PRESSED : 0;
+    key.uChar.AsciiChar = static_cast<char>(byte == m_byErase ? BACKSPACE : byte);
+    key.dwControlKeyState = controlKeys | (byte == 0 ? LEFT_CTRL_PRESSED : 0);
+}
+
+// Whether the byte belongs to the character of the one before it.
+bool CConsoleInput::GoesOn(std::uint8_t byte) {
+    if ((byte < 0x80 && m_character.IsIdle()) || !m_bUtf8)
+        return false;
+    const bool isInside = !m_character.IsIdle();
+    if (m_character.Feed(byte) != CUtf8Decoder::Result::BROKEN)
+        return isInside;
+    m_character.Feed(byte);
+    return false;
 }
 
 void CConsoleInput::FillKey(INPUT_RECORD& record, const CConsoleKeys::Match& match) {
@@ -102,21 +117,30 @@ CConsoleInput::Taken CConsoleInput::TakeSlow(INPUT_RECORD& record) {
         if (match.kind == CConsoleKeys::Kind::MORE)
             return Taken::NOTHING;
     }
+    m_nBegin += match.length;
     if (match.kind == CConsoleKeys::Kind::KEY)
         FillKey(record, match);
+    else if (match.kind == CConsoleKeys::Kind::ALT)
+        FillCharacter(record, m_bytes[m_nBegin++], LEFT_ALT_PRESSED);
     else
-        FillCharacter(record, m_bytes[m_nBegin]);
-    m_nBegin += match.length;
+        FillCharacter(record, m_bytes[m_nBegin - 1], 0);
     return Taken::RECORD;
 }
 
 CConsoleKeys::Match CConsoleInput::Look(bool final) const {
-    return m_keys.Find(m_bytes + m_nBegin, m_nEnd - m_nBegin, final);
+    const std::uint8_t* const bytes = m_bytes + m_nBegin;
+    const std::size_t count = m_nEnd - m_nBegin;
+    return m_bKeyboard ? m_keys.FindTyped(bytes, count, final) : m_keys.Find(bytes, count, final);
+}
+
+std::int64_t CConsoleInput::Deadline() const {
+    if (m_bytes[m_nEnd - 1] != CConsoleKeys::ESCAPE)
+        return m_nReadTime + SEQUENCE_MILLISECONDS;
+    return (m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime) + ESCAPE_MILLISECONDS;
 }
 
 bool CConsoleInput::IsTimeUp() const {
-    const std::int64_t since = m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime;
-    return Milliseconds() - since >= SEQUENCE_MILLISECONDS;
+    return Milliseconds() >= Deadline();
 }
 
 bool CConsoleInput::IsReady() const {
@@ -130,9 +154,7 @@ int CConsoleInput::ReadyInMilliseconds() const {
         return 0;
     if (m_nBegin == m_nEnd)
         return -1;
-    const std::int64_t since = m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime;
-    const std::int64_t left = since + SEQUENCE_MILLISECONDS - Milliseconds();
-    return static_cast<int>(std::max<std::int64_t>(left, 0));
+    return static_cast<int>(std::max<std::int64_t>(Deadline() - Milliseconds(), 0));
 }
 
 bool CConsoleInput::TryAcquire(short events) {
@@ -167,9 +189,9 @@ void CConsoleInput::Read() {
 // Reads up to an end in the buffer.
 void CConsoleInput::Fill(std::size_t end) {
     const ssize_t length = read(m_nDescriptor, m_bytes + m_nEnd, end - m_nEnd);
-    m_nReadTime = Milliseconds();
     if (length < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR))
         return;
+    m_nReadTime = Milliseconds();
     if (length <= 0) {
         m_bEnd = true;
         return;

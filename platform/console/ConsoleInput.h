@@ -1,6 +1,7 @@
 // The console's keyboard: reads standard input and makes one record of each byte or special key, as
-// they are asked for. A sequence that is not complete waits for its rest, at most 50 ms after its
-// first byte; a lone ESC is such a sequence.
+// they are asked for. A sequence that is not complete waits for its rest: a lone ESC 100 ms, what
+// no single key begins with half a second after its last byte, for a slow line's sake. On an input
+// that is no terminal, only the known sequences are keys; all else is the bytes that it is.
 //
 // While the terminal is somebody else's, who waits for a key stops the process, as the system stops
 // one that reads; when it continues, the wait goes on.
@@ -13,6 +14,7 @@
 #include "platform/Console.h"
 #include "platform/console/ConsoleKeys.h"
 #include "platform/console/ConsoleMode.h"
+#include "platform/console/ConsoleUtf8.h"
 #include "platform/objects/HandleObject.h"
 
 #include <cstddef>
@@ -32,7 +34,7 @@ class CConsoleInput final : public CHandleObject {
     // Takes the next record if there is one, without blocking; END at the end of the input.
     Taken Take(INPUT_RECORD& record) {
         if (m_nBegin < m_nEnd && m_bytes[m_nBegin] != CConsoleKeys::ESCAPE && m_nEvents == 0) {
-            FillCharacter(record, m_bytes[m_nBegin++]);
+            FillCharacter(record, m_bytes[m_nBegin++], 0);
             return Taken::RECORD;
         }
         return TakeSlow(record);
@@ -41,7 +43,11 @@ class CConsoleInput final : public CHandleObject {
     // How many of the bytes that are read next were typed while Enter was made LF: they arrive with
     // CR in its place. CConsoleMode::EVERY: the terminal is in somebody else's hands.
     void SetTypedBefore(std::size_t count) { m_nTypedBefore = count; }
+    bool WasTypedBefore() const { return m_nTypedBefore != 0; }
     bool IsSomebodyElses() const { return m_nTypedBefore == CConsoleMode::EVERY; }
+
+    // The character that the terminal's Backspace key sends; it is delivered as BACKSPACE.
+    void SetErase(std::uint8_t byte) { m_byErase = byte; }
 
     // Whether anything was ever read from the keyboard.
     bool WasRead() const { return m_nReadTime != 0; }
@@ -51,8 +57,6 @@ class CConsoleInput final : public CHandleObject {
     // what was not taken meanwhile.
     void Hold();
     void Release();
-    // More bytes are there already: an ESC before them was none of a key of its own.
-    bool HasBytes() const { return m_nBegin < m_nEnd; }
 
     // Records that come before what was typed.
     void AddMenuEvent();
@@ -63,18 +67,24 @@ class CConsoleInput final : public CHandleObject {
     int ReadyInMilliseconds() const override;
     bool TryAcquire(short events) override;
 
-    static constexpr int SEQUENCE_MILLISECONDS = 50;
+    static constexpr std::uint8_t BACKSPACE = 8;
+    // Programs that tell Esc from a key by time wait about as long as this.
+    static constexpr int ESCAPE_MILLISECONDS = 100;
+    static constexpr int SEQUENCE_MILLISECONDS = 500;
     static constexpr std::size_t MOST_READ = 4096; // as much as a terminal holds in its own queue
     static constexpr std::size_t MOST_HELD = 2 * MOST_READ;
 
   private:
     enum Event : unsigned { MENU = 1, SIZE = 2 };
 
-    static void FillCharacter(INPUT_RECORD& record, std::uint8_t byte);
+    void FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD controlKeys);
+    bool GoesOn(std::uint8_t byte);
     static void FillKey(INPUT_RECORD& record, const CConsoleKeys::Match& match);
     Taken TakeSlow(INPUT_RECORD& record);
     void TakeEvent(INPUT_RECORD& record);
     CConsoleKeys::Match Look(bool final) const;
+    // When what is unfinished is taken for finished, in the clock's milliseconds.
+    std::int64_t Deadline() const;
     bool IsTimeUp() const;
     void Read();
     void Fill(std::size_t end);
@@ -97,6 +107,10 @@ class CConsoleInput final : public CHandleObject {
     CDescriptor m_own; // the controlling terminal, opened anew
     bool m_bEnd = false;
     bool m_bKeysLoaded = false;
+    bool m_bKeyboard = false;
+    bool m_bUtf8 = true;
+    std::uint8_t m_byErase = BACKSPACE;
+    CUtf8Decoder m_character; // as far as it was delivered
     COORD m_size = {0, 0};
     const char* m_terminalType = nullptr;
     std::uint8_t m_bytes[MOST_HELD + MOST_READ];

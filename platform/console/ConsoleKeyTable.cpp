@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
 extern "C" { // the header does not say so itself
 #include <unibilium.h>
@@ -95,6 +96,7 @@ void AddLetter(CConsoleKeys& keys, const KeyOfFamilies& key) {
         // As older versions of several terminals have it.
         Add(keys, key.virtualKey, controlKeys, "\x1b[%d%c", modifier, key.letter);
         Add(keys, key.virtualKey, controlKeys, "\x1bO%d%c", modifier, key.letter);
+        Add(keys, key.virtualKey, controlKeys, "\x1bO1;%d%c", modifier, key.letter);
     }
 }
 
@@ -105,6 +107,23 @@ void AddLetterOfOne(CConsoleKeys& keys, const KeyOfFamilies& key) {
         return;
     Add(keys, key.virtualKey, SHIFT_PRESSED, "\x1b[%c", key.rxvtLetter);
     Add(keys, key.virtualKey, LEFT_CTRL_PRESSED, "\x1bO%c", key.rxvtLetter);
+}
+
+// A control sequence is a key without standing in the table, and may only be the beginning of one;
+// these are others, as the ESC TAB that some terminals send for Shift+Tab.
+void AddOtherKeys(CConsoleKeys& keys, const unibi_term* entry) {
+    for (int index = unibi_string_begin_ + 1; index < unibi_string_end_; ++index) {
+        const auto which = static_cast<unibi_string>(index);
+        const char* const text = unibi_get_str(entry, which);
+        if (text == nullptr || !std::string_view(unibi_name_str(which)).starts_with("key_"))
+            continue;
+        const std::string_view sequence = text;
+        if (sequence.size() < 2 || sequence[1] == '[' || sequence[1] == 'O')
+            continue;
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text);
+        if (keys.Find(bytes, sequence.size(), true).kind == CConsoleKeys::Kind::BYTE)
+            keys.Add(sequence, CConsoleKeys::OTHER, 0);
+    }
 }
 
 } // namespace
@@ -131,6 +150,7 @@ void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType) {
         if (sequence != nullptr)
             keys.Add(sequence, key.virtualKey, 0);
     }
+    AddOtherKeys(keys, entry.get());
 }
 
 WORD ScanCodeOf(WORD virtualKey) {

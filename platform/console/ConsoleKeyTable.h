@@ -10,7 +10,8 @@ namespace platform {
 // Fills the table with the sequences that are known without asking.
 void AddKnownKeys(CConsoleKeys& keys);
 
-// Adds those of the terminfo entry of this terminal type, which go before the known ones; without
+// Adds those of the terminfo entry of this terminal type, which go before the known ones; then the
+// entry's other keys, which mean nothing here, as far as nothing else has their sequence. Without
 // an entry nothing changes.
 void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType);
 

@@ -2,11 +2,45 @@
 
 #include "platform/Console.h"
 
+#include <algorithm>
+
 namespace platform {
 namespace {
 
 constexpr CConsoleKeys::Match ONE_BYTE = {CConsoleKeys::Kind::BYTE, 1, 0, 0};
 constexpr CConsoleKeys::Match NOT_YET = {CConsoleKeys::Kind::MORE, 0, 0, 0};
+constexpr CConsoleKeys::Match WITH_ALT = {CConsoleKeys::Kind::ALT, 1, 0, 0};
+
+constexpr bool IsBetween(std::uint8_t byte, std::uint8_t first, std::uint8_t last) {
+    return byte >= first && byte <= last;
+}
+
+// How the bytes behind "ESC [" and "ESC O" go on.
+enum class Part { INNER, LAST, FOREIGN };
+
+// Parameters, intermediate bytes, a final byte. The Linux console has a second "[" before it, and
+// rxvt ends some with "$", but none whose parameters are more than a number.
+Part PartOfControl(const std::uint8_t* bytes, std::size_t index) {
+    const std::uint8_t byte = bytes[index];
+    if (byte == '[' && index == 2)
+        return Part::INNER;
+    if (byte == '$')
+        return std::all_of(bytes + 2, bytes + index,
+                           [](std::uint8_t digit) { return IsBetween(digit, '0', '9'); })
+                   ? Part::LAST
+                   : Part::INNER;
+    if (IsBetween(byte, 0x20, 0x3F))
+        return Part::INNER;
+    return IsBetween(byte, 0x40, 0x7E) ? Part::LAST : Part::FOREIGN;
+}
+
+// One character; some terminals put the modifiers before it.
+Part PartOfShift(const std::uint8_t* bytes, std::size_t index) {
+    const std::uint8_t byte = bytes[index];
+    if (IsBetween(byte, '0', '9') || byte == ';')
+        return Part::INNER;
+    return IsBetween(byte, 0x40, 0x7E) ? Part::LAST : Part::FOREIGN;
+}
 
 } // namespace
 
@@ -58,6 +92,43 @@ CConsoleKeys::Match CConsoleKeys::Find(const std::uint8_t* bytes, std::size_t co
         match.controlKeys |= LEFT_ALT_PRESSED;
     }
     return match;
+}
+
+CConsoleKeys::Match CConsoleKeys::FindTyped(const std::uint8_t* bytes, std::size_t count,
+                                            bool final) const {
+    const Match known = Find(bytes, count, final);
+    if (known.kind != Kind::BYTE || bytes[0] != ESCAPE || count < 2)
+        return known;
+    if (bytes[1] != ESCAPE)
+        return Other(bytes, count, final);
+    // The key Esc twice, unless the second one begins a control sequence.
+    Match match = count > 2 && bytes[2] != ESCAPE ? Other(bytes + 1, count - 1, final) : ONE_BYTE;
+    if (match.kind == Kind::ALT)
+        return ONE_BYTE;
+    if (match.kind == Kind::KEY)
+        ++match.length;
+    return match;
+}
+
+// What begins with ESC and another byte and is not in the table.
+CConsoleKeys::Match CConsoleKeys::Other(const std::uint8_t* bytes, std::size_t count, bool final) {
+    if (bytes[1] != '[' && bytes[1] != 'O')
+        return WITH_ALT;
+    const auto partOf = bytes[1] == '[' ? PartOfControl : PartOfShift;
+    for (std::size_t index = 2; index < std::min(count, LONGEST_OTHER); ++index) {
+        const Part part = partOf(bytes, index);
+        if (part == Part::INNER)
+            continue;
+        if (part == Part::FOREIGN && index == 2)
+            return WITH_ALT;
+        const std::size_t length = part == Part::LAST ? index + 1 : index;
+        return {Kind::KEY, static_cast<std::uint8_t>(length), OTHER, 0};
+    }
+    if (count < LONGEST_OTHER && !final)
+        return NOT_YET;
+    if (count == 2)
+        return WITH_ALT;
+    return {Kind::KEY, static_cast<std::uint8_t>(std::min(count, LONGEST_OTHER)), OTHER, 0};
 }
 
 // The longest sequence of the table that the bytes begin with.

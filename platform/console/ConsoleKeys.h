@@ -1,8 +1,8 @@
 // Recognises the special keys in the bytes that a terminal sends: a table of sequences, held as a
 // tree of bytes. Knows nothing of where bytes come from or when they came.
 //
-// A sequence that is not in the table is no key: its first byte is delivered as a character, and so
-// on with the rest. Used by one thread.
+// What is not in the table is told in one of two ways: as the bytes that it is (Find), or as a
+// keyboard's (FindTyped), on which nothing but a key begins with ESC. Used by one thread.
 #pragma once
 
 #include "platform/Types.h"
@@ -19,6 +19,7 @@ class CConsoleKeys {
     enum class Kind {
         BYTE, // a character
         KEY,  // a special key
+        ALT,  // an ESC that makes the character after it one with Alt
         MORE, // may become a key with more bytes
     };
     struct Match {
@@ -35,11 +36,18 @@ class CConsoleKeys {
     // character. FALSE when it was left out or the table is full.
     bool Add(std::string_view sequence, WORD virtualKey, DWORD controlKeys);
 
-    // What the bytes (at least one) begin with. An ESC before a key's sequence is Alt. Final: no
-    // more bytes come, so the answer is never MORE.
+    // What the bytes (at least one) begin with: a key of the table, or the byte. An ESC before a
+    // key's sequence is Alt. Final: no more bytes come, so the answer is never MORE.
     Match Find(const std::uint8_t* bytes, std::size_t count, bool final) const;
 
+    // The same for bytes of a keyboard: a control sequence that is not in the table is the key
+    // OTHER, also one that is cut off, by a byte that cannot be part of it, by the end of the bytes
+    // or after LONGEST_OTHER of them. Every other character behind an ESC is one with Alt.
+    Match FindTyped(const std::uint8_t* bytes, std::size_t count, bool final) const;
+
+    static constexpr WORD OTHER = 0xFC; // VK_NONAME: a key that is none of ours
     static constexpr std::size_t LONGEST = 16;
+    static constexpr std::size_t LONGEST_OTHER = 64; // twice what any keyboard is known to send
 
   private:
     struct Node {
@@ -54,6 +62,7 @@ class CConsoleKeys {
     std::uint16_t ChildOf(std::uint16_t node, std::uint8_t byte) const;
     std::uint16_t MakeChild(std::uint16_t node, std::uint8_t byte);
     Match Walk(const std::uint8_t* bytes, std::size_t count, bool final) const;
+    static Match Other(const std::uint8_t* bytes, std::size_t count, bool final);
 
     Node m_nodes[MOST_NODES]; // the first is the ESC that every sequence begins with
     std::uint16_t m_nNodes = 1;

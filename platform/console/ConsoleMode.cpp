@@ -70,9 +70,21 @@ void CConsoleMode::GiveBack() {
     m_nProcess.store(0); // only now: a signal before it must find something to rescue
 }
 
+std::uint8_t CConsoleMode::EraseCharacter() const {
+    constexpr cc_t BACKSPACE = 8;
+    for (int index = 0; index < m_nTerminals; ++index) {
+        const Terminal& terminal = m_terminals[index];
+        const cc_t erase = terminal.found.c_cc[VERASE];
+        const bool isControl = (erase < 0x20 || erase == 0x7F) && erase != _POSIX_VDISABLE;
+        if (terminal.isInput && terminal.isFound && isControl)
+            return erase;
+    }
+    return BACKSPACE;
+}
+
 void CConsoleMode::DiscardInput() {
     for (int index = 0; index < m_nTerminals; ++index) {
-        if (IsForeground(m_terminals[index]))
+        if (m_terminals[index].isInput && IsForeground(m_terminals[index]))
             tcflush(m_terminals[index].descriptor, TCIFLUSH);
     }
 }

@@ -31,6 +31,9 @@ class CConsoleMode {
     // Whether the terminals were in the background when they were last to be taken, and no longer
     // are.
     bool HasComeForward() const;
+    // The character that the keyboard's Backspace key sends, as the terminal's settings have it; 8
+    // where they have none, or one that is no control character.
+    std::uint8_t EraseCharacter() const;
     // Drops what was typed and has not been read.
     void DiscardInput();
 

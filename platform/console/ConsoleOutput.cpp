@@ -76,15 +76,22 @@ bool CConsoleOutput::WriteByte(std::uint8_t byte) {
         m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
         WriteCharacter();
         return true;
-    case CUtf8Decoder::Result::INVALID: // a C1 control as it is, or a byte of no sequence
-        Draw(byte < 0xA0 ? PictureOf(byte) : REPLACEMENT, 1);
+    case CUtf8Decoder::Result::INVALID:
+        Draw(PictureOf(byte), 1);
         return true;
     case CUtf8Decoder::Result::BROKEN:
         break;
     }
-    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
-    Draw(REPLACEMENT, 1);
+    DrawBroken();
     return WriteByte(byte);
+}
+
+// The bytes of a sequence that has come to nothing.
+void CConsoleOutput::DrawBroken() {
+    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
+    m_decoder.Drop();
+    for (const char byte : m_decoder.Bytes())
+        Draw(PictureOf(static_cast<std::uint8_t>(byte)), 1);
 }
 
 void CConsoleOutput::WriteControl(std::uint8_t byte) {
@@ -130,7 +137,7 @@ void CConsoleOutput::WritePlainControl(std::uint8_t byte) {
 }
 
 void CConsoleOutput::WriteCharacter() {
-    switch (KindOf(m_decoder.Code())) {
+    switch (KindOf(m_decoder, m_gather.Set())) {
     case CharacterKind::NARROW:
         return Draw(m_decoder.Bytes(), 1);
     case CharacterKind::WIDE:
@@ -141,6 +148,8 @@ void CConsoleOutput::WriteCharacter() {
         return Draw(PictureOf(static_cast<std::uint8_t>(m_decoder.Code())), 1);
     case CharacterKind::REPLACED:
         return Draw(REPLACEMENT, 1);
+    case CharacterKind::LACKING:
+        return Draw(LACKING, 1);
     case CharacterKind::OMITTED:
         return;
     }
@@ -150,7 +159,7 @@ void CConsoleOutput::Draw(std::string_view character, int width) {
     if (!m_bTerminal) {
         EndHeldReturn();
         m_cursor.BeginPlain(); // before the columns come to their end
-        m_gather.Put(character);
+        m_gather.PutText(character);
         return;
     }
     m_colours.Sync();
@@ -158,7 +167,7 @@ void CConsoleOutput::Draw(std::string_view character, int width) {
         m_cursor.Sync();
     else
         m_cursor.BeforeCharacter(width);
-    m_gather.Put(character);
+    m_gather.PutText(character);
     if (width != 0)
         m_cursor.AfterCharacter(width);
 }
@@ -176,11 +185,8 @@ void CConsoleOutput::LineFeed() {
 }
 
 void CConsoleOutput::EndSequence() {
-    if ((m_dwObstacles & SEQUENCE) == 0 || !EnsureRoom())
-        return;
-    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
-    m_decoder.Drop();
-    Draw(REPLACEMENT, 1);
+    if ((m_dwObstacles & SEQUENCE) != 0 && EnsureRoom())
+        DrawBroken();
 }
 
 void CConsoleOutput::EndFill() {
@@ -197,7 +203,7 @@ void CConsoleOutput::EndHeldReturn() {
     m_gather.Put(CARRIAGE_RETURN);
 }
 
-void CConsoleOutput::SetAttribute(std::uint8_t attribute) {
+void CConsoleOutput::SetAttribute(WORD attribute) {
     EndEasy();
     if (!m_bTerminal)
         return;
@@ -264,7 +270,7 @@ int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
     return count;
 }
 
-bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD start) {
+bool CConsoleOutput::ColourFill(WORD attribute, DWORD length, COORD start) {
     EndEasy();
     if (!m_bTerminal || length == 0)
         return true;
@@ -274,7 +280,7 @@ bool CConsoleOutput::ColourFill(std::uint8_t attribute, DWORD length, COORD star
     if ((m_dwObstacles & FILL) == 0 || !m_fill.IsRemembered(first, count))
         return false;
     m_dwObstacles &= ~static_cast<unsigned>(FILL);
-    m_fill.Draw(attribute);
+    m_fill.Draw(CConsoleColours::Normal(attribute));
     return true;
 }
 

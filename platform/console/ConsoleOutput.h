@@ -23,9 +23,10 @@ class CConsoleOutput final : public CHandleObject {
   public:
     CConsoleOutput() = default;
 
-    // Takes the descriptor of standard output and the terminal's type (TERM; null: unknown) and
-    // decides between terminal and plain text.
-    void Use(int descriptor, const char* terminalType);
+    // Takes the descriptor of standard output, the terminal's type (TERM; null: unknown) and the
+    // character set of the user's locale, and decides between terminal and plain text.
+    void Use(int descriptor, const char* terminalType,
+             const CCharacterSet& set = CCharacterSet::OfLocale());
     bool IsTerminal() const { return m_bTerminal; }
 
     // Begin gathers; End lets out what was gathered, gives up after 2 s without progress, and
@@ -47,7 +48,7 @@ class CConsoleOutput final : public CHandleObject {
     }
     // FALSE once output is gone.
     bool Write(const std::uint8_t* bytes, std::size_t count);
-    void SetAttribute(std::uint8_t attribute);
+    void SetAttribute(WORD attribute);
     void SetTitle(std::string_view title);
     bool IsTitleChanged() const { return m_title.IsChanged(); }
     // FALSE for a position outside of the window.
@@ -56,7 +57,7 @@ class CConsoleOutput final : public CHandleObject {
     // Fill returns the number of cells that lie in the window, -1 for a start outside of it;
     // ColourFill FALSE for other cells than those filled last.
     int Fill(char character, DWORD length, COORD start);
-    bool ColourFill(std::uint8_t attribute, DWORD length, COORD start);
+    bool ColourFill(WORD attribute, DWORD length, COORD start);
     // Rings the terminal's bell, also in the middle of a character; without a terminal nothing.
     void Ring();
     // Moves to the first column of the row below all text.
@@ -87,7 +88,9 @@ class CConsoleOutput final : public CHandleObject {
     bool IsReady() const override;
     bool TryAcquire(short events) override;
 
-    static constexpr int MOST_MILLISECONDS_WITHOUT_PROGRESS = 2000;
+    // How long a terminal may take nothing before what is gathered for it is given up: two seconds,
+    // one when the program is to end.
+    static int MostMillisecondsWithoutProgress();
 
   private:
     enum Obstacle : unsigned {
@@ -107,6 +110,7 @@ class CConsoleOutput final : public CHandleObject {
     void WriteControl(std::uint8_t byte);
     void WritePlainControl(std::uint8_t byte);
     void WriteCharacter();
+    void DrawBroken();
     void Draw(std::string_view character, int width);
     void DrawTab();
     void LineFeed();

@@ -1,6 +1,8 @@
 // The screen's beginning, end and waits.
 #include "platform/console/ConsoleOutput.h"
 
+#include "platform/EndRequest.h"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -10,10 +12,14 @@
 
 namespace platform {
 
-void CConsoleOutput::Use(int descriptor, const char* terminalType) {
+// A locale without a character set of its own is as likely one that nobody has set up, and a file
+// or a program can do with UTF-8: only a terminal is kept from it.
+void CConsoleOutput::Use(int descriptor, const char* terminalType, const CCharacterSet& set) {
+    const bool isTerminal = isatty(descriptor) != 0;
+    m_gather.Use(set.IsAscii() && !isTerminal ? CCharacterSet::Utf8() : set);
     const std::string_view type = terminalType != nullptr ? terminalType : "";
-    m_bTerminal = isatty(descriptor) != 0 && !type.empty() && type != "dumb";
-    m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(type);
+    m_bTerminal = isTerminal && !type.empty() && type != "dumb";
+    m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(terminalType);
     m_alternate.Use(m_bTerminal ? terminalType : nullptr);
     m_gather.Channel().Use(descriptor);
     if (!m_bTerminal) {
@@ -70,12 +76,16 @@ void CConsoleOutput::Begin() {
     m_cursor.Begin(columns, rows);
 }
 
+int CConsoleOutput::MostMillisecondsWithoutProgress() {
+    return IsEndRequested() ? 1000 : 2000;
+}
+
 void CConsoleOutput::End() {
     if ((m_dwObstacles & DIRECT) != 0)
         return;
     if (LeaveTerminal())
         m_title.Restore();
-    if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress()))
         m_colours.Forget();
     m_gather.Abandon();
     m_decoder.Drop();
@@ -85,7 +95,7 @@ void CConsoleOutput::End() {
 
 void CConsoleOutput::Suspend() {
     if (LeaveTerminal())
-        m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS);
+        m_gather.Drain(MostMillisecondsWithoutProgress());
 }
 
 void CConsoleOutput::Resume() {
@@ -103,7 +113,7 @@ void CConsoleOutput::Resume() {
 bool CConsoleOutput::LeaveTerminal() {
     EndEasy();
     m_alternate.Leave();
-    if (!m_gather.Drain(MOST_MILLISECONDS_WITHOUT_PROGRESS))
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress()))
         return false;
     EndSequence();
     EndFill();

@@ -37,6 +37,7 @@ void CConsoleSession::TakeOver() {
     consolesignals::Install(m_mode);
     consolesignals::NoteControlEvents(m_handler != nullptr);
     m_input.SetTypedBefore(m_mode.TakeOver(m_nInput, m_nOutput, m_output.IsTerminal()));
+    m_input.SetErase(m_mode.EraseCharacter());
     m_output.Begin();
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_output.WaitDescriptor() : -1);
     SetWaitCompanion(this);
@@ -48,7 +49,7 @@ void CConsoleSession::GiveBack(Typed typed) {
     m_bTakenOver = false;
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_nOutput : -1); // the other one is closed now
     m_output.End();
-    if (typed == Typed::DROPPED_IF_READ && m_input.WasRead())
+    if (typed == Typed::DROPPED && (m_input.WasRead() || !m_input.WasTypedBefore()))
         m_mode.DiscardInput();
     // Whoever sees the terminal as it was may send the next signal, which must not be lost.
     consolesignals::NoteControlEvents(false);
@@ -165,6 +166,7 @@ void CConsoleSession::ServeControlEvents(unsigned signals) {
         m_handler(control.event == CTRL_C_EVENT && !isKey ? CTRL_BREAK_EVENT : control.event);
         m_input.AddMenuEvent();
     }
+    consolesignals::StandDown();
 }
 
 void CConsoleSession::Stop() {
@@ -180,6 +182,7 @@ void CConsoleSession::Continue() {
     // None says nothing of those counted before: they may not have been read yet.
     if (const std::size_t typed = m_mode.TakeAgain(); typed != 0 || m_input.IsSomebodyElses())
         m_input.SetTypedBefore(typed);
+    m_input.SetErase(m_mode.EraseCharacter());
     m_output.Resume();
     if (m_bRedraws)
         AddSizeEvent();

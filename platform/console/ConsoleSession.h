@@ -32,10 +32,11 @@ class CConsoleSession final : public IWaitCompanion {
     bool IsMine() const { return pthread_equal(m_owner.load(), pthread_self()) != 0; }
     bool IsAnothers() const { return m_owner.load() != 0 && !IsMine(); }
     void TakeOver();
-    // Typed: what becomes of the keys that were typed and not taken. Where keys were taken, those
-    // that were not are meant for the device too: a shell would carry the rest of a paste out.
-    enum class Typed { DROPPED_IF_READ, KEPT };
-    void GiveBack(Typed typed = Typed::DROPPED_IF_READ);
+    // Typed: what becomes of the keys that were typed and not taken. They were meant for whoever
+    // had the console: a shell would carry the rest of a paste out. Only where no key was taken,
+    // and the first were typed before, are they the shell's.
+    enum class Typed { DROPPED, KEPT };
+    void GiveBack(Typed typed = Typed::DROPPED);
     // As GiveBack, when the process ends by exit() on whichever thread.
     void GiveBackAtExit();
 

@@ -1,5 +1,7 @@
 #include "platform/console/ConsoleSignals.h"
 
+#include "platform/EndRequest.h"
+#include "platform/objects/EndWatch.h"
 #include "platform/objects/HandleObject.h"
 
 #include <atomic>
@@ -7,6 +9,7 @@
 #include <csignal>
 #include <ctime>
 #include <sys/eventfd.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace platform::consolesignals {
@@ -57,6 +60,12 @@ constexpr int SIGNAL_COUNT = sizeof SIGNALS / sizeof *SIGNALS;
 // the process.
 constexpr time_t PATIENCE_SECONDS = 2;
 
+// From a control event that is not acted on, or from the request for the end, to the process's end
+// come what may: within the three seconds that a system allows a program for its end, with room for
+// the ending itself.
+constexpr itimerspec LAST_MOMENT = {{0, 0}, {2, 800'000'000}};
+constexpr itimerspec NO_MOMENT = {};
+
 constexpr std::size_t CRASH_STACK_BYTES = std::size_t{32} * 1024;
 
 struct State {
@@ -72,6 +81,10 @@ struct State {
     struct sigaction beforePipe = {};
     bool active = false;
     bool hasStack = false;
+    std::atomic<bool> isKept = false; // control signals ask for the end
+    std::atomic<int> lastControl = 0; // of those that end a program, the one that came last
+    std::atomic<bool> isTimed = false;
+    timer_t lastMoment{};
 };
 
 State g_state;
@@ -114,7 +127,7 @@ bool IsUnanswered(time_t now) {
     return now - none >= PATIENCE_SECONDS;
 }
 
-enum class Answer { NOTE, END, NONE };
+enum class Answer { NOTE, REQUEST, END, NONE };
 
 Answer AnswerTo(int index) {
     if (SIGNALS[index].role == Role::NOTICE)
@@ -122,7 +135,9 @@ Answer AnswerTo(int index) {
     if (SIGNALS[index].role != Role::CONTROL)
         return Answer::END;
     if (!g_state.notesControlEvents.load() || g_state.wakeNumber.load() < 0)
-        return IsIgnored(g_state.before[index]) ? Answer::NONE : Answer::END;
+        return IsIgnored(g_state.before[index]) ? Answer::NONE
+               : g_state.isKept                 ? Answer::REQUEST
+                                                : Answer::END;
     return IsUnanswered(Seconds()) ? Answer::END : Answer::NOTE;
 }
 
@@ -133,14 +148,42 @@ void Note(unsigned bits) {
     static_cast<void>(written); // a full counter shows as well
 }
 
+// An interrupt may be a key for the device.
+bool MayEnd(const Entry& entry) {
+    return entry.role == Role::CONTROL && entry.number != SIGINT;
+}
+
+void EndByLastControl() {
+    const int number = g_state.lastControl;
+    if (number == 0)
+        return;
+    // It is an end in order, even where the signal's usual effect leaves a core.
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    std::signal(number, SIG_DFL);
+    raise(number);
+}
+
+void OnLastMoment(int) {
+    if (g_state.mode != nullptr)
+        g_state.mode->Rescue();
+    EndByLastControl();
+}
+
 void OnSignal(int number, siginfo_t* information, void*) {
     const int savedError = errno;
     const int index = IndexOf(number);
     const Answer answer = AnswerTo(index);
+    if (SIGNALS[index].role == Role::CONTROL && answer != Answer::NONE)
+        g_state.lastControl.store(number);
+    if (answer == Answer::NOTE && MayEnd(SIGNALS[index]))
+        StartLastMoment();
     if (answer == Answer::END)
         EndProcess(index, information);
     else if (answer == Answer::NOTE)
         Note(SIGNALS[index].noted);
+    else if (answer == Answer::REQUEST)
+        RequestEndAtOnce();
     errno = savedError;
 }
 
@@ -156,6 +199,8 @@ bool IsWanted(const Entry& entry, const struct sigaction& before) {
 
 void InstallOne(int index) {
     const Entry& entry = SIGNALS[index];
+    if (g_state.installed[index])
+        return; // kept since the last time
     struct sigaction action {};
     action.sa_sigaction = OnSignal;
     action.sa_flags = SA_SIGINFO | (entry.role == Role::CRASH ? SA_ONSTACK : 0);
@@ -214,8 +259,12 @@ void Remove() {
         return;
     g_state.active = false;
     for (int index = 0; index < SIGNAL_COUNT; ++index) {
-        if (g_state.installed[index])
-            sigaction(SIGNALS[index].number, &g_state.before[index], nullptr);
+        const bool isKept = g_state.isKept && SIGNALS[index].role == Role::CONTROL &&
+                            !IsIgnored(g_state.before[index]);
+        if (!g_state.installed[index] || isKept)
+            continue;
+        sigaction(SIGNALS[index].number, &g_state.before[index], nullptr);
+        g_state.installed[index] = false;
     }
     sigaction(SIGPIPE, &g_state.beforePipe, nullptr);
     LeaveCrashStack();
@@ -225,6 +274,34 @@ void Remove() {
 
 void NoteControlEvents(bool noted) {
     g_state.notesControlEvents.store(noted);
+}
+
+// The signal of the last moment is a real-time one, which nobody sends of his own, and not that of
+// platform/objects/InterruptSignal.h.
+void KeepForEnd() {
+    struct sigaction action {};
+    action.sa_handler = OnLastMoment;
+    sigevent event{};
+    event.sigev_notify = SIGEV_SIGNAL;
+    event.sigev_signo = SIGRTMIN + 1;
+    if (g_state.isKept || sigaction(event.sigev_signo, &action, nullptr) != 0 ||
+        timer_create(CLOCK_MONOTONIC, &event, &g_state.lastMoment) != 0)
+        return;
+    g_state.isKept = true;
+}
+
+void StartLastMoment() {
+    if (g_state.isKept && !g_state.isTimed.exchange(true))
+        timer_settime(g_state.lastMoment, 0, &LAST_MOMENT, nullptr);
+}
+
+void StandDown() {
+    if (!IsEndRequested() && g_state.isTimed.exchange(false))
+        timer_settime(g_state.lastMoment, 0, &NO_MOMENT, nullptr);
+}
+
+void EndBySignal() {
+    EndByLastControl();
 }
 
 int Descriptor() {

@@ -34,6 +34,20 @@ void Remove();
 // Whether SIGINT, SIGQUIT, SIGHUP and SIGTERM are noted (TRUE) or end the process.
 void NoteControlEvents(bool noted);
 
+// From now on these four ask for the end of the program (platform/EndRequest.h) where they would
+// end the process, also after Remove. Called between Install and Remove.
+void KeepForEnd();
+
+// What was noted has been acted on without a request for the end.
+void StandDown();
+
+// A little less than three seconds from now the process ends by the last of the four that came,
+// wherever it is then. Does nothing when that is so already, and before KeepForEnd.
+void StartLastMoment();
+
+// Ends the process by the last of the four; returns when none has come.
+void EndBySignal();
+
 // Shows POLLIN when there is something to look at; -1 without one.
 int Descriptor();
 // Takes what was noted, as bits.

@@ -12,8 +12,8 @@ class CConsoleTitle {
   public:
     explicit CConsoleTitle(CConsoleGather& gather) : m_gather(gather) {}
 
-    // Whether a terminal of this type has a title that can be set and brought back.
-    static bool IsPossible(std::string_view terminalType);
+    // Whether a terminal of this type is known to have a title; others would show the sequence.
+    static bool IsPossible(const char* terminalType);
 
     // Sets the title: well-formed characters other than controls, at most MOST_BYTES. The caller
     // sees to the room.

@@ -1,6 +1,6 @@
-// Reads UTF-8 byte by byte. A broken sequence is found where the standard's "maximal subpart" ends,
-// so that each one is replaced once; overlong forms, surrogates and values beyond U+10FFFF are
-// broken. Holds only the bytes of the sequence in progress; used by one thread.
+// Reads UTF-8 byte by byte. A broken sequence is found where the standard's "maximal subpart" ends;
+// overlong forms, surrogates and values beyond U+10FFFF are broken. Holds only the bytes of the
+// sequence in progress; used by one thread.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ class CUtf8Decoder {
         MORE,      // the byte was taken, the character is not complete
         CHARACTER, // the byte completed the character of Code() and Bytes()
         INVALID,   // the byte cannot begin a character; it was taken
-        BROKEN,    // the sequence before this byte is broken; give the byte again
+        BROKEN,    // the sequence before this byte, Bytes(), is broken; give the byte again
     };
 
     // Takes the next byte; after every result but MORE the decoder is idle again.
@@ -39,5 +39,31 @@ class CUtf8Decoder {
     std::uint8_t m_lowest = 0; // the bounds of the next byte
     std::uint8_t m_highest = 0;
 };
+
+// Reads a whole text: every character goes to one function, as the decoder that has it, every byte
+// that belongs to none to the other one, in order.
+template <class OnCharacter, class OnByte>
+void ReadUtf8(std::string_view text, OnCharacter onCharacter, OnByte onByte) {
+    CUtf8Decoder decoder;
+    const auto giveUp = [&] {
+        for (const char byte : decoder.Bytes())
+            onByte(static_cast<std::uint8_t>(byte));
+        decoder.Drop();
+    };
+    for (const char next : text) {
+        const auto byte = static_cast<std::uint8_t>(next);
+        CUtf8Decoder::Result result = decoder.Feed(byte);
+        if (result == CUtf8Decoder::Result::BROKEN) {
+            giveUp();
+            result = decoder.Feed(byte);
+        }
+        if (result == CUtf8Decoder::Result::CHARACTER)
+            onCharacter(decoder);
+        else if (result == CUtf8Decoder::Result::INVALID)
+            onByte(byte);
+    }
+    if (!decoder.IsIdle())
+        giveUp();
+}
 
 } // namespace platform

@@ -31,6 +31,11 @@ class CHandleObject {
     // When the object becomes ready by itself: milliseconds from now, -1 for never.
     virtual int ReadyInMilliseconds() const { return -1; }
 
+    // Around each wait in which the object takes part, by the waiting thread: for an object that
+    // can become ready without a trace on its descriptor unless it knows that somebody waits.
+    virtual void BeginWait() {}
+    virtual void EndWait() {}
+
     // Satisfies a wait if the object is signalled; events are what poll() said of its descriptor (0
     // when IsReady was true and nothing was polled). An auto-reset event is consumed here, by one
     // caller only.

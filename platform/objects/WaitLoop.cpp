@@ -1,6 +1,8 @@
 #include "platform/objects/WaitLoop.h"
 
 #include "platform/Error.h"
+#include "platform/objects/DueTimer.h"
+#include "platform/objects/EndWatch.h"
 #include "platform/objects/ThreadObject.h"
 
 #include <algorithm>
@@ -22,8 +24,12 @@ CWaitLoop::CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseco
     : m_objects(objects), m_dwCount(count), m_handles(handles), m_deadline(milliseconds) {}
 
 DWORD CWaitLoop::Run() {
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->BeginWait();
     while (TakeTurn() == Turn::AGAIN)
         continue;
+    for (DWORD index = 0; index < m_dwCount; ++index)
+        m_objects[index]->EndWait();
     return m_dwResult;
 }
 
@@ -31,23 +37,28 @@ void CWaitLoop::Serve() {
     if (Poll(0) >= 0)
         ServeCompanion();
     LetCompanionWork();
+    RunDueThreadTimer();
 }
 
 CWaitLoop::Turn CWaitLoop::TakeTurn() {
-    if (CThreadObject::IsCurrentTerminated())
+    const std::int64_t untilEnd = EndRemaining();
+    if (IsOver(untilEnd))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireFirst())
         return Turn::DONE;
 
     const std::int64_t remaining = m_deadline.Remaining();
-    const std::int64_t patience = PatienceOf(remaining);
+    const std::int64_t patience =
+        std::min({PatienceOf(remaining), ThreadTimerRemaining(), untilEnd});
+    m_bWatchesEnd = untilEnd == CDeadline::NEVER;
     const bool looksOnly =
         patience != 0 && !m_bWorkTried && t_companion != nullptr && t_companion->HasWork();
     const int shown = Poll(looksOnly ? 0 : patience);
     if (shown < 0)
         return errno == EINTR ? Turn::AGAIN : Fail(ErrorFromErrno(errno));
     ServeCompanion();
-    if (CThreadObject::IsCurrentTerminated())
+    RunDueThreadTimer();
+    if (IsOver(EndRemaining()))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireAny())
         return Turn::DONE;
@@ -56,6 +67,11 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
     if (remaining == 0 || (shown == 0 && !looksOnly && patience == remaining))
         return End(WAIT_TIMEOUT);
     return shown == 0 || HandlesAreOpen() ? Turn::AGAIN : Fail(ERROR_INVALID_HANDLE);
+}
+
+// The thread was terminated, or the end was asked for and the thread heeds it.
+bool CWaitLoop::IsOver(std::int64_t untilEnd) {
+    return untilEnd == 0 || CThreadObject::IsCurrentTerminated();
 }
 
 // The first handle goes before all others, so that there is nothing to ask the system when it is
@@ -101,6 +117,8 @@ int CWaitLoop::Poll(std::int64_t patience) {
     nfds_t count = m_dwCount + m_dwWatched;
     if (patience != 0 && TerminationDescriptor() >= 0)
         m_polled[count++] = {TerminationDescriptor(), POLLIN, 0};
+    if (patience != 0 && m_bWatchesEnd && EndDescriptor() >= 0)
+        m_polled[count++] = {EndDescriptor(), POLLIN, 0};
 
     const timespec limit = {patience / NANOSECONDS_PER_SECOND, patience % NANOSECONDS_PER_SECOND};
     return ppoll(m_polled, count, patience == CDeadline::NEVER ? nullptr : &limit, nullptr);

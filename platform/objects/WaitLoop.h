@@ -1,5 +1,6 @@
 // The one loop in which this layer blocks: a wait for up to MAXIMUM_WAIT_OBJECTS objects with a
-// deadline, during which the thread's companion is served and the thread's termination is noticed.
+// deadline, during which the thread's companion is served, its timer is run and its termination is
+// noticed.
 //
 // Lives on the waiting thread's stack for one wait; the caller keeps the objects alive. It neither
 // allocates nor holds a lock while it blocks. Nothing outside platform/ includes this header.
@@ -21,8 +22,8 @@ class CWaitLoop {
               const HANDLE* handles = nullptr);
 
     // WAIT_OBJECT_0 plus the lowest index that was acquired, WAIT_TIMEOUT, or WAIT_FAILED with
-    // ERROR_OPERATION_ABORTED (the thread was terminated) or ERROR_INVALID_HANDLE (closed
-    // meanwhile).
+    // ERROR_OPERATION_ABORTED (the thread was terminated, or the end asked for, see
+    // platform/EndRequest.h) or ERROR_INVALID_HANDLE (closed meanwhile).
     DWORD Run();
 
     // Serves the companion once and lets it do what it has to do; does not wait.
@@ -32,6 +33,7 @@ class CWaitLoop {
     enum class Turn { DONE, AGAIN };
 
     Turn TakeTurn();
+    static bool IsOver(std::int64_t untilEnd);
     bool AcquireFirst();
     bool AcquireAny();
     std::int64_t PatienceOf(std::int64_t remaining) const;
@@ -44,6 +46,7 @@ class CWaitLoop {
 
     static constexpr DWORD COMPANION_DESCRIPTORS = 2;
     static constexpr DWORD TERMINATION_DESCRIPTORS = 1;
+    static constexpr DWORD END_DESCRIPTORS = 1;
 
     CHandleObject* const* m_objects;
     DWORD m_dwCount;
@@ -52,7 +55,9 @@ class CWaitLoop {
     DWORD m_dwResult = WAIT_TIMEOUT;
     DWORD m_dwWatched = 0;     // the companion's descriptors, which follow those of the objects
     bool m_bWorkTried = false; // the companion has done what it could since its descriptors changed
-    pollfd m_polled[MAXIMUM_WAIT_OBJECTS + COMPANION_DESCRIPTORS + TERMINATION_DESCRIPTORS];
+    bool m_bWatchesEnd = false;
+    pollfd m_polled[MAXIMUM_WAIT_OBJECTS + COMPANION_DESCRIPTORS + TERMINATION_DESCRIPTORS +
+                    END_DESCRIPTORS];
 };
 
 } // namespace platform

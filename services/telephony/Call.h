@@ -1,6 +1,6 @@
 // A call: the device handed over, unconnected, for as long as the call lasts.
 //
-//   Opening       a thread of the service opens the device
+//   Opening       a thread of the service opens the device; it stays while there is a hold to keep
 //   Connected     the device is open, for whoever asks for its handle
 //   Idle          dropped; only the handle is left, until it is deallocated
 //
@@ -8,9 +8,9 @@
 // by the service's lock.
 #pragma once
 
+#include "common/UniqueHandle.h"
 #include "services/telephony/Cancellation.h"
 #include "services/telephony/LineDevice.h"
-#include "services/telephony/Opening.h"
 #include "telephony/TapiRecords.h"
 
 namespace telephonyservice {
@@ -31,8 +31,9 @@ struct CCall {
     HCALL m_hCall = 0;
     DWORD m_dwRequest = 0; // of lineMakeCall
     ECallState m_state = ECallState::Opening;
-    DeviceUse m_use;
+    CUniqueHandle m_port;
     HANDLE m_hPort = nullptr; // the port's number, also when its owner is somebody else now
+    bool m_bHeld = false;     // the thread that has opened keeps the modem manager away
     CCancellation m_cancellation;
 };
 

@@ -1,22 +1,28 @@
 #include "services/telephony/ModemManager.h"
 
-#include "services/telephony/ManagedModems.h"
-#include "services/telephony/SystemLog.h"
+#include "platform/Comm.h"
+#include "services/telephony/Descriptor.h"
+#include "services/telephony/Notice.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
+#include <sys/inotify.h>
 
 namespace telephonyservice {
 namespace {
 
-constexpr const char* MANAGER = "org.freedesktop.ModemManager1";
-constexpr const char* MANAGER_PATH = "/org/freedesktop/ModemManager1";
-constexpr const char* LIST_INTERFACE = "org.freedesktop.DBus.ObjectManager";
+// All in all below the 60 s that a program waits for its call.
+constexpr BusTime TAKE_TIME = 50 * SECOND;
+// Of a modem's first probing. A device that answers nothing takes the manager's full patience.
+constexpr BusTime PROBE_TIME = 30 * SECOND;
+constexpr BusTime TELL_TIME = SECOND;
+// It closes a port and opens it again between two kinds of questions, and closes it at last before
+// it tells of the modem.
+constexpr BusTime SETTLE_TIME = 2 * SECOND;
 
-// The list is at hand; a manager that does not tell it now has no modem to keep.
-constexpr unsigned LIST_SECONDS = 5;
-// Below the 60 s that a program waits for its call.
-constexpr unsigned INHIBIT_SECONDS = 50;
+constexpr const char* SHARED = "may use the modem, too";
 
 // "ttyUSB0", also for a link to it; empty when the path leads nowhere.
 std::string FindPortName(const std::string& devicePath) {
@@ -28,59 +34,129 @@ std::string FindPortName(const std::string& devicePath) {
     return path.substr(path.find_last_of('/') + 1);
 }
 
-std::string FindDevice(const CSystemBus& bus, const std::string& port,
-                       const CCancellation& cancellation) {
-    const MessagePtr call = bus.NewCall(MANAGER, MANAGER_PATH, LIST_INTERFACE, "GetManagedObjects");
-    const MessagePtr answer = call ? bus.Call(call.get(), LIST_SECONDS, cancellation) : nullptr;
-    if (!answer || sd_bus_message_is_method_error(answer.get(), nullptr) > 0)
-        return {};
-    return FindManagedDevice(answer.get(), port);
+// Readable when anybody opens or closes the device. Without one, waits end by their time.
+CDescriptor WatchDevice(const std::string& devicePath) {
+    CDescriptor watch(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+    if (watch)
+        inotify_add_watch(watch.Get(), devicePath.c_str(), IN_OPEN | IN_CLOSE);
+    return watch;
 }
 
-// The answer to the question, null when there is none.
-MessagePtr Inhibit(const CSystemBus& bus, const std::string& device,
-                   const CCancellation& cancellation) {
-    const MessagePtr call = bus.NewCall(MANAGER, MANAGER_PATH, MANAGER, "InhibitDevice");
-    if (!call || sd_bus_message_append(call.get(), "sb", device.c_str(), 1) < 0 ||
-        sd_bus_message_set_allow_interactive_authorization(call.get(), 1) < 0)
-        return nullptr;
-    return bus.Call(call.get(), INHIBIT_SECONDS, cancellation);
-}
-
-std::string DescribeRefusal(sd_bus_message* answer) {
-    const sd_bus_error* const error =
-        answer != nullptr ? sd_bus_message_get_error(answer) : nullptr;
-    if (error == nullptr)
-        return "the connection was lost";
-    std::string reason = error->message != nullptr ? error->message : error->name;
-    // As Debian configures it, the bus lets root alone ask; its own words do not tell that.
-    if (sd_bus_error_has_name(error, SD_BUS_ERROR_ACCESS_DENIED) > 0)
-        return "the system bus does not let this user ask for it, root may: " + reason;
-    return reason;
+void Drain(const CDescriptor& watch) {
+    std::array<char, 4096> events;
+    while (read(watch.Get(), events.data(), events.size()) > 0)
+        continue;
 }
 
 } // namespace
 
-EHold CModemHold::Take(const std::string& devicePath, const CCancellation& cancellation) {
-    const std::string port = FindPortName(devicePath);
-    CSystemBus bus;
-    if (port.empty() || !bus.IsThere())
+EHold CModemHold::Take(const LineDevice& device, const CCancellation& cancellation) {
+    const BusTime deadline = GetBusTime() + TAKE_TIME;
+    m_device = device;
+    m_port = FindPortName(device.devicePath);
+    if (m_port.empty())
         return EHold::NotManaged;
-    const std::string device = FindDevice(bus, port, cancellation);
-    if (cancellation.IsCancelled())
-        return EHold::Cancelled;
-    if (device.empty())
+    m_manager.emplace();
+    if (!m_manager->IsThere()) {
+        Release();
         return EHold::NotManaged;
-    const MessagePtr answer = Inhibit(bus, device, cancellation);
-    if (cancellation.IsCancelled())
-        return EHold::Cancelled;
-    if (!answer || sd_bus_message_is_method_error(answer.get(), nullptr) > 0) {
-        WriteWarning(devicePath +
-                     ": ModemManager keeps the modem: " + DescribeRefusal(answer.get()));
-        return EHold::Refused;
     }
-    m_bus = std::move(bus);
-    return EHold::Held;
+    EHold hold = EHold::NotManaged;
+    if (!IsKnown(cancellation))
+        hold = AwaitProbing(cancellation);
+    if (!m_modem.empty()) {
+        Ask(deadline, cancellation);
+        // A manager that has gone meanwhile gives no reason.
+        hold = m_bHeld ? EHold::Held : m_refusal.empty() ? EHold::Left : EHold::Refused;
+    }
+    if (cancellation.IsCancelled())
+        return EHold::Cancelled;
+    if (!m_refusal.empty())
+        TellRefusal(hold == EHold::Refused ? "keeps the modem" : SHARED);
+    return hold;
+}
+
+EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
+    const DWORD manager = m_manager->FindProcess(cancellation);
+    const std::string files = "/proc/" + std::to_string(manager) + "/fd";
+    m_bUnseen = manager != 0 && access(files.c_str(), R_OK) != 0;
+    const CDescriptor watch = WatchDevice(m_device.devicePath);
+    if (manager == 0 || !platform::IsDeviceOpenIn(manager, m_device.devicePath))
+        return EHold::NotManaged;
+    const BusTime start = GetBusTime();
+    BusTime settled = NEVER;
+    bool isTold = false;
+    while (!cancellation.IsCancelled()) {
+        Drain(watch);
+        // Its answer may take seconds, because it awaits its ports in between.
+        if (IsKnown(cancellation))
+            return EHold::Left;
+        const BusTime now = GetBusTime();
+        if (platform::IsDeviceOpenIn(manager, m_device.devicePath))
+            settled = NEVER;
+        else
+            settled = std::min(settled, now + SETTLE_TIME);
+        if (now >= settled)
+            return EHold::Left;
+        if (now - start >= PROBE_TIME) {
+            m_refusal = "it is still probing it";
+            return EHold::Refused;
+        }
+        if (!isTold && now - start >= TELL_TIME) {
+            TellNews("ModemManager is probing " + m_device.name + "; waiting for up to 30 seconds");
+            isTold = true;
+        }
+        const BusTime next = start + (isTold ? PROBE_TIME : TELL_TIME);
+        if (!m_manager->Wait(std::min(next, settled), watch.Get(), cancellation))
+            return EHold::Left;
+    }
+    return EHold::Cancelled;
+}
+
+// What it is called stays known when the manager does not list it any more.
+bool CModemHold::IsKnown(const CCancellation& cancellation) {
+    const std::optional<std::string> found = m_manager->FindDevice(m_port, m_refusal, cancellation);
+    if (!found || found->empty())
+        return false;
+    m_modem = *found;
+    return true;
+}
+
+void CModemHold::Ask(BusTime deadline, const CCancellation& cancellation) {
+    m_bHeld = m_manager->Inhibit(m_modem, deadline, m_refusal, cancellation);
+}
+
+void CModemHold::Keep(const CCancellation& cancellation) {
+    while (!cancellation.IsCancelled()) {
+        AskAnew(cancellation);
+        if (cancellation.IsCancelled() || m_manager->Wait(NEVER, -1, cancellation))
+            continue;
+        m_refusal = "the connection to the system bus was lost";
+        if (m_bHeld)
+            TellRefusal(SHARED);
+        return;
+    }
+}
+
+// A manager that has just started does not know the modem yet, and does not let go of it while it
+// probes it: it is asked again once it tells of a new modem. What was lost until then is told of.
+void CModemHold::AskAnew(const CCancellation& cancellation) {
+    const bool isOther = m_manager->TakeOwnerChange();
+    const bool isNewModem = m_manager->TakeNewModem();
+    if (isOther)
+        m_bHeld = false;
+    if (m_bHeld || !(isOther || isNewModem))
+        return;
+    const bool isToAsk = isOther && !m_modem.empty();
+    if (!isToAsk && !IsKnown(cancellation))
+        return;
+    Ask(GetBusTime() + TAKE_TIME, cancellation);
+    if (!m_bHeld && !m_refusal.empty() && !cancellation.IsCancelled())
+        TellRefusal(isOther ? "was started again, and may be probing the modem" : SHARED);
+}
+
+void CModemHold::TellRefusal(const char* consequence) const {
+    TellNews(m_device.name + ": ModemManager " + consequence + ": " + m_refusal);
 }
 
 } // namespace telephonyservice

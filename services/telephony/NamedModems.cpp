@@ -2,8 +2,9 @@
 
 #include "services/telephony/Descriptor.h"
 #include "services/telephony/NamesFile.h"
-#include "services/telephony/SystemLog.h"
+#include "services/telephony/Notice.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,9 @@ namespace {
 
 constexpr const char* SYSTEM_FILE = "/etc/wirelet/modems.conf";
 constexpr const char* USER_FILE = "/wirelet/modems.conf";
+
+// Told one by one. A file that is no list of names at all has thousands.
+constexpr std::size_t MOST_FAULTS = 8;
 
 // Empty when the user has no place for such files.
 std::string FindUserFile() {
@@ -32,11 +36,11 @@ std::string ReadContent(const std::string& path) {
     struct stat status {};
     if (!file) {
         if (errno != ENOENT && errno != ENOTDIR)
-            WriteWarning(path + ": " + std::strerror(errno));
+            TellFault(path + ": " + std::strerror(errno));
         return {};
     }
     if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        WriteWarning(path + ": is no file");
+        TellFault(path + ": is no file");
         return {};
     }
     std::string content(MAX_NAMES_FILE + 1, '\0');
@@ -49,7 +53,7 @@ std::string ReadContent(const std::string& path) {
     }
     content.resize(filled);
     if (filled > MAX_NAMES_FILE) {
-        WriteWarning(path + ": is too long; what is behind its first 64 KiB is left out");
+        TellFault(path + ": is too long; what is behind its first 64 KiB is left out");
         // What is there of the last line may be another device's path.
         content.resize(content.rfind('\n', MAX_NAMES_FILE - 1) + 1);
     }
@@ -60,8 +64,11 @@ void AppendModemsOf(const std::string& path, std::vector<LineDevice>& modems) {
     std::vector<NamesFileFault> faults;
     for (LineDevice& modem : ParseNamesFile(ReadContent(path), faults))
         modems.push_back(std::move(modem));
-    for (const NamesFileFault& fault : faults)
-        WriteWarning(path + ":" + std::to_string(fault.line) + ": " + fault.reason);
+    for (std::size_t index = 0; index < std::min(faults.size(), MOST_FAULTS); ++index)
+        TellFault(path + ":" + std::to_string(faults[index].line) + ": " + faults[index].reason);
+    if (faults.size() > MOST_FAULTS)
+        TellFault(path + ": " + std::to_string(faults.size() - MOST_FAULTS) +
+                  " more lines are wrong");
 }
 
 } // namespace

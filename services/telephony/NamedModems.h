@@ -8,8 +8,8 @@
 namespace telephonyservice {
 
 // Those of /etc/wirelet/modems.conf, then those of wirelet/modems.conf in $XDG_CONFIG_HOME, or in
-// ~/.config without it. A file that is not there is an empty one; what is wrong with a file goes
-// into the system's log.
+// ~/.config without it. A file that is not there is an empty one; what is wrong with a file is
+// told as faults, the first of each file one by one.
 std::vector<LineDevice> ReadNamedModems();
 
 } // namespace telephonyservice

@@ -9,6 +9,7 @@ namespace telephonyservice {
 namespace {
 
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+constexpr std::string_view WIDE_MARKS[] = {"\xFF\xFE", "\xFE\xFF"};
 
 // Null when the name and the path will do.
 const char* FindFault(std::string_view name, std::string_view path) {
@@ -34,6 +35,12 @@ const char* FindFault(std::string_view name, std::string_view path) {
 std::vector<LineDevice> ParseNamesFile(std::string_view content,
                                        std::vector<NamesFileFault>& faults) {
     std::vector<LineDevice> modems;
+    for (const std::string_view mark : WIDE_MARKS) {
+        if (content.starts_with(mark)) {
+            faults.push_back({1, "the file is UTF-16; save it as UTF-8"});
+            return modems;
+        }
+    }
     if (content.starts_with(BYTE_ORDER_MARK))
         content.remove_prefix(BYTE_ORDER_MARK.size());
     for (unsigned number = 1; !content.empty(); ++number) {

@@ -21,7 +21,8 @@ struct NamesFileFault {
 };
 
 // The modems in the order of the lines. Lines that are not understood are skipped and told in
-// faults. A name is plain text that does not read as a port's name, a path begins with '/'.
+// faults; of a file in UTF-16 none is, and that is the one fault. A name is plain text that does
+// not read as a port's name, a path begins with '/'.
 std::vector<LineDevice> ParseNamesFile(std::string_view content,
                                        std::vector<NamesFileFault>& faults);
 

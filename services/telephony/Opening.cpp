@@ -1,7 +1,9 @@
 #include "services/telephony/Opening.h"
 
+#include "platform/Comm.h"
 #include "platform/Error.h"
 #include "platform/File.h"
+#include "services/telephony/Notice.h"
 #include "telephony/TapiTypes.h"
 
 #include <fcntl.h>
@@ -54,18 +56,22 @@ LONG OpenPort(const std::string& path, CUniqueHandle& port) {
 
 } // namespace
 
-LONG OpenDevice(const std::string& devicePath, const CCancellation& cancellation, DeviceUse& use) {
-    const EHold hold = use.hold.Take(devicePath, cancellation);
+LONG OpenDevice(const LineDevice& device, const CCancellation& cancellation, DeviceUse& use) {
+    const EHold hold = use.hold.Take(device, cancellation);
     if (hold == EHold::Refused)
         return LINEERR_INUSE;
-    int tries = hold == EHold::Held ? TRIES_AFTER_HOLD : 1;
+    int tries = hold == EHold::Held || hold == EHold::Left ? TRIES_AFTER_HOLD : 1;
     LONG result = LINEERR_OPERATIONFAILED;
     while (!cancellation.IsCancelled()) {
-        result = OpenPort(devicePath, use.port);
+        result = OpenPort(device.devicePath, use.port);
         if (result != LINEERR_ALLOCATED || --tries == 0)
             break;
         cancellation.Wait(MILLISECONDS_BETWEEN_TRIES);
     }
+    if (result == LINEERR_ALLOCATED && use.hold.MayBeProbing() &&
+        !platform::IsDeviceUserSeen(device.devicePath))
+        TellNews(device.name + ": ModemManager may be probing it; if it was just plugged in, try "
+                               "again in half a minute");
     if (result != 0)
         use.hold.Release();
     return result;

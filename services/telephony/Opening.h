@@ -3,13 +3,14 @@
 
 #include "common/UniqueHandle.h"
 #include "services/telephony/Cancellation.h"
+#include "services/telephony/LineDevice.h"
 #include "services/telephony/ModemManager.h"
 
 #include <string>
 
 namespace telephonyservice {
 
-// What a call has of its device. The port is closed before the modem manager gets the modem back.
+// What opening a device gives. The port is closed before the modem manager gets the modem back.
 struct DeviceUse {
     CModemHold hold;
     CUniqueHandle port;
@@ -28,6 +29,6 @@ struct DeviceUse {
 //   LINEERR_NODRIVER         it is no serial device
 //   LINEERR_INUSE            the modem manager does not let go of it
 //   LINEERR_OPERATIONFAILED  cancelled, or anything else
-LONG OpenDevice(const std::string& devicePath, const CCancellation& cancellation, DeviceUse& use);
+LONG OpenDevice(const LineDevice& device, const CCancellation& cancellation, DeviceUse& use);
 
 } // namespace telephonyservice

@@ -5,12 +5,15 @@
 
 namespace telephonyservice {
 
-// Paths, names in the device namespace or with a port of it inside, and all that begins with "COM"
-// in either case.
+// Paths (with a '/' at the front or after dots, or without a blank), names in the device namespace
+// or with a port of it inside, and all that begins with "COM" in either case.
 inline bool ReadsAsPort(std::string_view name) {
     constexpr std::string_view PORT_PREFIX = "com";
     constexpr std::string_view NAMESPACE_PORT = R"(\\.\COM)";
-    if (name.starts_with('/') || name.starts_with('\\') ||
+    const bool isPath = name.find('/') != std::string_view::npos &&
+                        (name.find(' ') == std::string_view::npos || name.starts_with("./") ||
+                         name.starts_with("../"));
+    if (isPath || name.starts_with('/') || name.starts_with('\\') ||
         name.find(NAMESPACE_PORT) != std::string_view::npos)
         return true;
     if (name.size() < PORT_PREFIX.size())

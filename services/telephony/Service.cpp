@@ -24,8 +24,10 @@ CService::~CService() {
     const auto all = [](const auto&) { return true; };
     const std::lock_guard lock(m_mutex);
     for (const HCALL hCall : m_calls.FindAll(all)) {
-        if (const auto call = m_calls.Find(hCall))
+        if (const auto call = m_calls.Find(hCall)) {
+            call->m_port.Reset();
             call->m_cancellation.Cancel();
+        }
     }
 }
 

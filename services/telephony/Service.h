@@ -5,7 +5,8 @@
 // published function of its name answers. Pointers are not null.
 //
 // Unloading the module without lineShutdown gives back what is still the service's, once an opening
-// in progress has ended. The window of an application is then its thread's to end: unload on the
+// in progress has ended; a call that the modem manager is kept away from keeps the module loaded.
+// The window of an application is then its thread's to end: unload on the
 // thread that initialised.
 #pragma once
 
@@ -13,6 +14,7 @@
 #include "services/telephony/Call.h"
 #include "services/telephony/HandleTable.h"
 #include "services/telephony/Line.h"
+#include "services/telephony/Opening.h"
 #include "services/telephony/Workers.h"
 #include "telephony/TapiRecords.h"
 
@@ -61,7 +63,9 @@ class CService {
     void RunOpening(CCall& call, std::atomic<bool>& isEnding);
 
     // With the lock.
-    void FinishOpening(CCall& call, LONG result, DeviceUse&& use);
+    void FinishOpening(CCall& call, LONG result, DeviceUse& use);
+    // Gives the device back: it is free when this returns. Without the lock for a while.
+    void Free(CCall& call, std::unique_lock<std::mutex>& lock);
     void Post(HLINE hLine, DWORD hDevice, DWORD message, DWORD_PTR parameter1, DWORD_PTR parameter2,
               DWORD_PTR parameter3 = 0);
     void PostState(const CCall& call, DWORD state);
@@ -71,7 +75,7 @@ class CService {
     DWORD NextRequest();
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_opened; // an opening has ended
+    std::condition_variable m_threadDone; // an opening, or the keeping of a hold, has ended
     CHandleTable<CApplication> m_applications;
     CHandleTable<CLine> m_lines;
     CHandleTable<CCall> m_calls;

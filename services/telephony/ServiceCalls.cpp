@@ -61,7 +61,7 @@ void CService::RunOpening(CCall& call, std::atomic<bool>& isEnding) {
     DeviceUse use;
     LONG result = LINEERR_NOMEM;
     try {
-        result = OpenDevice(call.m_device.devicePath, call.m_cancellation, use);
+        result = OpenDevice(call.m_device, call.m_cancellation, use);
     } catch (const std::bad_alloc&) {
         use.GiveBack();
     }
@@ -73,16 +73,26 @@ void CService::RunOpening(CCall& call, std::atomic<bool>& isEnding) {
         lock.lock();
         result = LINEERR_OPERATIONFAILED;
     }
+    call.m_bHeld = result == 0 && use.hold.CanBeLost();
+    isEnding = !call.m_bHeld;
+    FinishOpening(call, result, use);
+    if (!call.m_bHeld)
+        return;
+    lock.unlock();
+    use.hold.Keep(call.m_cancellation);
+    use.hold.Release();
+    lock.lock();
     isEnding = true;
-    FinishOpening(call, result, std::move(use));
+    call.m_bHeld = false;
+    m_threadDone.notify_all();
 }
 
-void CService::FinishOpening(CCall& call, LONG result, DeviceUse&& use) {
+void CService::FinishOpening(CCall& call, LONG result, DeviceUse& use) {
     const bool isOpen = result == 0;
     call.m_state = isOpen ? ECallState::Connected : ECallState::Idle;
-    call.m_use = std::move(use);
-    call.m_hPort = call.m_use.port;
-    m_opened.notify_all();
+    call.m_port = std::move(use.port);
+    call.m_hPort = call.m_port;
+    m_threadDone.notify_all();
     Post(call.m_hLine, 0, LINE_REPLY, call.m_dwRequest, AsParameter(result));
     if (isOpen)
         PostState(call, LINECALLSTATE_CONNECTED);
@@ -102,9 +112,19 @@ void CService::PostEnd(const CCall& call) {
     PostState(call, LINECALLSTATE_IDLE);
 }
 
+void CService::Free(CCall& call, std::unique_lock<std::mutex>& lock) {
+    // Before the modem manager gets the modem back.
+    if (CUniqueHandle port = std::move(call.m_port); port != nullptr) {
+        lock.unlock();
+        port.Reset();
+        lock.lock();
+    }
+    call.m_cancellation.Cancel();
+    m_threadDone.wait(lock, [&] { return call.m_state != ECallState::Opening && !call.m_bHeld; });
+}
+
 LONG CService::Drop(HCALL hCall) {
-    DeviceUse use; // given back last, without the lock
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     const auto call = m_calls.Find(hCall);
     if (!call)
         return LINEERR_INVALCALLHANDLE;
@@ -115,8 +135,8 @@ LONG CService::Drop(HCALL hCall) {
         call->m_cancellation.Cancel();
     } else if (call->m_state == ECallState::Connected) {
         call->m_state = ECallState::Idle;
-        use = std::move(call->m_use);
         PostEnd(*call);
+        Free(*call, lock);
     }
     return static_cast<LONG>(request);
 }
@@ -210,7 +230,7 @@ LONG CService::GetId(HLINE hLine, HCALL hCall, DWORD select, VARSTRING* identifi
     bool isHandedOver = false;
     const LONG filled = FillPortHandle(call->m_device, call->m_hPort, identifier, isHandedOver);
     if (isHandedOver)
-        call->m_use.port.Detach();
+        call->m_port.Detach();
     return filled;
 }
 

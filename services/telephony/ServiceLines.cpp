@@ -39,7 +39,6 @@ LONG CService::Open(HLINEAPP hLineApp, DWORD device, DWORD_PTR instance, DWORD p
 }
 
 LONG CService::Close(HLINE hLine) {
-    std::vector<DeviceUse> uses; // given back last, without the lock
     std::unique_lock lock(m_mutex);
     const auto line = m_lines.Remove(hLine);
     if (!line)
@@ -48,11 +47,8 @@ LONG CService::Close(HLINE hLine) {
         application->Forget(hLine);
     for (const HCALL hCall :
          m_calls.FindAll([&](const CCall& call) { return call.m_hLine == hLine; })) {
-        const auto call = m_calls.Remove(hCall);
-        call->m_cancellation.Cancel();
-        // The device is free when this returns, not some time later.
-        m_opened.wait(lock, [&] { return call->m_state != ECallState::Opening; });
-        uses.push_back(std::move(call->m_use));
+        if (const auto call = m_calls.Remove(hCall))
+            Free(*call, lock);
     }
     lock.unlock();
     m_workers.Reap();

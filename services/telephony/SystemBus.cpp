@@ -8,9 +8,8 @@
 namespace telephonyservice {
 namespace {
 
-constexpr std::uint64_t MICROSECONDS_PER_SECOND = 1'000'000;
-constexpr std::uint64_t MICROSECONDS_PER_MILLISECOND = 1'000;
-constexpr std::uint64_t NANOSECONDS_PER_MICROSECOND = 1'000;
+constexpr BusTime MICROSECONDS_PER_MILLISECOND = 1'000;
+constexpr BusTime NANOSECONDS_PER_MICROSECOND = 1'000;
 
 struct SlotUnreferencer {
     void operator()(sd_bus_slot* slot) const { sd_bus_slot_unref(slot); }
@@ -21,24 +20,35 @@ int KeepAnswer(sd_bus_message* answer, void* kept, sd_bus_error*) {
     return 1;
 }
 
-// Of the monotonic clock, in microseconds.
-std::uint64_t Now() {
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<std::uint64_t>(time.tv_sec) * MICROSECONDS_PER_SECOND +
-           static_cast<std::uint64_t>(time.tv_nsec) / NANOSECONDS_PER_MICROSECOND;
+int SetMark(sd_bus_message*, void* mark, sd_bus_error*) {
+    *static_cast<bool*>(mark) = true;
+    return 0;
+}
+
+// Without one the library would give the connection up.
+int IgnoreRefusal(sd_bus_message*, void*, sd_bus_error*) {
+    return 0;
 }
 
 // From a moment on that clock to a time for poll().
-int MillisecondsUntil(std::uint64_t moment) {
-    const std::uint64_t now = Now();
+int MillisecondsUntil(BusTime moment) {
+    const BusTime now = GetBusTime();
+    if (moment == NEVER)
+        return -1;
     if (moment <= now)
         return 0;
-    const std::uint64_t left = (moment - now) / MICROSECONDS_PER_MILLISECOND + 1;
-    return static_cast<int>(std::min<std::uint64_t>(left, INT_MAX));
+    const BusTime left = (moment - now) / MICROSECONDS_PER_MILLISECOND + 1;
+    return static_cast<int>(std::min<BusTime>(left, INT_MAX));
 }
 
 } // namespace
+
+BusTime GetBusTime() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<BusTime>(time.tv_sec) * SECOND +
+           static_cast<BusTime>(time.tv_nsec) / NANOSECONDS_PER_MICROSECOND;
+}
 
 CSystemBus::CSystemBus() {
     sd_bus* bus = nullptr;
@@ -55,34 +65,46 @@ MessagePtr CSystemBus::NewCall(const char* service, const char* path, const char
     return sd_bus_message_set_auto_start(call, 0) < 0 ? nullptr : std::move(owned);
 }
 
-MessagePtr CSystemBus::Call(sd_bus_message* call, unsigned seconds,
+MessagePtr CSystemBus::Call(sd_bus_message* call, BusTime deadline,
                             const CCancellation& cancellation) const {
     MessagePtr answer;
     sd_bus_slot* slot = nullptr;
-    if (sd_bus_call_async(m_bus.get(), &slot, call, KeepAnswer, &answer,
-                          seconds * MICROSECONDS_PER_SECOND) < 0)
+    const BusTime now = GetBusTime();
+    if (now >= deadline ||
+        sd_bus_call_async(m_bus.get(), &slot, call, KeepAnswer, &answer, deadline - now) < 0)
         return nullptr;
     // Once it is gone, nothing comes into the answer any more.
     const std::unique_ptr<sd_bus_slot, SlotUnreferencer> pending(slot);
     // The call's own time only begins once the bus has let us in, which a bus that hangs never
     // does.
-    const std::uint64_t deadline = Now() + seconds * MICROSECONDS_PER_SECOND;
-    while (!answer && !cancellation.IsCancelled() && Now() < deadline) {
-        const int processed = sd_bus_process(m_bus.get(), nullptr);
-        if (processed < 0 || (processed == 0 && !WaitForEvents(cancellation, deadline)))
+    while (!answer && !cancellation.IsCancelled() && GetBusTime() < deadline) {
+        if (!Wait(deadline, -1, cancellation))
             break;
     }
     return answer;
 }
 
-bool CSystemBus::WaitForEvents(const CCancellation& cancellation, std::uint64_t deadline) const {
+bool CSystemBus::Watch(const char* rule, bool& mark) const {
+    return sd_bus_add_match_async(m_bus.get(), nullptr, rule, SetMark, IgnoreRefusal, &mark) >= 0;
+}
+
+bool CSystemBus::Wait(BusTime deadline, int descriptor, const CCancellation& cancellation) const {
+    const int processed = sd_bus_process(m_bus.get(), nullptr);
+    return processed == 0 ? WaitForEvents(deadline, descriptor, cancellation) : processed > 0;
+}
+
+bool CSystemBus::WaitForEvents(BusTime deadline, int descriptor,
+                               const CCancellation& cancellation) const {
     const int events = sd_bus_get_events(m_bus.get());
-    std::uint64_t moment = UINT64_MAX;
+    BusTime moment = NEVER;
     if (events < 0 || sd_bus_get_timeout(m_bus.get(), &moment) < 0)
         return false;
+    if (cancellation.GetDescriptor() < 0)
+        deadline = std::min(deadline, GetBusTime() + SECOND);
     pollfd descriptors[] = {
         {sd_bus_get_fd(m_bus.get()), static_cast<short>(events), 0},
         {cancellation.GetDescriptor(), POLLIN, 0},
+        {descriptor, POLLIN, 0},
     };
     return poll(descriptors, std::size(descriptors),
                 MillisecondsUntil(std::min(moment, deadline))) >= 0;

@@ -1,6 +1,8 @@
 #include "tests/comm/TestPort.h"
 #include "tests/support/PseudoTerminal.h"
 
+#include <sys/ioctl.h>
+
 TEST(CommOpen, SettingsFoundComeBack) {
     CPseudoTerminal line;
     termios found = line.GetSettings();
@@ -14,6 +16,10 @@ TEST(CommOpen, SettingsFoundComeBack) {
     const termios raw = line.GetSettings();
     EXPECT_EQ(raw.c_lflag & (ICANON | ECHO | ISIG), 0u);
     EXPECT_EQ(raw.c_iflag, tcflag_t{BRKINT});
+    // It would outlive a program that is killed, for as long as the other end is open.
+    int isExclusive = -1;
+    EXPECT_EQ(ioctl(line.GetSlave(), TIOCGEXCL, &isExclusive), 0);
+    EXPECT_EQ(isExclusive, 0);
     DCB dcb{};
     ASSERT_TRUE(GetCommState(port, &dcb));
     EXPECT_EQ(dcb.BaudRate, 1200u);
@@ -73,6 +79,22 @@ TEST(CommOpen, OtherEndCloses) {
     EXPECT_FALSE(PurgeComm(port, PURGE_TXABORT | PURGE_TXCLEAR));
     EXPECT_TRUE(CloseHandle(port));
     EXPECT_EQ(WaitForSingleObject(hangup, 0), WAIT_FAILED);
+}
+
+TEST(CommRead, WhatTheQueueHasNoRoomForIsCountedToo) {
+    CTestDevice device;
+    const HANDLE port = OpenPort(device.Path());
+    ASSERT_TRUE(SetupComm(port, 10, 10));
+    device.Say(std::string(30, 'x'));
+    COMSTAT status{};
+    while (status.cbInQue < 30)
+        ASSERT_TRUE(ClearCommError(port, nullptr, &status));
+    char bytes[4];
+    DWORD taken = 0;
+    EXPECT_TRUE(ReadFile(port, bytes, sizeof bytes, &taken, nullptr));
+    EXPECT_TRUE(ClearCommError(port, nullptr, &status));
+    EXPECT_EQ(status.cbInQue, 26u);
+    EXPECT_TRUE(CloseHandle(port));
 }
 
 TEST(CommWrite, WhatIsPendingIsUnsent) {

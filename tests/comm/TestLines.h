@@ -29,10 +29,16 @@ class CTestLines final : public platform::ICommLines {
     void CountFrameError() { ++m_nFrameErrors; }
     void BreakDown() { m_bBroken = true; }
     void HaveNone() { m_bPresent = false; }
+    // The driver holds who asks until it is told to go on.
+    void Hold(bool isHeld) {
+        m_bHeld = isHeld;
+        m_bHeld.notify_all();
+    }
     int TimesAsked() const { return m_nAsked; }
 
     BOOL GetLines(int& lines) override {
         ++m_nAsked;
+        m_bHeld.wait(true);
         lines = m_nLines;
         return m_bBroken ? platform::FailWith(ERROR_DEVICE_NOT_CONNECTED) : TRUE;
     }
@@ -56,5 +62,6 @@ class CTestLines final : public platform::ICommLines {
     std::atomic<int> m_nFrameErrors = 0;
     std::atomic<int> m_nAsked = 0;
     std::atomic<bool> m_bBroken = false;
+    std::atomic<bool> m_bHeld = false;
     std::atomic<bool> m_bPresent = true;
 };

@@ -82,7 +82,7 @@ TEST(BoxText, WrapsAtBlanksAndDrawsEverything) {
         {"a\tb", 10, "a       b|"},
         {"a\tb", 5, "a|b|"},
         {"\x1b[31m\x07", 10, "\xE2\x86\x90[31m\xE2\x80\xA2|"},
-        {"\xFFx\xE2\x82\r\ny\xC3", 10, r + "x" + r + "|y" + r + "|"},
+        {"\xE9x\xE2\x82\r\ny\xC3", 10, "\u0398x\u0393\u00E9|y\u251C|"},
         {"\xE4\xB8\xAD\xE6\x96\x87\xE4\xB8\xAD", 5, "\xE4\xB8\xAD\xE6\x96\x87|\xE4\xB8\xAD|"},
         {"\xE4\xB8\xAD", 1, r + "|"},
         {"ae\xCC\x81z", 2, "ae\xCC\x81|z|"},

@@ -385,13 +385,13 @@ TEST_P(NoTerminalTest, ReportsOnStandardError) {
     pump.Add(output);
     const int input = GetParam() ? line.GetSlave() : -1;
     StartOn(input, GetParam() ? output.GetWriter() : line.GetSlave(), [] {
-        if (MessageBoxA(nullptr, "one\r\ntwo\x1b[2J\xFF", "Cap", MB_ICONINFORMATION) == IDOK)
+        if (MessageBoxA(nullptr, "one\r\ntwo\x1b[2J\xF0", "Cap", MB_ICONINFORMATION) == IDOK)
             MessageBoxA(nullptr, nullptr, nullptr, MB_OK);
         MessageBeep(MB_OK);
     });
     output.CloseWriter();
     ASSERT_TRUE(EndsWith(CProcess::kWorkDone) && Waits([&] { return output.HasEnded(); }));
-    EXPECT_EQ(error.GetText(), "i Cap\none\ntwo\xE2\x86\x90[2J\xEF\xBF\xBD\nError\n\n");
+    EXPECT_EQ(error.GetText(), "i Cap\none\ntwo\u2190[2J\u2261\nError\n\n");
     EXPECT_EQ(output.GetText(), "");
     EXPECT_EQ(user.GetOutput(), GetParam() ? "" : "\a");
 }

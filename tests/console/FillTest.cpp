@@ -15,16 +15,20 @@ int TerminalColour(int colour) {
 TEST(ConsoleColours, EveryAttributeArrives) {
     CShownConsole console(20, 3);
     console.Clear();
-    for (int step = 0; step < 512; ++step) {
-        const int attribute = step * 37 & 0xFF; // from one to a quite different one
+    for (int step = 0; step < 1024; ++step) {
+        const int attribute = step * 37 & 0x3FF; // from one to a quite different one
         console.output.SetPosition({3, 1});
-        console.output.SetAttribute(static_cast<std::uint8_t>(attribute));
+        console.output.SetAttribute(static_cast<WORD>(attribute));
         console.Write("x");
         console.Show();
         const VTermScreenCell cell = console.screen.GetCell(1, 3);
-        const bool own = attribute == 0x07;
-        EXPECT_EQ(IndexOf(cell.fg), own ? -1 : TerminalColour(attribute & 15)) << attribute;
-        EXPECT_EQ(IndexOf(cell.bg), own ? -1 : TerminalColour(attribute >> 4)) << attribute;
+        const bool ownForeground = (attribute & 0x107) == 0x07;
+        const bool ownBackground = (attribute & 0x2F0) == 0;
+        const int foreground = TerminalColour(attribute & 15);
+        EXPECT_EQ(IndexOf(cell.fg), ownForeground ? -1 : foreground) << attribute;
+        EXPECT_EQ(cell.attrs.bold, ownForeground && foreground == 15) << attribute;
+        EXPECT_EQ(IndexOf(cell.bg), ownBackground ? -1 : TerminalColour(attribute >> 4 & 15))
+            << attribute;
     }
 }
 

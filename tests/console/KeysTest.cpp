@@ -3,7 +3,7 @@
 #include "platform/Wait.h"
 #include "platform/console/ConsoleInput.h"
 #include "platform/console/ConsoleKeyTable.h"
-#include "tests/support/Pipe.h"
+#include "tests/support/PseudoTerminal.h"
 
 using namespace platform;
 
@@ -53,17 +53,21 @@ const Key KEYS[] = {
     {VK_F6, SHIFT | ALT | CTRL, {"\x1b[17;16~"}},
 };
 
-// The keyboard at the end of a pipe.
+// A terminal's keyboard, or, without a type, a pipe in its place.
 struct Keyboard {
-    explicit Keyboard(const char* type = "no-such-terminal") {
-        input->Use(pipe.reader.Get(), type);
+    explicit Keyboard(const char* type) {
+        termios raw = line.GetSettings();
+        cfmakeraw(&raw);
+        line.ApplySettings(raw);
+        input->Use(type != nullptr ? line.GetSlave() : pipe.reader.Get(), type);
+        input->SetErase(0x7F);
+        writer = type != nullptr ? line.GetMaster() : pipe.writer.Get();
         handle = RegisterHandle(input);
     }
     ~Keyboard() { CloseHandle(handle); }
 
     void Type(std::string_view bytes) const {
-        ASSERT_EQ(write(pipe.writer.Get(), bytes.data(), bytes.size()),
-                  static_cast<ssize_t>(bytes.size()));
+        ASSERT_EQ(write(writer, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
     // Waits for the next record, at most a long time; one of type 0 at the end of the input.
     INPUT_RECORD Take() const {
@@ -73,6 +77,8 @@ struct Keyboard {
         return record;
     }
     Pipe pipe;
+    CPseudoTerminal line;
+    int writer;
     std::shared_ptr<CConsoleInput> input = std::make_shared<CConsoleInput>();
     HANDLE handle;
 };
@@ -86,21 +92,23 @@ void ExpectKey(const INPUT_RECORD& record, WORD code, DWORD held) {
     EXPECT_EQ(key.dwControlKeyState, held);
 }
 
-// The characters until the input ends; a key is told as its code in brackets.
-std::string KeysIn(std::string_view typed) {
-    Keyboard keyboard;
-    keyboard.Type(typed);
-    keyboard.pipe.writer.Reset();
+// The characters up to this one; a key is told as its code in brackets, Alt as an A, and a byte
+// that continues a character behind a +.
+constexpr char LAST = 0x1F;
+std::string KeysIn(std::string_view typed, const char* type = nullptr) {
+    const Keyboard keyboard(type);
+    keyboard.Type(std::string(typed) + LAST);
     std::string text;
     for (;;) {
-        const INPUT_RECORD record = keyboard.Take();
-        if (record.EventType == 0)
+        const KEY_EVENT_RECORD key = keyboard.Take().Event.KeyEvent;
+        if (key.uChar.AsciiChar == LAST)
             return text;
-        const KEY_EVENT_RECORD& key = record.Event.KeyEvent;
-        if (key.uChar.AsciiChar != 0 || key.wVirtualKeyCode == 0x32)
-            text += key.uChar.AsciiChar;
-        else
+        if (type != nullptr && key.wRepeatCount == 0)
+            text += '+';
+        if (key.uChar.AsciiChar == 0 && key.wVirtualKeyCode != 0x32)
             text += "<" + std::to_string(key.wVirtualKeyCode) + ">";
+        else
+            text += (key.dwControlKeyState & ALT ? "A" : "") + std::string(1, key.uChar.AsciiChar);
     }
 }
 
@@ -131,10 +139,10 @@ INSTANTIATE_TEST_SUITE_P(All, ConsoleKeysTest,
                                            "tmux-256color", "rxvt-unicode-256color",
                                            "no-such-terminal"));
 
-TEST(ConsoleKeys, WhatIsNoKeyArrivesByteByByte) {
+TEST(ConsoleKeys, OfAPipeWhatIsNoKeyArrivesByteByByte) {
     static constexpr std::string_view TYPED[] = {
         "plain text \xC3\xA9\xFF",
-        std::string_view("\0\x01\x03\x1A\x11\x13\x7F", 7),
+        std::string_view("\0\x01\x03\x1A\x11\x13", 6),
         "\x1b[18~\x1b[200~pasted\x1b[201~\x1b[<0;1;1M", // F7, a bracketed paste, a mouse
         "\x1b[1;17A\x1b[1;A\x1b[;5A\x1b[99~\x1b[[F\x1bOZ",
         "\x1b\x1b\x1bx\x1b[\x1b]\x1bO",
@@ -148,6 +156,44 @@ TEST(ConsoleKeys, WhatIsNoKeyArrivesByteByByte) {
         const std::string text(before, 'x');
         EXPECT_EQ(KeysIn(text + "\x1b[15~\x1b[A"), text + "<116><38>");
     }
+}
+
+// Nothing but a key begins with ESC there; what is no key of ours is <252>.
+TEST(ConsoleKeys, OfAKeyboardEverySequenceIsOneKey) {
+    static constexpr std::pair<std::string_view, std::string_view> TYPED[] = {
+        {"\x1b[18~\x1b[23;2~\x1b[Z", "<252><252><252>"},                 // F7, Shift+F11, Shift+Tab
+        {"\x1b[E\x1bOE\x1bOu\x1b[I\x1b[O", "<252><252><252><252><252>"}, // keypad 5, focus
+        {"\x1b[23$\x1b[23@\x1b[[F\x1bO2R", "<252><252><252><114>"},      // rxvt, Linux, konsole
+        {"\x1b[?1;2$y\x1b[<0;10;1M\x1b[97;5u", "<252><252><252>"},
+        {"\x1b[200~a\x1b[A\x1b[201~", "<252>a<38><252>"}, // a bracketed paste
+        {"\x1b\x1b[19~\x1b\x1b\x1b[A", "<252>\x1b<38>"},  // Alt+F8, Esc and Alt+Up
+        {"\x1bxy\x1b\r\x1b\x7F\x7F\x08", "AxyA\rA\x08\x08\x08"},
+        {"\x1b\xC3\xA9\xE2\x82\xACz\xFF\xC3z\xA9", "A\xC3+\xA9\xE2+\x82+\xACz\xFF\xC3z\xA9"},
+        {"\x1b\x1bz\x1b[\r\x1bO\x1b\x1b[\t", "\x1b"
+                                             "AzA[\rAO\x1b"
+                                             "A[\t"},
+        {"\x1b[1;\x1b[A\x1b[1;\xC3\xA9", "<252><38><252>\xC3+\xA9"}, // cut off
+    };
+    for (const auto& [typed, keys] : TYPED)
+        EXPECT_EQ(KeysIn(typed, "xterm"), keys);
+    // One that does not end.
+    EXPECT_EQ(KeysIn("\x1b[" + std::string(70, '1') + 'A', "xterm"), "<252>11111111A");
+    EXPECT_EQ(KeysIn("\x1b\t\x1b\n", "linux"), "<252>A\n"); // its Shift+Tab
+}
+
+TEST(ConsoleKeys, ASlowLineSplitsNoKey) {
+    const Keyboard keyboard("xterm");
+    for (const char* part : {"\x1b[", "1", ";3"}) {
+        keyboard.Type(part);
+        EXPECT_EQ(WaitForSingleObject(keyboard.handle, 0), WAIT_TIMEOUT);
+        EXPECT_EQ(WaitForSingleObject(keyboard.handle, 120), WAIT_TIMEOUT);
+    }
+    keyboard.Type("S");
+    ExpectKey(keyboard.Take(), VK_F4, ALT);
+    keyboard.Type("\x1b");
+    EXPECT_EQ(keyboard.Take().Event.KeyEvent.uChar.AsciiChar, '\x1b');
+    keyboard.Type("\x1b[1;");
+    ExpectKey(keyboard.Take(), CConsoleKeys::OTHER, 0);
 }
 
 TEST(ConsoleKeys, TheTerminalsOwnSequencesAreKnown) {
@@ -176,7 +222,7 @@ TEST(ConsoleKeys, TheTableRefusesWhatIsNoSequence) {
 }
 
 TEST(ConsoleInput, EventsComeBeforeKeysAndTheEndStays) {
-    Keyboard keyboard;
+    Keyboard keyboard(nullptr);
     keyboard.Type("a");
     keyboard.input->AddSizeEvent({100, 30});
     keyboard.input->AddMenuEvent();

@@ -53,7 +53,7 @@ TEST(ConsolePlain, TextWithoutASequence) {
         {"a\n\nb\rc", "a\n\nb\rc"},
         {"a\tb\bc\a", "a\tb\bc\a"},
         {"\x1b[31mred\x7F", "\xE2\x86\x90[31mred\xE2\x8C\x82"},
-        {"caf\xC3\xA9\xE2\x82", "caf\xC3\xA9\xEF\xBF\xBD"},
+        {"caf\xC3\xA9\xE2\x82", "caf\u00E9\u0393\u00E9"},
         {"\x9Bm\r\xC3\xA9\r\a", "\xC2\xA2m\r\xC3\xA9\r\a"},
     };
     for (const auto& text : cases) {
@@ -68,6 +68,28 @@ TEST(ConsolePlain, TextWithoutASequence) {
     const std::string much(200'000, 'x');
     const CDescriptor file(open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
     EXPECT_EQ(Plain(much, CDescriptor(dup(file.Get())), file.Get(), much.size()), "<" + much);
+}
+
+TEST(ConsolePlain, TextIsInTheLocalesCharacterSet) {
+    const struct {
+        const char* set;
+        std::string_view written;
+        std::string_view expected;
+    } cases[] = {
+        {"ISO-8859-1", "\u00DB\u6F22e\u0301\u202E\x9B\x01|", "\xDB?e??\xA2?|"},
+        {"KOI8-R", "\u0416\u2264\u00A0", "\xF6??"}, // it has them as 98 and 9A
+        {"ANSI_X3.4-1968", "\u00DB", "\u00DB"},     // what no terminal reads
+    };
+    for (const auto& text : cases) {
+        const Pipe pipe;
+        const CCharacterSet set(text.set);
+        CConsoleOutput output;
+        output.Use(pipe.writer.Get(), "xterm", set);
+        EXPECT_TRUE(Write(output, text.written));
+        char bytes[64];
+        const ssize_t count = read(pipe.reader.Get(), bytes, sizeof bytes);
+        EXPECT_EQ(std::string_view(bytes, static_cast<std::size_t>(count)), text.expected);
+    }
 }
 
 TEST(ConsoleSlow, WaitsForTheTerminalOnceTheBufferIsFull) {

@@ -27,14 +27,15 @@ TEST(ConsoleText, Utf8IsShownWholeAndByteByByte) {
     } cases[] = {
         {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80.",
          "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80."},
-        {"e\xCC\x81|", "e\xCC\x81|"},                 // a combining accent
-        {"\xE2\x82|", r + "|"},                       // cut off: one for the part that was right
-        {"\xF0\x9F\x98|", r + "|"},                   //
-        {"\xF0\x80\x80|", r + "\xC3\x87\xC3\x87|"},   // overlong: not even a beginning
-        {"\xC0\xAF|", r + r + "|"},                   //
-        {"\xED\xA0\x80|", r + r + "\xC3\x87|"},       // a surrogate
-        {"\xF4\x90\xBF|", r + "\xC3\x89" + r + "|"},  // beyond the last character
-        {"\xE2\xC3\xA9|", r + "\xC3\xA9|"},           // begins anew
+        {"e\xCC\x81|", "e\xCC\x81|"},   // a combining accent
+        {"\xE2\x82|", "\u0393\u00E9|"}, // cut off
+        {"\xF0\x9F\x98|", "\u2261\u0192\u00FF|"},
+        {"\xF0\x80\x80|", "\u2261\u00C7\u00C7|"}, // overlong
+        {"\xC0\xAF|", "\u2514\u00BB|"},
+        {"\xED\xA0\x80|", "\u03C6\u00E1\u00C7|"},     // a surrogate
+        {"\xF4\x90\xBF|", "\u2320\u00C9\u2510|"},     // beyond the last character
+        {"\xE2\xC3\xA9|", "\u0393\u00E9|"},           // begins anew
+        {"\xE9t\xE9", "\u0398t"},                     // Latin-1, the last one unfinished
         {"\xC2\x9BJ\xC2\x85|", "\xC2\xA2J\xC3\xA0|"}, // C1 controls
         {"\xE2\x80\xAEx\xE2\x81\xA6y\xE2\x80\x8F|", r + "x" + r + "y" + r + "|"}, // directions
         {"\xE2\x80\xA8\xE2\x80\xA9\xEF\xBB\xBF\xEF\xBF\xBF|", r + r + r + r + "|"},
@@ -57,7 +58,7 @@ TEST(ConsoleText, AnUnfinishedCharacterIsGivenUpWhenSomethingElseComes) {
     console.output.SetAttribute(0x0A);
     console.Write("b");
     console.Show();
-    EXPECT_EQ(console.Row(0), std::string("a") + FFFD + "   " + FFFD + FFFD + "b");
+    EXPECT_EQ(console.Row(0), "a\u0393\u00E9  \u00BC\u251Cb");
 }
 
 TEST(ConsoleText, TheTitleIsCleanAndNotCutInsideOfACharacter) {
@@ -71,4 +72,7 @@ TEST(ConsoleText, TheTitleIsCleanAndNotCutInsideOfACharacter) {
         console.Show();
         EXPECT_EQ(console.screen.GetTitle(), shown);
     }
+    for (const char* type : {"vt220", "linux", "ansi", "sun", "no-such-terminal"})
+        EXPECT_FALSE(CConsoleTitle::IsPossible(type)) << type;
+    EXPECT_TRUE(CConsoleTitle::IsPossible("foot-direct")); // known without an entry
 }

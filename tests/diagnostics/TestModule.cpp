@@ -1,9 +1,7 @@
 // Debug modules for the tests: one that works and, by definitions of its build, those that do not.
-// What happens to a module goes into the environment variable VXDEBUG_LOG, which stays when the
-// module is unloaded.
+// What happens to a module is told to the test program, from any thread.
 #include "diagnostics/DebugModule.h"
 
-#include <cstdlib>
 #include <string>
 
 #ifndef MODULE_EXPORT
@@ -19,11 +17,13 @@
 #define MODULE_NAME_STATUS S_OK
 #endif
 
+// Offered by the test program.
+extern "C" void NoteDebugModule(const char* text);
+
 namespace {
 
 void Log(const std::string& text) {
-    const char* const former = std::getenv("VXDEBUG_LOG");
-    setenv("VXDEBUG_LOG", ((former ? former : "") + text + '\n').c_str(), 1);
+    NoteDebugModule(text.c_str());
 }
 
 struct SLoad {
@@ -54,7 +54,8 @@ class CModule final : public IDebugModule {
 
 } // namespace
 
-extern "C" HRESULT MODULE_EXPORT(const IID& riid, void** ppvInterface) {
+extern "C" __attribute__((visibility("default"))) HRESULT MODULE_EXPORT(const IID& riid,
+                                                                        void** ppvInterface) {
     Log(riid == IID_IDebugModule ? "interface" : "unknown interface");
     *ppvInterface = static_cast<IDebugModule*>(MODULE_INTERFACE);
     return MODULE_STATUS;

@@ -35,6 +35,7 @@ TEST_F(CTextFileTest, LineEnds) {
         std::vector<std::string> lines;
     } cases[] = {
         {"", {}},
+        {"\xEF\xBB\xBFone\n\xEF\xBB\xBF\n", {"one", "\xEF\xBB\xBF"}},
         {"one\ntwo\r\nthree", {"one", "two", "three"}},
         {"ATZ\r\r\n\r\nATI\r", {"ATZ\r", "", "ATI\r"}},
         {"a\rb\x1A"s + "c\0d\n"s, {"a\rb\x1A"s + "c\0d"s}},

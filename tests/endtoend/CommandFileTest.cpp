@@ -88,8 +88,11 @@ TEST_F(CCommandFileTest, DeviceGoneInMidAnswer) {
 TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOnToTheSecondSignal) {
     StartRun("ATI\nATZ\n");
     ASSERT_TRUE(DeviceGets("ATI\r"));
-    Type(kCtrlBackslash);
-    ASSERT_TRUE(GivesTerminalBack());
+    Type(std::string("a shell's command\r") + kCtrlBackslash);
+    ASSERT_TRUE(Shows("wirelet: the run goes on without the screen; Ctrl+C ends it"));
+    int unread = -1;
+    ioctl(m_terminal.GetLine().GetSlave(), FIONREAD, &unread);
+    EXPECT_EQ(unread, 0);
     m_device.Send("\r\nOK\r\n");
     ASSERT_TRUE(Answers("ATZ\r", "\r\nunseen\r\n\r\nOK\r\n"));
     ASSERT_TRUE(Ends());
@@ -142,6 +145,7 @@ TEST_F(CCommandFileTest, FullDisk) {
     m_device.Send("\r\nOK\r\n");
     ASSERT_TRUE(Shows("Cannot write /dev/full: the disk is full"));
     EXPECT_TRUE(Ends());
+    EXPECT_EQ(m_device.GetReceived(), "") << "nothing is asked whose answer is not kept";
 }
 
 TEST_F(CCommandFileTest, NulBytesAndALongLine) {

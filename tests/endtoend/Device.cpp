@@ -2,7 +2,7 @@
 
 namespace {
 
-// An echoing device has little memory.
+// A device that sends on what it gets has little memory.
 constexpr std::size_t kEchoMemory = 4096;
 
 } // namespace
@@ -15,7 +15,8 @@ CDevice::CDevice(bool raw) {
 }
 
 short CDevice::GetEvents() const {
-    const bool reads = m_nReadLimit != 0 && (!m_bEcho || m_toSend.GetSize() < kEchoMemory);
+    const bool reads =
+        m_nReadLimit != 0 && (!m_pReceiver || m_pReceiver->m_toSend.GetSize() < kEchoMemory);
     const bool writes = !m_toSend.IsEmpty() || !m_endless.empty();
     return static_cast<short>((reads ? POLLIN : 0) | (writes ? POLLOUT : 0));
 }
@@ -28,13 +29,15 @@ void CDevice::OnReady(short events) {
         m_line.Write(m_toSend);
         m_nSent += waiting - m_toSend.GetSize();
     }
-    if (!(events & POLLIN))
+    if (!(events & (POLLIN | POLLHUP)))
         return;
     const std::string bytes = m_line.Read(m_nReadLimit);
+    if (bytes.empty() && (events & POLLHUP))
+        m_line.CloseMaster();
     m_received += bytes;
     OnReceived(bytes);
-    if (m_bEcho)
-        Send(bytes);
+    if (m_pReceiver)
+        m_pReceiver->Send(bytes);
     if (m_nReadLimit != kNoLimit)
         usleep(500);
 }

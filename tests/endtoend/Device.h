@@ -1,4 +1,5 @@
-// A serial device, or a terminal, that the test plays: the master side of a pseudo-terminal.
+// A serial device, or a terminal, that the test plays: the master side of a pseudo-terminal, or the
+// far end of a cable.
 #pragma once
 
 #include "tests/support/PseudoTerminal.h"
@@ -8,6 +9,7 @@ class CDevice : public IPollable {
   public:
     // A device's line is raw.
     explicit CDevice(bool raw = true);
+    explicit CDevice(const std::string& path) : m_line(path) {}
 
     void Send(std::string_view bytes) { m_toSend.Append(bytes); }
     bool IsAllSent() const { return m_toSend.IsEmpty(); }
@@ -16,7 +18,12 @@ class CDevice : public IPollable {
     std::size_t GetSentCount() const { return m_nSent; }
 
     // Sends back what it gets, and takes no more while that is held up.
-    void SetEcho(bool echo) { m_bEcho = echo; }
+    void SetEcho(bool echo) { m_pReceiver = echo ? this : nullptr; }
+    // Sends there what it gets, and the reverse.
+    void JoinTo(CDevice& other) {
+        m_pReceiver = &other;
+        other.m_pReceiver = this;
+    }
     // Takes at most this many bytes, then sleeps a little; 0 takes none.
     void SetReadLimit(std::size_t limit) { m_nReadLimit = limit; }
 
@@ -44,5 +51,5 @@ class CDevice : public IPollable {
     std::string m_received;
     std::size_t m_nSent = 0;
     std::size_t m_nReadLimit = kNoLimit;
-    bool m_bEcho = false;
+    CDevice* m_pReceiver = nullptr;
 };

@@ -2,6 +2,7 @@
 #include "tests/endtoend/SessionTest.h"
 #include "tests/support/DeviceNamespace.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
 
@@ -10,7 +11,8 @@ namespace fs = std::filesystem;
 class CDeviceListTest : public CSessionTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(CDeviceNamespace::Enter()) << "needs root or user namespaces";
+        if (const std::string& problem = CDeviceNamespace::Enter(); !problem.empty())
+            GTEST_SKIP() << problem;
         CDeviceNamespace::SetInterfaces({});
         SetVariable("XDG_CONFIG_HOME", m_folder.GetPath(""));
         // As in this process: the machine's description is none of the kernel's.
@@ -136,23 +138,23 @@ TEST_F(CDeviceListTest, DevicesThatDoNotOpenAreExplained) {
     const std::string file = m_folder.Write("file", "content");
     const std::string longName = '/' + std::string(5000, 'n');
     const std::pair<std::string, std::string> rows[] = {
-        {"Gone", "\"Gone\", " + m_folder.GetPath("gone") + ": no such device.\n"},
-        {"File", "\"File\", /dev/zero: is no serial device.\n"},
+        {"Gone", "\"Gone\", " + m_folder.GetPath("gone") + ": no such device\n"},
+        {"File", "\"File\", /dev/zero: is no serial device\n"},
         {"gone", "\"gone\"" + noSuchName +
                      "a serial device is named by its full path, such as /dev/ttyUSB0\n"},
         {"null",
          "\"null\"" + noSuchName + "the serial device of that name is opened as /dev/null\n"},
         {"-x\x1B[2J", "\"-x?[2J\": no port and no modem; wirelet -? tells the usage\n"},
-        {"/dev/missing-device", "/dev/missing-device: no such device.\n"},
-        {"/dev/null", "/dev/null: is no serial device.\n"},
-        {"/tmp", "/tmp: is a directory, not a serial device.\n"},
-        {file, file + ": is no serial device.\n"},
-        {longName, longName + ": no such device.\n"},
-        {"/dev/\x1B]2;title\a", "/dev/?]2;title?: no such device.\n"},
+        {"/dev/missing-device", "/dev/missing-device: no such device\n"},
+        {"/dev/null", "/dev/null: is no serial device\n"},
+        {"/tmp", "/tmp: is a directory, not a serial device\n"},
+        {file, file + ": is no serial device\n"},
+        {longName, longName + ": no such device\n"},
+        {"/dev/\x1B]2;title\a", "/dev/?]2;title?: no such device\n"},
     };
     for (const auto& [name, error] : rows) {
         const Outcome outcome = Run(WIRELET, {name}, "\n");
-        EXPECT_EQ(outcome.error, error);
+        EXPECT_EQ(outcome.error, "wirelet: " + error);
         EXPECT_TRUE(outcome.output.ends_with("\"\nPress Enter to exit.")) << outcome.output;
         EXPECT_EQ(outcome.exit, 0);
     }
@@ -160,9 +162,9 @@ TEST_F(CDeviceListTest, DevicesThatDoNotOpenAreExplained) {
     Start("Used");
     EXPECT_TRUE(DeviceGets("ATE1V1\r"));
     EXPECT_EQ(Run(WIRELET, {"Used"}, "\n").error,
-              "\"Used\", " + m_device.GetPath() + ": in use by process " +
+              "wirelet: \"Used\", " + m_device.GetPath() + ": in use by process " +
                   std::to_string(m_program->GetId()) +
-                  " (wirelet). End it, or choose another device.\n");
+                  " (wirelet); end it, or choose another device\n");
 }
 
 // The library stands beside the program in a build, and in ../lib/wirelet once installed.
@@ -180,4 +182,27 @@ TEST_F(CDeviceListTest, TheLibraryIsFoundOrMissed) {
     fs::copy_file(library, m_folder.GetPath("lib/wirelet/libtapi32.so"));
     EXPECT_EQ(Run(program, {}, "x\n").exit, 2);
     EXPECT_EQ(Run(WIRELET, {}, "x\n").exit, 2);
+    // Started so, the system names another program: the one that loads programs.
+    EXPECT_EQ(Run("/lib64/ld-linux-x86-64.so.2", {WIRELET}, "x\n").exit, 2);
+}
+
+TEST_F(CDeviceListTest, WhatIsWrongInTheNamesFileIsToldWhereNamesAreMissed) {
+    const std::string path = m_folder.GetPath("/wirelet/modems.conf") + ":";
+    const std::string lines = "wirelet: " + path + "2: there is no '=' between name and device\n" +
+                              "wirelet: " + path + "3: the device is no path from the root\n";
+    NameModems("Good = " + m_device.GetPath() + "\nBad /dev/x\nHome = ~/x\n");
+    EXPECT_EQ(Run(WIRELET, {}, "x\n").error, lines);
+    EXPECT_TRUE(
+        Run(WIRELET, {"Bad"}, "\n").error.starts_with(lines + "wirelet: \"Bad\": no modem has"));
+    EXPECT_EQ(Run(WIRELET, {"Good"}, "").error, "");
+
+    NameModems("\xFF\xFE" + std::string(2000, '\n'));
+    EXPECT_EQ(Run(WIRELET, {}, "x\n").error,
+              "wirelet: " + path + "1: the file is UTF-16; save it as UTF-8\n");
+    std::string many;
+    for (int line = 0; line < 2000; ++line)
+        many += "x\n";
+    NameModems(many);
+    const std::string error = Run(WIRELET, {}, "x\n").error;
+    EXPECT_EQ(std::ranges::count(error, '\n'), 9) << error;
 }

@@ -40,6 +40,8 @@ std::size_t FindHostileByte(const std::string& output) {
 TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
     StartInteractive();
     m_device.Send("left over\x1B[2J\x1B[5;10Hhere\x1B[1;33;44mhot\x1B[m cold\x1B[8;1H");
+    m_device.Send(
+        "\x1B[18;1H\x1B[32mA\x1B[40mB\x1B[0;44mC\x1B[37mD\x1B[7mE\x1B[0;1mF\x1B[m\x1B[8;1H");
     m_device.Send("\x1B[7mreverse\x1B[0m\x1B[10;1Habc\x1B[100CX\x1B[3DY\x1B[s");
     // Each part of a sequence in a write of its own.
     for (const char* part : {"\x1B", "[", "1", "2", ";", "3", "H", "split"}) {
@@ -50,11 +52,15 @@ TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
 
     ASSERT_TRUE(ShowsInRow(14, "cutend"));
     EXPECT_EQ(Screen().GetText(), "\n\n\n\n         herehot cold\n\n\nreverse\n\nabYZX\n\n"
-                                  "  split\n\n\u2190x\u2190H\ncutend");
+                                  "  split\n\n\u2190x\u2190H\ncutend\n\n\nABCDEF");
     EXPECT_EQ(GetColours(4, 12), std::make_pair(-1, -1));
     EXPECT_EQ(GetColours(4, 13), std::make_pair(11, 4));
     EXPECT_EQ(GetColours(4, 17), std::make_pair(-1, -1));
     EXPECT_EQ(GetColours(7, 0), std::make_pair(0, 7));
+    // What was not asked for is the terminal's own.
+    const std::pair<int, int> asked[] = {{2, -1}, {2, 0}, {-1, 4}, {7, 4}, {4, 7}, {-1, -1}};
+    for (int column = 0; column < 6; ++column)
+        EXPECT_EQ(GetColours(17, column), asked[column]);
 
     // Wide and combining characters, the end of a row and what lies beyond the screen.
     const std::pair<std::string, const char*> reports[] = {
@@ -91,6 +97,16 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
     ASSERT_TRUE(ShowsInRow(0, "\u263A\u263C\u2190*\u2302sane"));
     EXPECT_EQ(Screen().GetTitle(), "Corvane - " + m_device.GetPath());
     EXPECT_EQ(FindHostileByte(m_terminal.GetOutput()), std::string::npos);
+}
+
+TEST_F(CDeviceOutputTest, GoesOutInTheLocalesCharacterSet) {
+    SetVariable("LANG", "de_DE.ISO-8859-1"); // also where the system does not have it
+    StartInteractive();
+    m_device.Send("\x1B[2J\x1B[H\u00DB\u6F22\x1B[6n");
+    EXPECT_TRUE(DeviceGets("\x1B[1;3R"));
+    EXPECT_TRUE(Fulfils("the characters", [this] {
+        return m_terminal.GetOutput().find("\xDB?") != std::string::npos;
+    }));
 }
 
 TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {

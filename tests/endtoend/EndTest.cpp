@@ -112,15 +112,6 @@ TEST_F(CEndTest, DeviceGoneDuringAPaste) {
     }));
 }
 
-TEST_F(CEndTest, DeviceThatTakesNothingDoesNotHoldTheEndUp) {
-    StartInteractive();
-    m_device.SetReadLimit(0);
-    Type(std::string(200000, 'p'));
-    m_pump.RunFor(std::chrono::milliseconds(300));
-    m_program->Kill(SIGTERM);
-    EXPECT_TRUE(EndsWith(0));
-}
-
 // However busy the device is.
 TEST_F(CEndTest, WhileTheDeviceSends) {
     for (const bool isClosed : {false, true}) {

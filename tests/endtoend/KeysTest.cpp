@@ -8,6 +8,7 @@ TEST_F(CKeysTest, ReachTheDeviceAsItsSequences) {
     std::vector<std::pair<std::string, std::string>> keys = {
         {"\x1BOA", "\x1B[A"},  {"\x1BOD", "\x1B[D"}, {"\x1BOH", "\x1B[H"},  {"\x1BOF", "\x1B[F"},
         {"\x1B[2~", "\x1B[L"}, {"\x1B[3~", "\x7F"},  {"\x1B[5~", "\x1B[I"}, {"\x1B[6~", "\x1B[G"},
+        {"\x7F", "\x08"},      {"\x1Bx", "x"},       {"\x1B[18~!", "!"},
     };
     // Sent as they are typed.
     for (const char* key : {"\x1B[A", "\x1B[B",
@@ -19,11 +20,10 @@ TEST_F(CKeysTest, ReachTheDeviceAsItsSequences) {
                             "\x13",   "\x11",
                             "\x04",   "\x16",
                             "\x0F",   "\x08",
-                            "\x7F",   "\t",
+                            "\t",     "\xE9",
                             "\n",     "\r",
                             "AT+CSQ", "\u00E9",
-                            "\u6F22", "\xF0\x9F\x99\x82",
-                            "\xE9",   "\x1Bx"})
+                            "\u6F22", "\xF0\x9F\x99\x82"})
         keys.emplace_back(key, key);
     std::string typed;
     std::string sent;
@@ -40,9 +40,13 @@ TEST_F(CKeysTest, ReachTheDeviceAsItsSequences) {
     // Nothing follows a lone ESC, so it is one.
     Type("\x1B");
     EXPECT_TRUE(DeviceGets("\x1B"));
-    for (const char* rest : {"[", "\x1B[1;"}) {
-        Type(rest);
-        EXPECT_TRUE(DeviceGets(rest));
+    Type("[");
+    EXPECT_TRUE(DeviceGets("["));
+
+    // One key is one answer.
+    for (const char* key : {"\u6F22.", "\x1B\u00E9.", "\x1Bx."}) {
+        Type(std::string(kF6) + key);
+        EXPECT_TRUE(DeviceGets(".")) << key;
     }
 }
 

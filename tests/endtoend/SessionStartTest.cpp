@@ -73,7 +73,7 @@ TEST_F(CSessionStartTest, TheUsersOwnTerminalIsNoDevice) {
     const std::string own = m_terminal.GetLine().GetPath();
     for (const std::string& path : {own, std::string("/dev/tty")}) {
         Start(path);
-        ASSERT_TRUE(Shows(path + ": is the terminal you are sitting at."));
+        ASSERT_TRUE(Shows("wirelet: " + path + ": is the terminal you are sitting at; choose"));
         ASSERT_TRUE(Shows("Press Enter to exit."));
         Type("\r");
         EXPECT_TRUE(Ends());
@@ -129,6 +129,15 @@ TEST_F(CSessionStartTest, AMenuLeavesTheDevicesBytesForLater) {
     Type("3");
     ASSERT_TRUE(ShowsInRow(5, "Setting 115200 baud"));
     ASSERT_TRUE(ShowsInRow(6, "held back"));
+
+    // A paste opens only so many menus inside each other: these answers lead out of all of them.
+    std::string paste;
+    for (int key = 0; key < 20; ++key)
+        paste += kF5;
+    Type(paste + std::string(16, 'x') + "AT\r");
+    EXPECT_TRUE(DeviceGets("AT\r"));
+    m_device.Send("\x1B[2Jcleared");
+    ASSERT_TRUE(Shows("cleared"));
 
     // The end inside a menu leaves no message behind.
     Type(std::string(kF5) + kAltF4);

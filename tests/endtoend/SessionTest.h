@@ -61,11 +61,11 @@ class CSessionTest : public ::testing::Test {
     CDevice m_device;
     std::vector<std::string> m_environment;
     std::unique_ptr<CProcess> m_program;
+    termios m_deviceBefore{}; // its settings when the program was started
 
   private:
     Result ShowsPrompt();
     Result IsSane();
 
     termios m_terminalBefore{};
-    termios m_deviceBefore{};
 };

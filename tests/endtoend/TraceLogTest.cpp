@@ -108,14 +108,17 @@ TEST_F(CTraceLogTest, HoldsTheWholeSession) {
 
 TEST_F(CTraceLogTest, HoldsAScriptsSession) {
     const std::string script =
-        m_folder.Write("script", "FUNCTION main()\r\n  STRING a$\r\n"
+        m_folder.Write("script", "\xEF\xBB\xBF"
+                                 "FUNCTION main()\r\n  STRING a$\r\n"
                                  "  a$ = SendCommandGetString(\"ATI\\r\")\r\n"
-                                 "  WaitForString(\"last words\", 30)\r\nENDFUNCTION\r\n");
-    StartLogged(m_log, {"-S:" + script});
+                                 "  WaitForString(\"last words\", 30000)\r\nENDFUNCTION\r\n");
+    // The script is not the command file's, so neither is the log.
+    StartLogged(m_log, {"-S:" + script, "-A:" + script});
     ASSERT_TRUE(DeviceGets("ATI\r"));
-    m_device.Send("ATI\r\r\nModem\r\n\r\nOK\r\nlast words");
+    const std::string answer = "ATI\r\r\nModem\r\n\r\nOK\r\n" + MakeLines(2000) + "last words";
+    m_device.Send(answer);
     ASSERT_TRUE(Ends());
-    m_record = {{true, "ATI\r"}, {false, "ATI\r\r\nModem\r\n\r\nOK\r\nlast words"}};
+    m_record = {{true, "ATI\r"}, {false, answer}};
     ExpectRecordInLog();
 }
 
@@ -125,8 +128,12 @@ TEST_F(CTraceLogTest, IsInTheFileWithoutAnEnd) {
     Sends("received");
     Type("typed");
     Gets("typed");
-    // Nothing more happens, and still the lines get there.
-    ASSERT_TRUE(Fulfils("the log", [&] { return ReadWholeFile(m_log).ends_with("64 ]\r\n"); }));
+    // Nothing more is sent, and still all that comes gets there, more than is kept for a send.
+    Sends(MakeLines(2000));
+    ASSERT_TRUE(Fulfils("the log", [&] {
+        const std::string log = ReadWholeFile(m_log);
+        return log.ends_with(" ]\r\n") && Decode(log) == m_record;
+    }));
     m_program->Kill(SIGKILL);
     ASSERT_TRUE(EndsWith(-SIGKILL));
     ExpectRecordInLog();
@@ -183,7 +190,8 @@ TEST_F(CTraceLogTest, AFileThatTakesNothingHoldsOnlyTheEndUp) {
         ASSERT_TRUE(GivesTerminalBack());
         if (!isRead) {
             Type("\x03");
-            EXPECT_TRUE(EndsWith(-SIGINT));
+            EXPECT_TRUE(Ends());
+            EXPECT_GE(Screen().FindRow("Cannot write " + m_log), 0);
             break;
         }
         const CDescriptor reader(open(m_log.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));

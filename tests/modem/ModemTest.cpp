@@ -1,5 +1,3 @@
-#include "modem/Modem.h"
-
 #include "platform/Clock.h"
 #include "tests/modem/SubstituteSerial.h"
 
@@ -14,14 +12,6 @@ namespace {
 using Calls = std::vector<std::string>;
 
 constexpr DWORD kMinute = 60000;
-
-// A modem on a substitute channel.
-class CTestModem : public CVModem {
-  public:
-    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
-    using CVModem::m_dwLastResponse;
-    using CVModem::WaitWithoutReading;
-};
 
 struct Response {
     BOOL answered = FALSE;

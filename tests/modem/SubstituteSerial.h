@@ -7,6 +7,7 @@
 #include "CORE/VXSerial/Lib/ISerial.h"
 #include "CORE/VXSerial/Lib/ISerialWait.h"
 #include "common/UniqueHandle.h"
+#include "modem/Modem.h"
 #include "platform/Clock.h"
 
 #include <algorithm>
@@ -90,7 +91,10 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
         m_calls.push_back("flush " + std::to_string(selector));
         return TRUE;
     }
-    BOOL SetDataFormat(DWORD, DWORD, DWORD, DWORD) override { return TRUE; }
+    BOOL SetDataFormat(DWORD baudRate, DWORD, DWORD, DWORD) override {
+        m_calls.push_back("format " + std::to_string(static_cast<std::int32_t>(baudRate)));
+        return TRUE;
+    }
     BOOL GetDataFormat(LPDWORD, LPDWORD, LPDWORD, LPDWORD) override { return FALSE; }
     BOOL SetLine(DWORD, BOOL) override { return TRUE; }
     DWORD GetLineStatus() override { return 0; }
@@ -107,7 +111,10 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
         const std::lock_guard lock(m_lock);
         return m_bVanished && m_reads.empty();
     }
-    BOOL Drain(DWORD) override { return TRUE; }
+    BOOL Drain(DWORD noProgress) override {
+        m_calls.push_back("drain " + std::to_string(noProgress));
+        return TRUE;
+    }
 
   private:
     const Kind m_kind;
@@ -115,4 +122,12 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
     CUniqueHandle m_hReceive;
     CUniqueHandle m_hHangup;
     BOOL m_bVanished = FALSE;
+};
+
+// A modem on a substitute port.
+class CTestModem : public CVModem {
+  public:
+    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
+    using CVModem::m_dwLastResponse;
+    using CVModem::WaitWithoutReading;
 };

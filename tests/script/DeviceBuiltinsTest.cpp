@@ -1,6 +1,5 @@
 // Small scripts on a substitute device: where a built-in must wait, stop waiting, or leave
 // something alone.
-#include "modem/Modem.h"
 #include "platform/Message.h"
 #include "script/Script.h"
 #include "tests/modem/SubstituteSerial.h"
@@ -14,17 +13,6 @@
 #include <vector>
 
 namespace {
-
-class CTestModem : public CVModem {
-  public:
-    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
-    BOOL SetDataFormat(DWORD baudRate, DWORD, DWORD, DWORD) override {
-        m_rates.push_back(baudRate);
-        return TRUE;
-    }
-
-    std::vector<DWORD> m_rates;
-};
 
 class CDeviceBuiltins : public testing::Test {
   protected:
@@ -101,6 +89,7 @@ LRESULT CountMessage(HWND, UINT, WPARAM, LPARAM) {
 
 TEST_F(CDeviceBuiltins, WaitDispatchesMessagesUntilTheDeviceVanishes) {
     s_serial = &m_serial;
+    s_dispatched = 0;
     const WNDCLASSA windowClass = {CountMessage, "counting"};
     RegisterClassA(&windowClass);
     const HWND window =
@@ -127,11 +116,20 @@ TEST_F(CDeviceBuiltins, SettingsOutOfRange) {
     EXPECT_EQ(Run("SendString(String(SetBaudRate(-1)))\r\n"
                   "SendString(String(SetBaudRate(9600)))"),
               "11");
-    EXPECT_EQ(m_modem.m_rates, (std::vector<DWORD>{KEEP_SETTING, 9600}));
+    EXPECT_EQ(m_serial.m_calls,
+              (std::vector<std::string>{"format -1", "write 1", "format 9600", "write 1"}));
     EXPECT_EQ(Run("SetRetry(-1)\r\nSendString(String(SendCommand(\"AT\\r\")))\r\n"
                   "SendString(SendCommandGetString(\"AT\\r\"))"),
               "100");
     EXPECT_EQ(Run("SendString(String(GetBaudRate()))"), "0");
+}
+
+TEST_F(CDeviceBuiltins, WhatWasSentLeavesBeforeACommand) {
+    Run("SetRetry(1)\r\nSetTimeout(0)\r\nSendString(\"A\")\r\n"
+        "SendCommand(\"B\")\r\nSendCommand(\"C\")");
+    EXPECT_EQ(m_serial.m_calls,
+              (std::vector<std::string>{"write A", "drain 2000", "flush 1", "flush 2", "write B",
+                                        "flush 1", "flush 2", "write C"}));
 }
 
 TEST_F(CDeviceBuiltins, SendFileLeavesOutWhatFollowsANul) {

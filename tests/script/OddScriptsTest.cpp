@@ -124,8 +124,9 @@ TEST(OddScripts, Sizes) {
         {Main("'" + std::string(70'000, 'x') + "\r\nSendString(\"sent\")"), "device> sent\n"},
         {"INTEGER " + std::string(70'000, 'x'), kTooLong + kInvalid},
         {Main(Repeat(30'000, "x(")), kTooLong + kInvalid},
-        {Main("STRING a$[200]\r\nINTEGER b[100]\r\nSendString(\"sent\")"), "device> sent\n"},
-        {Main("STRING a$[300]"), kTooLong},
+        {Main("INTEGER a[15000]"), kTooLong},
+        {Main("STRING a$[221] = (\"x\"" + Repeat(220, ",\"x\"") + ")\r\nSendString(a$[221])"),
+         "device> x\n"},
         {Globals(5056 - 33 - 1), "device> sent\n"},
         {Globals(5056 - 33), Report("Symbol table overflow \\r\\n") + kInvalid},
     };

@@ -34,7 +34,8 @@ std::string Escape(std::string_view bytes) {
 
 // These stand in for the platform's, so that the program sees its boxes as the user does.
 int MessageBoxA(HWND, LPCSTR lpText, LPCSTR lpCaption, UINT uType) {
-    s_run->RecordBox(lpText, lpCaption, uType);
+    if (s_run != nullptr)
+        s_run->RecordBox(lpText, lpCaption, uType);
     return IDOK;
 }
 
@@ -83,8 +84,10 @@ void CScriptRun::Record(std::string_view event, std::string_view bytes) {
 }
 
 void CScriptRun::RecordBox(LPCSTR text, LPCSTR caption, UINT type) {
-    if (caption == nullptr && type == (MB_ICONEXCLAMATION | MB_OK))
+    if (caption == nullptr && type == (MB_ICONEXCLAMATION | MB_OK)) {
+        ++m_nReports;
         return Record("report", text);
+    }
     const bool isPlain = caption != nullptr && type == (MB_ICONINFORMATION | MB_OK);
     m_record.append(isPlain ? "box \"" : "strange box \"")
         .append(caption != nullptr ? caption : "");

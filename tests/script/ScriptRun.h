@@ -29,6 +29,7 @@ class CScriptRun final : public CVModem {
     std::string Run(const std::string& path);
 
     CVScript& Engine() { return m_script; }
+    int CountReports() const { return m_nReports; }
 
     // Whether a line is one that the device has to say.
     static bool IsInput(std::string_view line);
@@ -54,4 +55,5 @@ class CScriptRun final : public CVModem {
     std::string m_received; // of the device's bytes, those still to be read
     std::string m_record;
     int m_nRetrySeen = m_nRetry;
+    int m_nReports = 0;
 };

@@ -191,6 +191,19 @@ TEST_F(CNotifyTest, ClosingAtAnyMomentEndsTheThreads) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+TEST_F(CNotifyTest, AThreadThatIsGivenUpKeepsWhatItUses) {
+    m_lines->Hold(true);
+    m_serial->SetModemMonitorWnd(m_window);
+    while (m_lines->TimesAsked() == 0)
+        Sleep(1);
+    m_wait.Reset();
+    m_serial.Reset();
+    EXPECT_EQ(Reports(), Texts{"CVSerial::StopModemMonitorThread() - Forcibly terminating the "
+                               "modem monitor thread\n"});
+    m_lines->Hold(false);
+    AwaitThreads(0);
+}
+
 TEST_F(CNotifyTest, AWindowThatGoesLeavesTheThreadAtRest) {
     {
         const CTestWindow former;

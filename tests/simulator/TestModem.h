@@ -2,8 +2,11 @@
 #pragma once
 
 #include "tools/ModemSimulator.h"
+#include "tools/SimulatorOptions.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace modemsim {
 
@@ -62,10 +65,22 @@ class CTestModem {
     TimeMs m_tNow = 1000;
 };
 
+// Words are parted by one blank; a blank at the end is an empty word.
+inline SSimulatorOptions Parse(const std::string& line) {
+    std::istringstream stream("wirelet-modemsim " + line + ' ');
+    std::vector<std::string> words;
+    for (std::string word; std::getline(stream, word, ' ');)
+        words.push_back(word);
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    return ParseOptions(static_cast<int>(words.size()), arguments.data());
+}
+
 // Without echo, which most tests would only repeat.
-inline SSimulatorProfile QuietProfile() {
-    SSimulatorProfile profile;
-    profile.echo = false;
+inline SSimulatorProfile QuietProfile(const std::string& options = "--no-echo --messages 0") {
+    SSimulatorProfile profile = Parse(options).profile;
     profile.version = "9.9";
     profile.startSeconds = 1717157045; // 2024-05-31 12:04:05
     return profile;

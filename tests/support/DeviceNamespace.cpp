@@ -1,12 +1,16 @@
 #include "tests/support/DeviceNamespace.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <linux/capability.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -94,9 +98,19 @@ void Place(const FakeInterface& fake, int minor) {
 
 } // namespace
 
-bool CDeviceNamespace::Enter() {
-    static const bool isEntered = Unshare();
-    return isEntered;
+// A copy of this process tries it first: half a namespace is worse than none.
+const std::string& CDeviceNamespace::Enter() {
+    static const std::string problem = [] {
+        const pid_t trial = fork();
+        if (trial == 0)
+            _exit(Unshare() ? 0 : std::max(errno, 1));
+        int status = 0;
+        waitpid(trial, &status, 0);
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 0 && Unshare())
+            return std::string();
+        return std::string("needs a mount namespace of its own: ") + std::strerror(WEXITSTATUS(status));
+    }();
+    return problem;
 }
 
 void CDeviceNamespace::SetInterfaces(const std::vector<FakeInterface>& interfaces) {

@@ -23,9 +23,9 @@ struct FakeInterface {
 
 class CDeviceNamespace {
   public:
-    // Enters it, once for the process. False when the system does not let us: neither root nor one
-    // who may make user namespaces.
-    static bool Enter();
+    // Enters it, once for the process. Empty; or, with nothing changed, why that cannot be: many
+    // containers forbid it, and so may the system to all but root.
+    static const std::string& Enter();
 
     // Puts these in place of the interfaces before.
     static void SetInterfaces(const std::vector<FakeInterface>& interfaces);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -42,6 +43,8 @@ void Connect(int descriptor, int target) {
 CProcess::CProcess(const ProcessOptions& options) {
     Pipe status;
     Pipe control;
+    // Else a copy of this process that comes to its end writes it once more.
+    std::fflush(nullptr);
     m_nSupervisor = fork();
     if (m_nSupervisor == 0)
         Supervise(options, status.writer.Get(), control.reader.Get());

@@ -21,9 +21,19 @@ CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
     EXPECT_TRUE(m_slave);
 }
 
+CPseudoTerminal::CPseudoTerminal(const std::string& path)
+    : m_path(path), m_master(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_TRUE(m_master) << path;
+    termios settings{};
+    if (tcgetattr(m_master.Get(), &settings) != 0)
+        return;
+    cfmakeraw(&settings);
+    tcsetattr(m_master.Get(), TCSANOW, &settings);
+}
+
 termios CPseudoTerminal::GetSettings() const {
     termios settings{};
-    EXPECT_EQ(tcgetattr(m_slave.Get(), &settings), 0);
+    EXPECT_TRUE(!m_slave || tcgetattr(m_slave.Get(), &settings) == 0);
     return settings;
 }
 

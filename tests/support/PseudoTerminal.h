@@ -1,4 +1,4 @@
-// Pseudo-terminals made for one test.
+// Pseudo-terminals made for one test, and what a test holds of another line.
 #pragma once
 
 #include "tests/support/ByteQueue.h"
@@ -13,6 +13,8 @@
 class CPseudoTerminal {
   public:
     CPseudoTerminal();
+    // A line that is there, in place of the master; it has no slave, and no settings are told.
+    explicit CPseudoTerminal(const std::string& path);
 
     int GetMaster() const { return m_master.Get(); }
     int GetSlave() const { return m_slave.Get(); }
@@ -22,6 +24,8 @@ class CPseudoTerminal {
     void ApplySettings(const termios& settings);
     void SetSize(int rows, int columns);
 
+    // Gives the slave away: who has it, has the device open.
+    CDescriptor TakeSlave() { return std::move(m_slave); }
     // Closes the master: for whoever uses the slave, the device is unplugged.
     void CloseMaster() { m_master.Reset(); }
 

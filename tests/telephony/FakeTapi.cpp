@@ -2,7 +2,7 @@
 #include "tests/telephony/FakeTapi.h"
 
 #include "services/telephony/MessageWindow.h"
-#include "telephony/TapiFunctions.h"
+#include "tests/telephony/ServiceFunctions.h"
 
 #include <optional>
 
@@ -128,28 +128,13 @@ class CCall {
     bool m_hasOut = false;
 };
 
-template <int INDEX, class Function> struct SAnswer;
-
-#define FAKE_INDEX(result, name, parameters) Index_##name,
-enum { WIRELET_TAPI_FUNCTIONS(FAKE_INDEX) };
-#define FAKE_NAME(result, name, parameters) #name,
-constexpr LPCSTR NAMES[] = {WIRELET_TAPI_FUNCTIONS(FAKE_NAME)};
-
-template <int INDEX, class... Parameters> struct SAnswer<INDEX, LONG(Parameters...)> {
-    static LONG Run(Parameters... parameters) {
-        CCall call(NAMES[INDEX]);
-        (call.Take(parameters), ...);
-        return call.Finish();
-    }
-};
-
 } // namespace
 
 // The list has no argument to hand on, but the loader asks where a function really is.
 #define FAKE_EXPORT(result, name, parameters)                                                      \
     extern "C" {                                                                                   \
     __attribute__((used)) static auto Resolve_##name() -> result(*) parameters {                   \
-        return &SAnswer<Index_##name, result parameters>::Run;                                     \
+        return &SServiceFunction<CCall, Service_##name, result parameters>::Run;                   \
     }                                                                                              \
     __attribute__((visibility("default"), ifunc("Resolve_" #name))) result name parameters;        \
     }

@@ -33,6 +33,7 @@ int CountAbsent(CVTapiLibrary& library, LONG lStatus) {
 
 TEST(TapiLibrary, IsMissingOrLacking) {
     CVTapiLibrary library;
+    FakeTapi()->calls.clear();
     Install("");
     EXPECT_EQ(library.Load(), 0);
     EXPECT_EQ(CVTapi::LoadTapi(), 0);

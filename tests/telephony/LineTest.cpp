@@ -95,6 +95,7 @@ void Note(DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR dwPara
 }
 
 TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
+    s_noted.clear();
     m_tapi->LineSetUserCallback(Note, 7);
     OpenLine();
     EXPECT_EQ(m_tapi->LineMakeCall("ATD1", 49, nullptr, TRUE), 0);

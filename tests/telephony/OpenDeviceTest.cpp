@@ -10,38 +10,26 @@
 
 namespace {
 
-constexpr char NAME[] = "Modem";
+constexpr char NAME[] = "M/dev/modem";
 constexpr char PATH[] = "/dev/modem";
 
 class COpenDeviceTest : public CTelephonyTest {
   protected:
     void SetUp() override {
         CTelephonyTest::SetUp();
-        FakeTapi()->dwDevices = 1;
-        FakeTapi()->fill = [this](const std::string& call, LPVOID record) {
-            if (call.starts_with("lineGetDevCaps"))
-                FillCapabilities(static_cast<BYTE*>(record));
-            if (call.starts_with("lineGetID"))
-                FillIdentifier(static_cast<BYTE*>(record));
-            return 0;
+        Offer({{NAME}});
+        FakeTapi()->fill = [this, offer = FakeTapi()->fill](const std::string& call,
+                                                            LPVOID record) {
+            if (!call.starts_with("lineGetID"))
+                return offer(call, record);
+            auto& identifier = *static_cast<VARSTRING*>(record);
+            identifier.dwStringOffset = sizeof identifier + 1;
+            identifier.dwStringSize = m_dwIdentifierSize;
+            const auto handle = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(m_hPort));
+            std::memcpy(static_cast<BYTE*>(record) + identifier.dwStringOffset, &handle,
+                        sizeof handle);
+            return LONG{0};
         };
-    }
-
-    static void FillCapabilities(BYTE* record) {
-        auto& capabilities = *reinterpret_cast<LINEDEVCAPS*>(record);
-        capabilities.dwLineNameOffset = sizeof capabilities;
-        capabilities.dwLineNameSize = sizeof NAME;
-        capabilities.dwDevSpecificOffset = sizeof capabilities + sizeof NAME;
-        capabilities.dwDevSpecificSize = sizeof PATH;
-        std::memcpy(record + sizeof capabilities, NAME, sizeof NAME);
-        std::memcpy(record + capabilities.dwDevSpecificOffset, PATH, sizeof PATH);
-    }
-    void FillIdentifier(BYTE* record) const {
-        auto& identifier = *reinterpret_cast<VARSTRING*>(record);
-        identifier.dwStringOffset = sizeof identifier + 1;
-        identifier.dwStringSize = m_dwIdentifierSize;
-        const auto handle = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(m_hPort));
-        std::memcpy(record + identifier.dwStringOffset, &handle, sizeof handle);
     }
 
     HANDLE m_hPort = nullptr;
@@ -74,9 +62,9 @@ TEST_F(COpenDeviceTest, FailuresGiveBackWhatTheyTookAndSayWhy) {
         EXPECT_FALSE(modem.OpenDevice(NAME));
         EXPECT_EQ(GetLastError(), row.error);
         EXPECT_FALSE(modem.IsOpen());
-        EXPECT_NE(
-            TakeTrace().find("8 CVModem::OpenDevice() - " + std::string(row.trace) + " - Modem\n"),
-            std::string::npos);
+        EXPECT_NE(TakeTrace().find("8 CVModem::OpenDevice() - " + std::string(row.trace) + " - " +
+                                   NAME + '\n'),
+                  std::string::npos);
         const std::string calls = TakeCalls();
         EXPECT_NE(calls.find(row.given), std::string::npos) << calls;
         EXPECT_EQ(modem.GetDevicePath(), row.function == std::string("lineGetID") ? "" : PATH);
@@ -95,10 +83,11 @@ TEST_F(COpenDeviceTest, FailuresGiveBackWhatTheyTookAndSayWhy) {
         EXPECT_TRUE(TakeCalls().ends_with("lineDrop 13 null 0\nlineClose 12\n"));
     }
     EXPECT_TRUE(SetEvent(event));
-    EXPECT_FALSE(modem.OpenDevice("modem"));
+    EXPECT_FALSE(modem.OpenDevice("m/dev/modem"));
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(TakeCalls().find("lineOpen"), std::string::npos);
-    EXPECT_TRUE(TakeTrace().ends_with("8 CVModem::OpenDevice() - Cannot Find Device - modem\n\n"));
+    EXPECT_TRUE(
+        TakeTrace().ends_with("8 CVModem::OpenDevice() - Cannot Find Device - m/dev/modem\n\n"));
 }
 
 TEST_F(COpenDeviceTest, AModemIsAPortUntilItIsClosed) {

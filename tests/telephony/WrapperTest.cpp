@@ -1,4 +1,5 @@
-// Every wrapper: what it asks the service, and what it traces of each of its failures.
+// Wrappers of each kind, and those whose reports are worded oddly: what they ask the service, and
+// what they trace of each of their failures.
 #include "tests/telephony/TelephonyTest.h"
 
 namespace {
@@ -39,53 +40,25 @@ struct SRow {
 
 // clang-format off
 const SRow ROWS[] = {
-    {ROW(LineAnswer, TRUE), "lineAnswer 13 null 0", {"No current call handle\n", "lineAnswer() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
     {ROW(LineBlindTransfer, "1", 49, TRUE), "lineBlindTransfer 13 '1' 49", {"No current call handle\n", "lineBlindTransfer() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
     {ROW(LineConfigDialog, 3, nullptr, "c"), "lineConfigDialog 3 null 'c'", {"MLineInitialize() failed returning 0x80000048\n", "LineConfigDialog() failed returning 0x80000048\n"}},
     {ROW(LineConfigDialogEdit, 3, nullptr, "c", "in", 2, CResult<VARSTRING>()), "lineConfigDialogEdit 3 null 'c' * 2 [1024]", {"MLineinitialize failed returning 0x80000048\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n"}},
-    {ROW(LineDial, "1", 49, TRUE), "lineDial 13 '1' 49", {"No current call handle\n", "lineDial() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
     {ROW(LineDrop, TRUE), "lineDrop 13 null 0", {"No current call handle\n", "lineDrop() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
     {ROW(LineGatherDigits, 1, buffer, 2, "#", 3, 4), "lineGatherDigits 13 1 * 2 '#' 3 4", {"No current call handle\n", "lineGatherDigits() failed returning 0x80000048\n"}},
-    {ROW(LineGenerateDigits, 1, "5", 2), "lineGenerateDigits 13 1 '5' 2", {"No current call handle\n", "lineGenerateDigits() failed returning 0x80000048\n"}},
     {ROW(LineGetAppPriority, "a", 1, 2, &value), "lineGetAppPriority 'a' 1 null 2 null", {"lineGetAppPriority() failed returning 0x80000048\n"}},
     {ROW(LineGetCallInfo, CResult<LINECALLINFO>()), "lineGetCallInfo 13 [1296]", {"No current call handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetCallInfo() failed returning 0x80000048\n"}},
-    {ROW(LineGetCallStatus, CResult<LINECALLSTATUS>()), "lineGetCallStatus 13 [1036]", {"No current call handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetCallStatus() failed returning 0x80000048\n"}},
     {ROW(LineGetCountry, 49, CResult<LINECOUNTRYLIST>()), "lineGetCountry 49 65540 [1024]", {"CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetCountry() failed returning 0x80000048\n"}},
     {ROW(LineGetDevCaps, 3, CResult<LINEDEVCAPS>()), "lineGetDevCaps 11 3 65540 0 [1240]", {"MLineInitialize() failed returning 0x80000048\n", "MLineGetDevCaps() failed returning 0x80000048\n"}},
-    {ROW(LineGetDevConfig, 3, CResult<VARSTRING>(), "c"), "lineGetDevConfig 3 [1024] 'c'", {"MLineInitialize() failed returning 0x80000048\n", "MLineGetDevConfig() failed returning 0x80000048\n"}},
-    {ROW(LineGetIcon, 3, "c", &icon), "lineGetIcon 3 'c' *", {"MLineInitialize() failed returning 0x80000048\n", "lineGetIcon() failed returning 0x80000048\n"}},
     {ROW(LineGetID, CResult<VARSTRING>(), "c"), "lineGetID 12 0 13 4 [56] 'c'", {"No valid line handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetID() failed returning 0x80000048\n"}},
-    {ROW(LineGetLineDevStatus, CResult<LINEDEVSTATUS>()), "lineGetLineDevStatus 12 [1076]", {"No valid line handle\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetLineDevStatus() failed returning 0x80000048\n"}},
-    {ROW(LineGetRequest, 1, buffer), "lineGetRequest 11 1 *", {"MLineInitialize() failed returning 0x80000048\n", "lineGetRequest() failed returning 0x80000048\n"}},
-    {ROW(LineGetTranslateCaps, CResult<LINETRANSLATECAPS>()), "lineGetTranslateCaps 11 65540 [1044]", {"MLineInitialize() failed returning 0x80000048\n", "CoTaskMemAlloc() failure #1\n", "CoTaskMemAlloc() failure #2\n", "lineGetTranslateCaps() failed returning 0x80000048\n"}},
-    {ROW(LineHandoff, "a", 1), "lineHandoff 13 'a' 1", {"No current call handle\n", "lineHandoff() failed returning 0x80000048\n"}},
-    {ROW(LineHold, TRUE), "lineHold 13", {"No current call handle\n", "lineHold() failed returning 0x80000048\n", "MLineWaitForReply() failed returning 0x80000048\n"}},
-    {ROW(LineMonitorDigits, 1), "lineMonitorDigits 13 1", {"No current call handle\n", "lineMonitorDigits() failed returning 0x80000048\n"}},
-    {ROW(LineMonitorMedia, 1), "lineMonitorMedia 13 1", {"No current call handle\n", "lineMonitorMedia() failed returning 0x80000048\n"}},
     {ROW(LineRegisterRequestRecipient, 1, 2, TRUE), "lineRegisterRequestRecipient 11 1 2 1", {"MLineInitialize() failed returnint 0x80000048", "lineRegisterRequestRecipient() failed returning 0x80000048"}},
-    {ROW(LineSetAppPriority, "a", 1, 2, 3), "lineSetAppPriority 'a' 1 null 2 null 3", {"lineSetAppPriority() failed returning 0x80000048"}},
-    {ROW(LineSetAppSpecific, 1), "lineSetAppSpecific 13 1", {"No current call handle", "lineSetAppSpecific() failed returning 0x80000048"}},
     {ROW(LineSetCallParams, 1, 2, 3, nullptr, TRUE), "lineSetCallParams 13 1 2 3 null", {"No current call handle", "lineSetCallParams() failed returning 0x80000048", "MLineWaitForReply() failed returning 0x80000048"}},
-    {ROW(LineSetCallPrivilege, 4), "lineSetCallPrivilege 13 4", {"No current call handle", "lineSetCallPrivilege() failed returning 0x80000048"}},
-    {ROW(LineSetCurrentLocation, 1), "lineSetCurrentLocation 11 1", {"MLineInitialize() failed returning 0x80000048", "lineSetCurrentLocation() failed returning 0x80000048"}},
-    {ROW(LineSetDevConfig, 3, buffer, 2, "c"), "lineSetDevConfig 3 * 2 'c'", {"MLineInitialize() failed returning 0x80000048", "lineSetDevConfig() failed returning 0x80000048"}},
-    {ROW(LineSetMediaMode, 16), "lineSetMediaMode 13 16", {"No current call handle", "lineSetMediaMode() failed returning 0x80000048"}},
-    {ROW(LineSetTollList, "1", 2), "lineSetTollList 11 0 '1' 2", {"MLineInitialize() failed returning 0x80000048", "lineSetTollList() failed returning 0x80000048"}},
     {ROW(LineTranslateAddress, "1", 2, 3, CResult<LINETRANSLATEOUTPUT>()), "lineTranslateAddress 11 0 65540 '1' 2 3 [1040]", {"MLineInitialize() failed returning 0x80000048", "CoTaskMemAlloc() failure #1", "CoTaskMemAlloc() failure #2", "lineTranslateAddress() failed returning 0x80000048"}},
-    {ROW(LineTranslateDialog, nullptr, "1"), "lineTranslateDialog 11 0 65540 null '1'", {"MLineInitialize() failed returning 0x80000048", "lineTranslateDialog() failed returning 0x80000048"}},
-    {ROW(LineUnhold, TRUE), "lineUnhold 13", {"No current call handle", "lineUnhold() failed returning 0x80000048", "MLineWaitForReply() failed returning 0x80000048"}},
-    {ROW(PhoneConfigDialog, 3, nullptr, "c"), "phoneConfigDialog 3 null 'c'", {"phoneConfigDialog() failed returning 0x80000048"}},
     {ROW(PhoneGetDevCaps, 3, CResult<PHONECAPS>()), "phoneGetDevCaps 21 3 65540 0 [1144]", {"MPhoneInitialize() failed returning 0x80000048", "MPhoneGetDevCaps() failed returning 0x80000048"}},
-    {ROW(PhoneGetGain, 1, &value), "phoneGetGain 22 1", {"No valid phone handle", "phoneGetGain() failed returing 0x80000048"}},
-    {ROW(PhoneGetHookSwitch, &value), "phoneGetHookSwitch 22", {"No valid phone handle", "phoneGetHookSwitch() failed returing 0x80000048"}},
     {ROW(PhoneGetIcon, 3, "c", &icon), "phoneGetIcon 3 'c' *", {"MPhoneInitialize() failed returning 0x80000048", "phoneGetIcon() failed returing 0x80000048"}},
     {ROW(PhoneGetID, CResult<VARSTRING>(), "c"), "phoneGetID 22 [56] 'c'", {"No valid phone handle", "CoTaskMemAlloc() failure #1", "CoTaskMemAlloc() failure #2", "phoneGetID() failed returning 0x80000048"}},
     {ROW(PhoneGetRing, &value, &value), "phoneGetRing 22", {"No valid phone handle", "phoneGetRing() failed returing 0x80000048"}},
-    {ROW(PhoneGetStatus, CResult<PHONESTATUS>()), "phoneGetStatus 22 [1100]", {"CoTaskMemAlloc() failure #1", "CoTaskMemAlloc() failure #2", "phoneGetStatus() failed returning 0x80000048"}},
-    {ROW(PhoneGetVolume, 1, &value), "phoneGetVolume 22 1", {"No valid phone handle", "phoneGetVolume() failed returing 0x80000048"}},
     {ROW(PhoneSetGain, 1, 2, TRUE), "phoneSetGain 22 1 2", {"No valid phone handle", "phoneSetGain() failed returing 0x80000048", "MPhonwWaitForReply() failed returning 0x80000048"}},
     {ROW(PhoneSetHookSwitch, 1, 2, TRUE), "phoneSetHookSwitch 22 1 2", {"No valid phone handle", "phoneSetHookSwitch() failed returing 0x80000048", "MPhoneWaitForReply() failed returning 0x80000048"}},
-    {ROW(PhoneSetVolume, 1, 2, TRUE), "phoneSetVolume 22 1 2", {"No valid phone handle", "phoneSetVolume() failed returing 0x80000048", "MPhonwWaitForReply() failed returning 0x80000048"}},
 };
 // clang-format on
 

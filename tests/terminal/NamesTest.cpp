@@ -4,10 +4,12 @@
 #include "terminal/CommandLine.h"
 #include "terminal/Decimal.h"
 #include "terminal/DeviceName.h"
+#include "terminal/StandardError.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 #include <initializer_list>
 #include <vector>
 
@@ -32,6 +34,10 @@ TEST(DeviceName, TypedNamesBecomeDevicesAndTitles) {
         {"-B:9600", "-B:9600", FALSE, "-B:9600"},
         {"/dev/ttyUSB0", "/dev/ttyUSB0", TRUE, "/dev/ttyUSB0"},
         {"/dev/COM7:", "/dev/COM7:", TRUE, "/dev/COM7:"},
+        {"./my modem", "./my modem", TRUE, "./my modem"},
+        {"../m", "../m", TRUE, "../m"},
+        {"dev/ttyUSB0", "dev/ttyUSB0", TRUE, "dev/ttyUSB0"},
+        {"Serial Port / Data Cable", "Serial Port / Data Cable", FALSE, "Serial Port / Data Cable"},
         {"", "", FALSE, ""},
         {"CO", "CO", FALSE, "CO"},
     };
@@ -42,6 +48,13 @@ TEST(DeviceName, TypedNamesBecomeDevicesAndTitles) {
         EXPECT_EQ(IsComPort(device), row.isComPort);
         EXPECT_EQ(GetPortDisplayName(device), row.display);
     }
+}
+
+TEST(StandardError, BreaksLinesBetweenWords) {
+    EXPECT_EQ(BreakBetweenWords("one two three", 0), "one two three");
+    EXPECT_EQ(BreakBetweenWords("one two three", 7), "one two\nthree");
+    EXPECT_EQ(BreakBetweenWords("t\xC3\xA9l\xC3\xA9 d muchlonger e f", 6),
+              "t\xC3\xA9l\xC3\xA9 d\nmuchlonger\ne f");
 }
 
 TEST(Decimal, FollowsTheLibraryAndStaysInBounds) {
@@ -72,6 +85,11 @@ TEST(CommandLine, FilesKeepTheirCaseAndLaterSwitchesWin) {
     EXPECT_EQ(g_strCommandFile, "Test.dat");
     EXPECT_EQ(g_strOutputFile, "Out.TXT");
     EXPECT_EQ(g_strScriptFile, "run.scr");
+    setenv("HOME", "/home/me", 1);
+    Parse({"COM1", "-A:~/x", "-O:~", "-S:a~/x"});
+    EXPECT_EQ(g_strCommandFile, "/home/me/x");
+    EXPECT_EQ(g_strOutputFile, "~");
+    EXPECT_EQ(g_strScriptFile, "a~/x");
     EXPECT_EQ(Parse({"COM1", "-B:1200", "-B:2400"}).baudRate, 2400);
     EXPECT_EQ(Parse({"COM1", "B:9600", "-X:foo", "-B", "-", "", "--B:1"}).baudRate, 0);
     EXPECT_EQ(Parse({"-B:9600"}).port, "-B:9600");

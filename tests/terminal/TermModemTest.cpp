@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 class CTestTermModem : public CTermModem {
@@ -40,6 +42,26 @@ TEST(TermModem, KnowsFinalResultsOfCommandFiles) {
         EXPECT_EQ(modem.WaitForFinalResult(response, row.final ? kMinute : 30), row.final);
         EXPECT_EQ(response, row.response);
     }
+}
+
+TEST(TermModem, EachLineIsSentToAModemThatIsReadyAndThere) {
+    CSubstituteSerial serial(CSubstituteSerial::Kind::Waitable);
+    CTestTermModem modem(&serial);
+    ASSERT_TRUE(modem.Open("port"));
+    serial.m_answer = "\r\nOK\r\n";
+    DWORD sent = 0;
+    for (const DWORD pause : {0, 100}) {
+        std::string response;
+        serial.m_calls.clear();
+        EXPECT_TRUE(modem.SendLineWaitFinal("AT\r", response));
+        EXPECT_EQ(serial.m_calls, (std::vector<std::string>{"flush 1", "flush 2", "write AT\r"}));
+        EXPECT_GE(serial.m_dwWriteTick - std::exchange(sent, serial.m_dwWriteTick), pause);
+    }
+    serial.Vanish();
+    serial.m_calls.clear();
+    std::string response;
+    EXPECT_FALSE(modem.SendLineWaitFinal("AT\r", response));
+    EXPECT_TRUE(serial.m_calls.empty());
 }
 
 TEST(TermModem, AFullBufferWaitsOutTheTimeWithoutReadingOn) {

@@ -1,22 +1,9 @@
 #include "tests/vm/DriverSession.h"
 
-CDriverSession::~CDriverSession() {
-    m_pump.Remove(*m_farEnd);
-    if (m_modemEnd)
-        m_pump.Remove(*m_modemEnd);
-}
-
-void CDriverSession::Connect() {
-    if (m_farEnd)
-        m_pump.Remove(*m_farEnd);
-    m_farEnd.emplace(GetParam().farEnd);
-    m_pump.Add(*m_farEnd);
-}
-
 void CDriverSession::ConnectModem(const std::vector<std::string>& options) {
     m_modem.emplace(m_pump, options);
     m_modemEnd.emplace(m_modem->GetPath());
-    m_modemEnd->JoinTo(*m_farEnd);
+    m_modemEnd->JoinTo(m_device);
     m_pump.Add(*m_modemEnd);
 }
 
@@ -26,7 +13,7 @@ void CDriverSession::StartOnCable(const std::vector<std::string>& options) {
     if (m_modem)
         return;
     // After a replugging, the gadget may still have something of before.
-    std::string& received = m_farEnd->GetReceived();
+    std::string& received = m_device.GetReceived();
     ASSERT_TRUE(Fulfils("the initialisation", [&] { return received.ends_with("ATE1V1\r"); }));
     received.clear();
 }

@@ -10,10 +10,9 @@
 class CDriverSession : public CSessionTest, public testing::WithParamInterface<Cable> {
   protected:
     CDriverSession() { Connect(); }
-    ~CDriverSession() override;
 
     // Takes hold of the far end, again once the device was unplugged.
-    void Connect();
+    void Connect() { m_device = OpenFarEnd(GetParam().farEnd); }
     // The simulated modem takes the far end over.
     void ConnectModem(const std::vector<std::string>& options = {});
     // Starts the interactive terminal and waits for it.
@@ -22,16 +21,14 @@ class CDriverSession : public CSessionTest, public testing::WithParamInterface<C
     void StartCommandFile(const std::string& commands);
     void StartScript(const std::string& statements);
 
-    Result FarEndGets(const std::string& bytes) { return m_farEnd->Gets(m_pump, bytes); }
     // The program ends in order, and before a driver's wait for its output is over.
     Result EndsSoon();
     // So it does at the user's key, and leaves the terminal in order.
     Result EndsByKey();
 
     const std::string m_capture = m_folder.GetPath("capture");
-    std::optional<CFarEnd> m_farEnd;
 
   private:
+    std::optional<CDevice> m_modemEnd;
     std::optional<CSimulator> m_modem;
-    std::optional<CFarEnd> m_modemEnd;
 };

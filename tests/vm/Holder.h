@@ -32,6 +32,12 @@ class CHolder {
         SetLines(TIOCM_OUT2 | TIOCM_DTR);
     }
 
+    // Whether others than root are kept out.
+    bool IsExclusive() const {
+        int isExclusive = 0;
+        return ioctl(m_device.Get(), TIOCGEXCL, &isExclusive) == 0 && isExclusive != 0;
+    }
+
     termios GetSettings() const {
         termios settings{};
         EXPECT_EQ(tcgetattr(m_device.Get(), &settings), 0);

@@ -21,24 +21,6 @@ TEST_P(CModemTest, InteractiveSession) {
     EXPECT_TRUE(EndsByKey());
 }
 
-TEST_P(CModemTest, CommandFile) {
-    ConnectModem();
-    StartCommandFile("ATE0\nAT+CGMI\nAT+NONE\n");
-    ASSERT_TRUE(EndsSoon());
-    EXPECT_EQ(ReadWholeFile(m_capture),
-              "ATE0\r\nATE0\r\n\r\nOK\r\nAT+CGMI\r\n\r\nWirelet\r\n\r\nOK\r\n"
-              "AT+NONE\r\n\r\nERROR\r\n");
-}
-
-TEST_P(CModemTest, Script) {
-    ConnectModem();
-    StartScript("MessageBox(SendCommandGetString(\"AT+CGMI\\r\"), \"The maker\")");
-    ASSERT_TRUE(Shows("The maker"));
-    EXPECT_GE(Screen().FindRow("Wirelet"), 0) << Screen().GetText();
-    Type("\r");
-    EXPECT_TRUE(EndsSoon());
-}
-
 TEST_P(CModemTest, ASecondProgramIsRefused) {
     StartOnCable();
     CCollector errors;
@@ -50,11 +32,11 @@ TEST_P(CModemTest, ASecondProgramIsRefused) {
     m_pump.Add(errors);
     m_pump.Add(second);
     EXPECT_TRUE(Fulfils("the refusal", [&] { return second.HasEnded() && errors.HasEnded(); }));
-    EXPECT_EQ(errors.GetText(), std::string(GetParam().device) + ": in use by process " +
-                                    std::to_string(m_program->GetId()) +
-                                    " (wirelet). End it, or choose another device.\n");
+    EXPECT_EQ(errors.GetText(), "wirelet: " + std::string(GetParam().device) +
+                                    ": in use by process " + std::to_string(m_program->GetId()) +
+                                    " (wirelet); end it, or choose another device\n");
     // The first one has not noticed.
-    m_farEnd->Send("still here");
+    m_device.Send("still here");
     EXPECT_TRUE(Shows("still here"));
     m_pump.Remove(errors);
     m_pump.Remove(second);
@@ -101,10 +83,10 @@ TEST_P(CMegabyteTest, ArrivesWholeEachWayAtOnce) {
     const std::string path = m_folder.GetPath("output");
     const CDescriptor output(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     StartWith(input.Get(), output.Get(), -1, {GetParam().device});
-    std::string& received = m_farEnd->GetReceived();
+    std::string& received = m_device.GetReceived();
     // What comes before the port has left the kernel's line mode, the kernel echoes.
     ASSERT_TRUE(Fulfils("the start", [&] { return !received.empty(); }));
-    m_farEnd->Send(text);
+    m_device.Send(text);
     ASSERT_TRUE(m_pump.RunUntil([this] { return m_program->HasEnded(); }, GUARD * 50));
     EXPECT_TRUE(received == "ATE1V1\r" + text) << received.size();
     const std::string shown = ReadWholeFile(path);
@@ -117,12 +99,12 @@ INSTANTIATE_TEST_SUITE_P(Cables, CStuckSession, testing::Values(ACM), NameOfCabl
 // Whose driver cannot discard what it was given.
 TEST_P(CStuckSession, TheEndDoesNotWait) {
     StartOnCable();
-    m_pump.Remove(*m_farEnd);
+    m_pump.Remove(m_device);
     Type(std::string(200000, 't'));
     EXPECT_TRUE(Fulfils("the keys", [this] { return m_terminal.IsAllSent(); }));
     m_pump.RunFor(std::chrono::milliseconds(300));
     EXPECT_TRUE(EndsByKey());
-    m_pump.Add(*m_farEnd);
+    m_pump.Add(m_device);
 }
 
 class CFlowSession : public CDriverSession {};
@@ -141,13 +123,13 @@ TEST_P(CFlowSession, TheScreenGoesOn) {
     const auto blockAndHear = [&](const std::string& cleared, const std::string& text) {
         holder.LowerCts([&] { choose("2", "Set to Hardware"); });
         Type(typed);
-        m_farEnd->Send(cleared + text);
+        m_device.Send(cleared + text);
         EXPECT_TRUE(Shows(text));
     };
     blockAndHear("", "the device goes on");
-    EXPECT_EQ(m_farEnd->GetReceived(), "");
+    EXPECT_EQ(m_device.GetReceived(), "");
     choose("1", "Set to None");
-    EXPECT_TRUE(FarEndGets(typed));
+    EXPECT_TRUE(DeviceGets(typed));
     blockAndHear("\x1B[2J", "and on");
     EXPECT_TRUE(EndsByKey());
 }

@@ -5,8 +5,8 @@
 
 namespace {
 
-// It is the far end itself.
-constexpr Cable PLAYED = {"played", "/dev/ttyUSB1", "/dev/null"};
+// It is the far end itself; at the other adapter's nothing happens.
+constexpr Cable PLAYED = {"played", "/dev/ttyUSB1", ADAPTER.farEnd};
 
 } // namespace
 

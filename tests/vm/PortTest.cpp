@@ -49,6 +49,7 @@ TEST_P(CChipTest, LinesMoveAsTold) {
     holder.SetLines(TIOCM_RTS);
     Moves();
     Open();
+    EXPECT_TRUE(holder.IsExclusive());
     EXPECT_EQ(Moves(), "+DTR");
     EXPECT_EQ(status(), LINE_DTR);
     for (const auto& step : steps) {
@@ -65,6 +66,7 @@ TEST_P(CChipTest, LinesMoveAsTold) {
     EXPECT_EQ(m_serial->GetLineStatus(), LINE_DTR | LINE_RTS | LINE_CTS | LINE_DSR | LINE_DCD);
     m_serial->Close();
     EXPECT_EQ(Moves(), "-DTR");
+    EXPECT_FALSE(holder.IsExclusive());
 }
 
 TEST_P(CChipTest, FormatsAndFlowControlReachTheChip) {

@@ -34,7 +34,15 @@ class CSerialTest : public testing::TestWithParam<Cable> {
         });
         return bytes;
     }
-    auto FarEndGets(const std::string& bytes) { return m_farEnd.Gets(m_pump, bytes); }
+    // Whether exactly these bytes come, since the last time; waits for them.
+    testing::AssertionResult FarEndGets(const std::string& bytes) {
+        m_pump.RunUntil([&] { return m_farEnd.GetReceived().size() >= bytes.size(); });
+        const std::string received = std::exchange(m_farEnd.GetReceived(), {});
+        return received == bytes ? testing::AssertionSuccess()
+                                 : testing::AssertionFailure()
+                                       << received.size()
+                                       << " bytes came: " << received.substr(0, 200);
+    }
 
     static auto CountThreads() {
         return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
@@ -49,6 +57,6 @@ class CSerialTest : public testing::TestWithParam<Cable> {
 
     CReportLog m_log;
     CPump m_pump;
-    CFarEnd m_farEnd{GetParam().farEnd};
+    CDevice m_farEnd = OpenFarEnd(GetParam().farEnd);
     CInterfacePtr<ISerial> m_serial;
 };

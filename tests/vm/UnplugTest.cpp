@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(Cables, CUnplugTest, testing::Values(ADAPTER, ACM), Nam
 TEST_P(CUnplugTest, WhileIdle) {
     StartOnCable({"-O:" + m_log});
     const std::string text = MakeLines(500) + "\x1B[20;1Hlast\x1B[10;5H\x1B[1;31;44mcoloured";
-    m_farEnd->Send(text);
+    m_device.Send(text);
     ASSERT_TRUE(Shows("coloured"));
     Unplug(GetParam());
     ExpectGone();
@@ -54,10 +54,10 @@ TEST_P(CUnplugTest, WhileIdle) {
 TEST_P(CUnplugTest, InMidOutput) {
     StartOnCable({"-O:" + m_log});
     const std::string text = MakeLines(1000000);
-    m_farEnd->Send(text);
+    m_device.Send(text);
     ASSERT_TRUE(Fulfils("output", [this] { return m_terminal.GetOutput().size() > 20000; }));
     Unplug(GetParam());
-    EXPECT_FALSE(m_farEnd->IsAllSent());
+    EXPECT_FALSE(m_device.IsAllSent());
     ExpectGone();
     EXPECT_TRUE(Ends());
     // A piece that has no room is left out; of what comes behind it, a smaller one may have.
@@ -80,7 +80,7 @@ TEST_P(CUnplugTest, DuringAPaste) {
             return condition();
         });
     };
-    ASSERT_TRUE(pasteUntil([this] { return m_farEnd->GetReceived().size() > 20000; }));
+    ASSERT_TRUE(pasteUntil([this] { return m_device.GetReceived().size() > 20000; }));
     Unplug(GetParam());
     const std::size_t pastedBefore = pasted;
     EXPECT_LT(pastedBefore, 1u << 20);
@@ -94,10 +94,10 @@ TEST_P(CUnplugTest, DuringAPaste) {
 
 TEST_P(CUnplugTest, WhileACommandFileWaits) {
     StartCommandFile("AT+CSQ\nATI\n");
-    ASSERT_TRUE(FarEndGets("AT+CSQ\r"));
-    m_farEnd->Send("\r\n+CSQ: 20,0\r\n\r\nOK\r\n");
-    ASSERT_TRUE(FarEndGets("ATI\r"));
-    m_farEnd->Send("\r\nhalf of an answ");
+    ASSERT_TRUE(DeviceGets("AT+CSQ\r"));
+    m_device.Send("\r\n+CSQ: 20,0\r\n\r\nOK\r\n");
+    ASSERT_TRUE(DeviceGets("ATI\r"));
+    m_device.Send("\r\nhalf of an answ");
     m_pump.RunFor(std::chrono::seconds(1));
     Unplug(GetParam());
     ExpectGone();
@@ -109,7 +109,7 @@ TEST_P(CUnplugTest, WhileACommandFileWaits) {
 
 TEST_P(CUnplugTest, WhileAScriptWaits) {
     StartScript("SendString(\"ready\\r\")\r\nWaitForString(\"go\", 600000)");
-    ASSERT_TRUE(FarEndGets("ready\r"));
+    ASSERT_TRUE(DeviceGets("ready\r"));
     Unplug(GetParam());
     ExpectGone();
     EXPECT_TRUE(Ends());

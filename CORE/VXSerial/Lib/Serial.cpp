@@ -21,8 +21,16 @@ CVSerial::CVSerial(IUnknown* pUnkOuter)
     : CVComponent(pUnkOuter), CVDelegated<ISerial>(ControllingObject()), CVDelegated<ISerialWait>(
                                                                              ControllingObject()) {}
 
-CVSerial::~CVSerial() {
-    DEBUG_VERIFY(Close());
+void CVSerial::operator delete(CVSerial* serial, std::destroying_delete_t) {
+    serial->Close();
+    serial->LetGo();
+}
+
+void CVSerial::LetGo() {
+    if (--m_nUsers > 0)
+        return;
+    this->~CVSerial();
+    ::operator delete(this);
 }
 
 void* CVSerial::FindInterface(const IID& riid) {

@@ -2,7 +2,7 @@
 //
 // Made by CreateSerial and held through ISerial; whoever would rather block than poll asks it for
 // ISerialWait. An outer object that aggregates it gets at the inner face, to query and delete it,
-// by dynamic_cast<CVComponent*> of the interface. Destruction closes the port.
+// by dynamic_cast<CVComponent*> of the interface. Deletion closes the port.
 //
 // Any thread may call the operations of ISerial. They hold the port lock from start to end, also
 // while Write waits for space; IsOpen and GetLineStatus take no lock. The settings belong to the
@@ -21,6 +21,9 @@
 // this _NOTIFY_REARM, which the comm-event thread gives itself, takes the notify lock alone; that
 // one is held for moments only. And a thread that has seen neither its end event nor the cleared
 // event mask sees m_bCommNotifyStopping before it begins a wait that nothing would end.
+//
+// A thread that a driver call holds is given up after a time: from then on all its waits fail, so
+// it ends once it comes back. The object's memory stays until then.
 #pragma once
 
 #include "CORE/VXSerial/Lib/CommBuffer.h"
@@ -31,15 +34,19 @@
 #include "common/UniqueHandle.h"
 #include "platform/Comm.h"
 #include "platform/Message.h"
+#include "platform/Thread.h"
 
 #include <atomic>
+#include <new>
 
 class CVSerial final : public CVComponent,
                        public CVDelegated<ISerial>,
                        public CVDelegated<ISerialWait> {
   public:
     explicit CVSerial(IUnknown* pUnkOuter);
-    ~CVSerial() override;
+    ~CVSerial() override = default;
+    // Closes the port, and leaves the rest to the last thread that still uses the object.
+    static void operator delete(CVSerial* serial, std::destroying_delete_t);
 
     // ISerial
     BOOL Open(LPCSTR szPort) override;
@@ -103,6 +110,9 @@ class CVSerial final : public CVComponent,
     DWORD ReadOverlapped(LPVOID pBuffer, DWORD dwCount);
 
     // Threads; the port lock is held, but by the threads' own.
+    HANDLE CreateOwnThread(LPTHREAD_START_ROUTINE routine, DWORD dwFlags);
+    DWORD RunOwnThread(DWORD (CVSerial::*run)());
+    void LetGo();
     BOOL StartThreads();
     BOOL StopThreads();
     BOOL StartWriteThread();
@@ -139,6 +149,7 @@ class CVSerial final : public CVComponent,
     bool CountPending(SPending& pending);
     DWORD GetLineRate();
 
+    std::atomic<int> m_nUsers = 1; // the owner and the threads
     std::atomic<WORD> m_wLineState = 0;
     BOOL m_bOverlapped = FALSE;
     BOOL m_bCommNotifyEnabled = FALSE;

@@ -26,8 +26,7 @@ BOOL CVSerial::StartCommNotifyThread() {
     if (!CreateCommNotifyEvents())
         return FALSE;
     m_bCommNotifyStopping = false;
-    m_hCommNotifyThread.Reset(
-        CreateThread(nullptr, 0, CommNotifyThreadProc, this, CREATE_SUSPENDED, nullptr));
+    m_hCommNotifyThread.Reset(CreateOwnThread(CommNotifyThreadProc, CREATE_SUSPENDED));
     if (!m_hCommNotifyThread) {
         DebugReport("CVSerial::StartCommNotifyThread() - CreateThread() failed - "
                     "GetLastError() = %ld",
@@ -88,7 +87,8 @@ void CVSerial::CloseCommNotifyEvents() {
 
 DWORD CVSerial::CommNotifyThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return pObject ? static_cast<CVSerial*>(pObject)->RunCommNotifyThread() : 0;
+    return pObject ? static_cast<CVSerial*>(pObject)->RunOwnThread(&CVSerial::RunCommNotifyThread)
+                   : 0;
 }
 
 DWORD CVSerial::RunCommNotifyThread() {

@@ -26,8 +26,7 @@ BOOL CVSerial::StartModemMonitorThread() {
                     static_cast<long>(GetLastError()));
         return FALSE;
     }
-    m_hModemMonitorThread.Reset(
-        CreateThread(nullptr, 0, ModemMonitorThreadProc, this, CREATE_SUSPENDED, nullptr));
+    m_hModemMonitorThread.Reset(CreateOwnThread(ModemMonitorThreadProc, CREATE_SUSPENDED));
     if (!m_hModemMonitorThread) {
         DebugReport("CVSerial::StartModemMonitorThread() - CreateThread() failed - "
                     "GetLastError() = %ld",
@@ -57,7 +56,8 @@ BOOL CVSerial::StopModemMonitorThread() {
 
 DWORD CVSerial::ModemMonitorThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return pObject ? static_cast<CVSerial*>(pObject)->RunModemMonitorThread() : 0;
+    return pObject ? static_cast<CVSerial*>(pObject)->RunOwnThread(&CVSerial::RunModemMonitorThread)
+                   : 0;
 }
 
 DWORD CVSerial::RunModemMonitorThread() {

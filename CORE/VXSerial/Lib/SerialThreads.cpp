@@ -10,6 +10,20 @@
 #include <memory>
 #include <new>
 
+HANDLE CVSerial::CreateOwnThread(LPTHREAD_START_ROUTINE routine, DWORD dwFlags) {
+    ++m_nUsers;
+    const HANDLE thread = CreateThread(nullptr, 0, routine, this, dwFlags, nullptr);
+    if (!thread)
+        --m_nUsers;
+    return thread;
+}
+
+DWORD CVSerial::RunOwnThread(DWORD (CVSerial::*run)()) {
+    const DWORD result = (this->*run)();
+    LetGo();
+    return result;
+}
+
 BOOL CVSerial::StartThreads() {
     DEBUG_ASSERT(IsOpen());
     if (!StartWriteThread()) {
@@ -50,7 +64,7 @@ BOOL CVSerial::StartWriteThread() {
         m_hWriteThreadEndEvent.Reset();
         return FALSE;
     }
-    m_hWriteThread.Reset(CreateThread(nullptr, 0, WriteThreadProc, this, 0, nullptr));
+    m_hWriteThread.Reset(CreateOwnThread(WriteThreadProc, 0));
     if (!m_hWriteThread) {
         DebugReport("CVSerial::StartWriteThread() - CreateThread() failed - GetLastError() = %ld",
                     static_cast<long>(GetLastError()));
@@ -88,7 +102,7 @@ BOOL CVSerial::StopWriteThread() {
 
 DWORD CVSerial::WriteThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return pObject ? static_cast<CVSerial*>(pObject)->RunWriteThread() : 0;
+    return pObject ? static_cast<CVSerial*>(pObject)->RunOwnThread(&CVSerial::RunWriteThread) : 0;
 }
 
 DWORD CVSerial::RunWriteThread() {
@@ -105,7 +119,9 @@ DWORD CVSerial::RunWriteThread() {
         return 0xFFFFFFFF;
     }
     while (WaitForMultipleObjects(2, waitSet, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
-        while (WriteNextChunk(chunk.get(), size) != 0)
+        // For a thread that was given up the wait fails.
+        while (WriteNextChunk(chunk.get(), size) != 0 &&
+               WaitForSingleObject(m_cvTXBuffer.GetDataEvent(), 0) == WAIT_OBJECT_0)
             continue;
     }
     return 0;

@@ -38,7 +38,7 @@ CTestBus::~CTestBus() {
 }
 
 CModemManagerMock::CModemManagerMock(EManager behaviour, std::string port)
-    : m_behaviour(behaviour), m_port(std::move(port)) {
+    : m_behaviour(behaviour), m_port(std::move(port)), m_bKnows(behaviour != EManager::Probes) {
     EXPECT_GE(sd_bus_open_system(&m_bus), 0);
     EXPECT_GE(sd_bus_request_name(m_bus, kManager, 0), 0);
     const auto answer = [](sd_bus_message* message, void* mock, sd_bus_error*) {
@@ -49,17 +49,27 @@ CModemManagerMock::CModemManagerMock(EManager behaviour, std::string port)
                                nullptr),
               0);
     m_thread = std::thread([this] {
-        pollfd events[] = {{sd_bus_get_fd(m_bus), POLLIN, 0}, {m_end.reader.Get(), POLLIN, 0}};
-        while (events[1].revents == 0) {
+        pollfd events[] = {{sd_bus_get_fd(m_bus), POLLIN, 0}, {m_orders.reader.Get(), POLLIN, 0}};
+        for (;;) {
             while (sd_bus_process(m_bus, nullptr) > 0) {
             }
             poll(events, std::size(events), -1);
+            char order = 0;
+            if (events[1].revents != 0 && read(m_orders.reader.Get(), &order, 1) != 1)
+                return;
+            if (order != 0) {
+                m_bKnows = true;
+                EXPECT_GE(sd_bus_emit_signal(m_bus, "/org/freedesktop/ModemManager1",
+                                             "org.freedesktop.DBus.ObjectManager",
+                                             "InterfacesAdded", "oa{sa{sv}}", "/modem", 0),
+                          0);
+            }
         }
     });
 }
 
 CModemManagerMock::~CModemManagerMock() {
-    m_end.writer.Reset();
+    m_orders.writer.Reset();
     m_thread.join();
     sd_bus_close_unref(m_bus);
 }
@@ -79,7 +89,10 @@ int CModemManagerMock::Answer(sd_bus_message* call) {
     return 0;
 }
 
-int CModemManagerMock::AnswerList(sd_bus_message* call) const {
+int CModemManagerMock::AnswerList(sd_bus_message* call) {
+    m_bListed = true;
+    if (!m_bKnows)
+        return sd_bus_reply_method_return(call, "a{oa{sa{sv}}}", 0);
     if (m_behaviour == EManager::TalksNonsense)
         return sd_bus_reply_method_return(call, "a{oa{sa{sv}}}", 1, "/modem", 1,
                                           "org.freedesktop.ModemManager1.Modem", 2, "Device", "u",
@@ -102,7 +115,7 @@ int CModemManagerMock::AnswerInhibit(sd_bus_message* call) {
         return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS, "not this one");
     if (m_behaviour == EManager::NeverAnswers)
         return 1;
-    if (m_behaviour == EManager::Refuses)
+    if (m_behaviour == EManager::Refuses || !m_bKnows)
         return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "not\nallowed");
     m_holder = sd_bus_message_get_sender(call);
     m_bLetGo = true;

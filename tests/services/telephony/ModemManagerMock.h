@@ -28,6 +28,7 @@ enum class EManager {
     Refuses,
     NeverAnswers,
     TalksNonsense, // in place of its list
+    Probes,        // knows of nothing and refuses, until it tells of the modem; then lets go
 };
 
 // Answers on a thread of its own.
@@ -39,12 +40,16 @@ class CModemManagerMock {
 
     // Asked to let go, ever.
     bool WasAsked() const { return m_bAsked; }
+    // Asked which modems it has, ever.
+    bool WasListed() const { return m_bListed; }
+    // Has it tell everybody of its modem.
+    void TellOfModem() { EXPECT_EQ(write(m_orders.writer.Get(), "t", 1), 1); }
     // Somebody whom it has let have the modem is still on the bus.
     bool HasLetGo() const { return m_bLetGo; }
 
   private:
     int Answer(sd_bus_message* call);
-    int AnswerList(sd_bus_message* call) const;
+    int AnswerList(sd_bus_message* call);
     int AnswerInhibit(sd_bus_message* call);
 
     const EManager m_behaviour;
@@ -53,6 +58,8 @@ class CModemManagerMock {
     std::string m_holder;
     std::atomic<bool> m_bAsked = false;
     std::atomic<bool> m_bLetGo = false;
-    Pipe m_end;
+    std::atomic<bool> m_bListed = false;
+    bool m_bKnows = true;
+    Pipe m_orders;
     std::thread m_thread;
 };

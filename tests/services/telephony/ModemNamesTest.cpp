@@ -79,6 +79,7 @@ TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
         {"Acme", "", "", "", "Acme"},
         {"", "", "", "", "Serial modem"},
         {"Compal", "HSPA", "", "", "Modem Compal HSPA"},
+        {"", "V.90/92", "", "", "Modem V.90/92"},
     };
     SerialInterface serial = MakeInterface("/sys/1-2:1.0");
     for (const auto& row : rows) {

@@ -45,7 +45,8 @@ class CTapiModule : public CVTapiLibrary {
     HLINE OpenLine(const std::string& name, DWORD_PTR instance = 0);
     // The result of the request.
     LONG StartCall(HLINE hLine, HCALL* hCall);
-    // What the service replies; or the failure of the request.
+    // What the service replies to a request; or the failure of the request.
+    LONG AwaitReply(LONG request) const;
     LONG MakeCall(HLINE hLine, HCALL* hCall);
     // The reply to a drop.
     LONG Drop(HCALL hCall) { return AwaitReply(lineDrop(hCall, nullptr, 0u)); }
@@ -62,8 +63,6 @@ class CTapiModule : public CVTapiLibrary {
   private:
     static void OnEvent(DWORD hDevice, DWORD message, DWORD_PTR instance, DWORD_PTR parameter1,
                         DWORD_PTR parameter2, DWORD_PTR parameter3);
-    LONG AwaitReply(LONG request) const;
-
     DWORD m_dwDevices = 0;
 };
 

@@ -1,5 +1,4 @@
 #include "script/FilePieces.h"
-#include "script/TextWatch.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -8,25 +7,6 @@
 #include <vector>
 
 namespace {
-
-// The byte at which the text was found, counted from 1.
-std::size_t Watch(std::string_view text, std::string_view bytes) {
-    CTextWatch watch(text);
-    for (std::size_t index = 0; index < bytes.size(); ++index)
-        if (watch.Take(bytes[index]))
-            return index + 1;
-    return 0;
-}
-
-TEST(TextWatch, FindsATextWhateverCameBeforeIt) {
-    EXPECT_EQ(Watch("CONNECT", "CONCONNECT 9600"), 10u);
-    EXPECT_EQ(Watch("aab", "aaaab"), 5u);
-    EXPECT_EQ(Watch("abab", "abaabab"), 7u);
-    EXPECT_EQ(Watch("abacabad", "abacabacabad"), 12u);
-    EXPECT_EQ(Watch("OK", "O K"), 0u);
-    EXPECT_EQ(Watch("", "x"), 1u);
-    EXPECT_EQ(Watch("", ""), 0u);
-}
 
 TEST(FilePieces, EndBehindALineFeedOrAt255Bytes) {
     const CTempFolder folder;

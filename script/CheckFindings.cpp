@@ -1,0 +1,12 @@
+#include "script/CheckFindings.h"
+
+#include "script/ScriptError.h"
+
+void CCheckFindings::Add(DWORD line, DWORD code, std::string_view detail) {
+    if (m_findings.size() == MOST)
+        return;
+    std::string text = ErrorText(code);
+    if (!detail.empty())
+        text.append(" ").append(detail);
+    m_findings.emplace(line, std::move(text));
+}

@@ -1,0 +1,29 @@
+#include "script/CheckScope.h"
+
+#include "script/ScriptValue.h"
+
+#include <ranges>
+
+CCheckScope::CCheckScope() {
+    Open();
+    for (const BuiltinEntry& entry : g_Builtins) {
+        if (entry.handler == nullptr)
+            continue;
+        CheckSymbol symbol;
+        symbol.size = SIZE_FUNCTION;
+        symbol.builtin = &entry;
+        Define(entry.name, symbol);
+    }
+}
+
+CheckSymbol* CCheckScope::Define(std::string_view name, const CheckSymbol& symbol) {
+    const auto [entry, isNew] = m_scopes.back().try_emplace(name, symbol);
+    return isNew ? &entry->second : nullptr;
+}
+
+const CheckSymbol* CCheckScope::Find(std::string_view name) const {
+    for (const auto& scope : std::views::reverse(m_scopes))
+        if (const auto entry = scope.find(name); entry != scope.end())
+            return &entry->second;
+    return nullptr;
+}

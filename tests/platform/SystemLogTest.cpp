@@ -1,0 +1,59 @@
+#include "platform/SystemLog.h"
+
+#include "platform/objects/HandleObject.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <cstring>
+#include <ctime>
+#include <thread>
+
+// A daemon that starts late and reads late: nobody waits for it, and it hears how much it missed.
+TEST(SystemLog, LosesRatherThanBlocksAndTellsHowMany) {
+    constexpr int kThreads = 4;
+    constexpr int kTexts = 300;
+    const CTempFolder folder;
+    const std::string path = folder.GetPath("log");
+    const platform::CDescriptor daemon(
+        socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+
+    platform::CSystemLog log(path.c_str());
+    const std::string half(300, 'a');
+    const std::string text = half + "%s%n\n" + half;
+    const auto write = [&] { log.Write(platform::ELogSeverity::Debug, text.c_str()); };
+    write();
+    ASSERT_EQ(bind(daemon.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread)
+        threads.emplace_back([&] {
+            for (int count = 0; count < kTexts; ++count)
+                write();
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+
+    int known = 0;
+    for (int turn = 0; turn < 2; ++turn) {
+        char datagram[1000];
+        ssize_t length = 0;
+        while ((length = recv(daemon.Get(), datagram, sizeof datagram - 1, 0)) > 0) {
+            datagram[length] = '\0';
+            tm time{};
+            const char* const head = strptime(datagram, "<15>%b %d %T wirelet: ", &time);
+            ASSERT_NE(head, nullptr) << datagram;
+            int lost = 0;
+            std::sscanf(head, "(lost before: %d)", &lost);
+            known += 1 + lost;
+            EXPECT_TRUE(std::string_view(datagram).ends_with(text));
+        }
+        if (turn == 0)
+            write();
+    }
+    EXPECT_EQ(known, 1 + kThreads * kTexts + 1);
+}

@@ -1,0 +1,122 @@
+// The dialogues of dialogues.txt, and what does not go into a file of texts.
+#include "tests/simulator/TestModem.h"
+#include "tests/support/TempFolder.h"
+
+#include <sstream>
+
+using namespace modemsim;
+
+namespace {
+
+const std::string connectLine = "\r\nCONNECT\r\n";
+
+std::string Unescape(std::string_view text) {
+    std::string bytes;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        const char kind = text[index] == '\\' ? text[++index] : '\0';
+        if (kind == 'x')
+            bytes += static_cast<char>(std::stoi(std::string(text.substr(index + 1, 2)), {}, 16));
+        else
+            bytes += kind == 'r' ? '\r' : kind == 'n' ? '\n' : text[index];
+        index += kind == 'x' ? 2 : 0;
+    }
+    return bytes;
+}
+
+void Hold(const std::string& dialogue, bool isBytewise) {
+    std::optional<CTestModem> modem;
+    std::string options = "--no-echo --messages 0", done, sent, expected;
+    std::istringstream lines(dialogue + ". 0\n");
+    for (std::string line; std::getline(lines, line);) {
+        const std::string rest = Unescape(line.substr(2));
+        if (line[0] == '$')
+            options += ' ' + rest;
+        if (line[0] == '<')
+            expected += rest;
+        if (line[0] != '>' && line[0] != '.')
+            continue;
+        EXPECT_EQ(sent, expected) << "behind " << done << " of\n" << dialogue;
+        if (!modem)
+            modem.emplace(QuietProfile(options));
+        expected.clear();
+        done = line;
+        if (line[0] == '.')
+            sent = modem->Wait(std::stoll(rest));
+        else
+            sent = isBytewise ? modem->TypeBytewise(rest) : modem->Type(rest);
+    }
+}
+
+} // namespace
+
+TEST(Dialogues, GoAsTheFileSays) {
+    std::istringstream lines(ReadWholeFile(DIALOGUES));
+    std::string dialogue;
+    int count = 0;
+    for (std::string line; std::getline(lines, line) || !dialogue.empty();) {
+        if (lines && !line.empty()) {
+            dialogue += line + '\n';
+            continue;
+        }
+        Hold(dialogue, false);
+        Hold(dialogue, true);
+        dialogue.clear();
+        ++count;
+    }
+    EXPECT_GT(count, 40);
+}
+
+TEST(Dialogues, EchoShowsWhatIsTyped) {
+    CTestModem modem;
+    EXPECT_EQ(modem.TypeBytewise("at\r\n"), "at\r\r\nOK\r\n");
+    EXPECT_EQ(modem.Type("ATX\b\b\b\bA"), "ATX\b \b\b \b\b \bA");
+    EXPECT_EQ(modem.Type("TE0\r"), "TE0\r\r\nOK\r\n");
+    EXPECT_EQ(modem.Type("AT\r"), okLine);
+    EXPECT_EQ(modem.Type("ATZ\rAT\r"), "\r\nOK\r\nAT\r\r\nOK\r\n");
+}
+
+TEST(Dialogues, DataModeEchoesEveryByte) {
+    CTestModem modem(QuietProfile());
+    modem.Type("ATD1\r");
+    EXPECT_EQ(modem.Wait(1000), connectLine);
+    std::string every;
+    for (int byte = 0; byte < 256; ++byte)
+        every += static_cast<char>(byte);
+    EXPECT_EQ(modem.Type(every), every);
+}
+
+TEST(Dialogues, DataModeEndsAsTheDtrSettingSays) {
+    const std::string noCarrierLine = "\r\nNO CARRIER\r\n";
+    const std::string afterwards[] = {connectLine, connectLine, noCarrierLine, noCarrierLine};
+    for (std::size_t action = 0; action < 4; ++action) {
+        CTestModem modem(QuietProfile());
+        modem.Type("AT&D" + std::to_string(action) + "S12=0S7=9D1\r");
+        EXPECT_EQ(modem.Wait(1000), connectLine);
+        modem.Modem().SetOpen(false, modem.Now());
+        modem.Modem().SetOpen(true, modem.Now());
+        if (action == 0) {
+            EXPECT_EQ(modem.Type("x+++"), "x+++" + okLine);
+        }
+        EXPECT_EQ(modem.Type("ATO\r"), afterwards[action]) << action;
+    }
+}
+
+TEST(Dialogues, NothingIsToBeDoneForNobody) {
+    CTestModem modem(QuietProfile("--no-echo --ring 2 --ring-count 4"));
+    modem.Type("ATS0=2V0\r");
+    modem.Wait(60000);
+    EXPECT_TRUE(modem.Modem().NextDeadline());
+    modem.Modem().SetOpen(false, modem.Now());
+    EXPECT_FALSE(modem.Modem().NextDeadline());
+}
+
+TEST(Dialogues, TheWholeAlphabetOfMessagesThereAndBack) {
+    std::string text = "\n\r";
+    for (char character = ' '; character < 0x7F; ++character)
+        text += character == '`' ? '?' : character;
+    for (const std::string number : {"+4670", "*100#", "1"}) {
+        const auto decoded = DecodeSubmit(EncodeSubmit(number, text).hex);
+        ASSERT_TRUE(decoded);
+        EXPECT_EQ(decoded->number + decoded->text, number + text);
+    }
+}
