@@ -1,6 +1,7 @@
 // Handles, events and waits.
 #include "platform/Clock.h"
 #include "platform/Error.h"
+#include "platform/objects/HandleObject.h"
 #include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>
@@ -20,6 +21,12 @@ void ExpectInvalid(HANDLE handle) {
     EXPECT_EQ(WaitForSingleObject(handle, INFINITE), WAIT_FAILED);
     EXPECT_FALSE(CloseHandle(handle));
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+
+// What poll() sees of an event; more than its flag says would make waits spin.
+bool IsShown(HANDLE event) {
+    const int descriptor = platform::FindHandle(event)->WaitDescriptor();
+    return platform::WaitForDescriptor(descriptor, POLLIN, 0) != 0;
 }
 
 } // namespace
@@ -85,6 +92,7 @@ TEST(Event, AutoResetLetsExactlyOneOfManyWaitersThrough) {
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(WaitForSingleObject(taken, 0), WAIT_TIMEOUT);
+    EXPECT_FALSE(IsShown(taken));
 }
 
 // What was written before a signal is seen after the wait that took it, also when the signal found
@@ -116,9 +124,11 @@ TEST(Event, SurvivesRacingSetsAndResets) {
     std::thread other(toggle);
     toggle();
     other.join();
-    EXPECT_EQ(WaitForSingleObject(event, 1), WAIT_TIMEOUT);
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
+    EXPECT_FALSE(IsShown(event));
     SetEvent(event);
     EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+    EXPECT_TRUE(IsShown(event));
 }
 
 TEST(Wait, TheLowestSignalledIndexWinsAndOnlyItIsConsumed) {
