@@ -108,7 +108,8 @@ const std::string& CDeviceNamespace::Enter() {
         waitpid(trial, &status, 0);
         if (WIFEXITED(status) && WEXITSTATUS(status) == 0 && Unshare())
             return std::string();
-        return std::string("needs a mount namespace of its own: ") + std::strerror(WEXITSTATUS(status));
+        return std::string("needs a mount namespace of its own: ") +
+               std::strerror(WEXITSTATUS(status));
     }();
     return problem;
 }
