@@ -84,8 +84,7 @@ void CConsoleAlternate::Leave() {
     if (!m_bEntered)
         return;
     m_bEntered = false;
-    if (!m_gather.HasRoom() &&
-        !m_gather.Drain(CConsoleOutput::MostMillisecondsWithoutProgress())) {
+    if (!m_gather.HasRoom() && !m_gather.Drain(CConsoleOutput::MostMillisecondsWithoutProgress())) {
         m_gather.Abandon();
         if (m_gather.IsGone())
             return;

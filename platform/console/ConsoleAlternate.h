@@ -32,8 +32,8 @@ class CConsoleAlternate {
     // for its character set.
     // FALSE, and nothing put, when the alternate screen was left or output is gone.
     bool Put(std::string_view unit);
-    // Never waits in a way that serves the console; a terminal that makes no progress for two seconds loses
-    // what was gathered. Without effect when it is not entered.
+    // Never waits in a way that serves the console; a terminal that makes no progress for two
+    // seconds loses what was gathered. Without effect when it is not entered.
     void Leave();
 
   private:
