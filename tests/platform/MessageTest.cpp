@@ -199,6 +199,7 @@ TEST(Window, ClassesHaveOneOwnerAndStayWhileTheyAreUsed) {
     ExpectFailure(ERROR_CLASS_HAS_WINDOWS, UnregisterClassA("a class", nullptr));
     EXPECT_TRUE(DestroyWindow(window));
     EXPECT_TRUE(UnregisterClassA("a class", nullptr));
+    ExpectFailure(ERROR_CLASS_DOES_NOT_EXIST, UnregisterClassA("a class", nullptr));
 }
 
 // The first message's procedure retrieves the second one, whose procedure destroys the window while
