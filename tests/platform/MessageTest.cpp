@@ -199,6 +199,7 @@ TEST(Window, ClassesHaveOneOwnerAndStayWhileTheyAreUsed) {
     ExpectFailure(ERROR_CLASS_HAS_WINDOWS, UnregisterClassA("a class", nullptr));
     EXPECT_TRUE(DestroyWindow(window));
     EXPECT_TRUE(UnregisterClassA("a class", nullptr));
+    ExpectFailure(ERROR_CLASS_DOES_NOT_EXIST, UnregisterClassA("a class", nullptr));
 }
 
 // The first message's procedure retrieves the second one, whose procedure destroys the window while
@@ -242,9 +243,9 @@ TEST(Window, AProcedureMayRetrieveAndDestroyItsWindow) {
 }
 
 // Posts and sends meet the end of a window, in every second round that of its thread, at any
-// moment: each send that is accepted is answered.
+// moment: each fails with the one reason or is accepted, and each accepted send is answered.
 TEST(Window, PostsAndSendsSurviveARaceWithTheWindowsEnd) {
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < 150; ++round) {
         std::atomic<bool> begun = false;
         CWindowThread other(DefWindowProcA, [&, round](HWND window) {
             begun.wait(false);
@@ -254,18 +255,23 @@ TEST(Window, PostsAndSendsSurviveARaceWithTheWindowsEnd) {
             if (round % 2 == 0)
                 DestroyWindow(window);
         });
-        std::thread poster([&] {
-            while (IsWindow(other))
-                PostMessageA(other, WM_TEST, 0, 0);
-        });
+        // Without a pause between the calls, so that one of them meets the end.
+        const auto untilGone = [](const auto& call) {
+            while (call() || GetLastError() == ERROR_NOT_ENOUGH_QUOTA)
+                continue;
+            EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
+        };
+        std::thread poster([&] { untilGone([&] { return PostMessageA(other, WM_TEST, 0, 0); }); });
         Answers answers;
         int accepted = 0;
-        do {
-            accepted += answers.Send(other);
+        untilGone([&] {
+            const BOOL isAccepted = answers.Send(other);
+            accepted += isAccepted;
             begun = true;
             begun.notify_one();
             TakeAll();
-        } while (IsWindow(other));
+            return isAccepted;
+        });
         poster.join();
         other.Join();
         PumpUntil([&] { return answers.count >= accepted; });
