@@ -2,8 +2,6 @@
 
 #include "script/ScriptValue.h"
 
-#include <ranges>
-
 CCheckScope::CCheckScope() {
     Open();
     for (const BuiltinEntry& entry : g_Builtins) {
@@ -22,8 +20,8 @@ CheckSymbol* CCheckScope::Define(std::string_view name, const CheckSymbol& symbo
 }
 
 const CheckSymbol* CCheckScope::Find(std::string_view name) const {
-    for (const auto& scope : std::views::reverse(m_scopes))
-        if (const auto entry = scope.find(name); entry != scope.end())
+    for (auto scope = m_scopes.rbegin(); scope != m_scopes.rend(); ++scope)
+        if (const auto entry = scope->find(name); entry != scope->end())
             return &entry->second;
     return nullptr;
 }
