@@ -35,7 +35,7 @@ std::string SetOfName(std::string_view locale) {
 std::string SetOfEnvironment() {
     const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
     if (locale != nullptr) {
-        const std::string set = nl_langinfo_l(CODESET, locale);
+        std::string set = nl_langinfo_l(CODESET, locale);
         freelocale(locale);
         return set;
     }

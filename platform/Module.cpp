@@ -98,7 +98,7 @@ HMODULE Load(const std::string& fileName) {
         if (programFolder.empty())
             continue;
         for (const char* const folder : {"", "../lib/wirelet/"}) {
-            const std::string path = programFolder + folder + fileName;
+            const std::string path = std::string(programFolder).append(folder).append(fileName);
             if (access(path.c_str(), F_OK) != 0)
                 continue;
             if (const HMODULE module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
