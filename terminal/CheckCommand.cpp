@@ -17,7 +17,7 @@ constexpr int kClean = 0;
 constexpr int kFaulty = 1;
 
 // Far beyond what the engine loads: most of it would be comments.
-constexpr std::size_t kMostBytes = 16 * 1024 * 1024;
+constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 
 // False, with the last error set, when the file cannot be read.
 bool ReadScript(const std::string& path, std::string& text) {
