@@ -280,12 +280,13 @@ bool CExpressionCheck::ReadSubscript(CheckValue& value) {
     value.isKnown = array.isKnown && array.isArray && array.depth > 0;
     if (!array.isKnown)
         return Expect(']');
-    const auto elements = array.symbol != nullptr ? array.symbol->elements : std::nullopt;
+    const bool isBehindEnd = index.constant && array.symbol != nullptr && array.symbol->elements &&
+                             *index.constant > *array.symbol->elements;
     if (array.depth < 2 && array.size != SIZE_WORD)
         m_findings.Add(line, ERR_SYNTAX);
     else if (!array.isArray)
         m_findings.Add(line, ERR_NOT_ARRAY);
-    else if (index.constant && (*index.constant < 1 || (elements && *index.constant > *elements)))
+    else if (isBehindEnd || (index.constant && *index.constant < 1))
         m_findings.Add(line, ERR_BOUND);
     value.size = array.size;
     value.depth = array.depth == 0 ? BYTE{0} : static_cast<BYTE>(array.depth - 1);
