@@ -181,4 +181,8 @@ namespace platform {
 // Whether the console's input or output is a terminal, and one that has not been hung up.
 bool HasTerminal();
 
+// Whether some of what was written to the console's output is lost: it failed (a full disk, a
+// closed pipe), or took nothing for too long when it was given back.
+bool IsOutputLost();
+
 } // namespace platform

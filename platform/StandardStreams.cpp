@@ -1,6 +1,7 @@
 #include "platform/StandardStreams.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -42,6 +43,12 @@ std::size_t ErrorColumns() {
     winsize size{};
     ioctl(STDERR_FILENO, TIOCGWINSZ, &size);
     return size.ws_col != 0 ? size.ws_col : USUAL_COLUMNS;
+}
+
+bool IsErrorReady() {
+    constexpr int MOST_MILLISECONDS = 100; // a terminal that has just got much is not stuck
+    pollfd error = {STDERR_FILENO, POLLOUT, 0};
+    return poll(&error, 1, MOST_MILLISECONDS) > 0 && error.revents == POLLOUT;
 }
 
 } // namespace platform

@@ -19,4 +19,7 @@ bool IsOutputTerminal();
 // tell.
 std::size_t ErrorColumns();
 
+// Whether standard error takes something within a moment: it is there, and not stuck.
+bool IsErrorReady();
+
 } // namespace platform

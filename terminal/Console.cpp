@@ -2,6 +2,7 @@
 
 #include "platform/EndRequest.h"
 #include "platform/Error.h"
+#include "platform/StandardStreams.h"
 #include "platform/Wait.h"
 #include "terminal/StandardError.h"
 
@@ -27,7 +28,8 @@ BOOL ConsoleCtrlHandler(DWORD controlEvent) {
         platform::RequestEnd();
     if (g_pActiveConsole)
         g_pActiveConsole->Restore();
-    if (goesOn)
+    // The end may have been asked for meanwhile; and the run does not wait for a stuck terminal.
+    if (goesOn && !platform::IsEndRequested() && platform::IsErrorReady())
         TellOnStandardError("the run goes on without the screen; Ctrl+C ends it");
     return TRUE;
 }

@@ -69,7 +69,9 @@ CInteractiveTerminal::Waits CInteractiveTerminal::ChooseWaits() const {
 
 void CInteractiveTerminal::Turn() {
     const Waits waits = ChooseWaits();
-    const DWORD timeout = m_console.IsInputEnded() ? kQuietTime : INFINITE;
+    // A device that is not read, because nobody takes what it said, is not silent.
+    const bool isRead = waits.device != Waits::kNone;
+    const DWORD timeout = m_console.IsInputEnded() && isRead ? kQuietTime : INFINITE;
     const DWORD signalled =
         WaitForMultipleObjects(waits.count, waits.handles.data(), FALSE, timeout);
     if (signalled == WAIT_TIMEOUT)
@@ -89,14 +91,9 @@ void CInteractiveTerminal::Turn() {
     // During a paste, the keys always come first among the signalled.
     if (!ShowReceived())
         m_deviceGone = m_modem.IsDeviceGone();
+    // Nobody would see what the device says from now on.
     if (m_console.IsOutputGone())
-        EndUnseen();
-}
-
-// Nobody would see what the device says from now on.
-void CInteractiveTerminal::EndUnseen() {
-    TellUser(m_console, "wirelet: standard output takes no more; the terminal ends\n");
-    m_console.Restore();
+        m_console.Restore();
 }
 
 void CInteractiveTerminal::TakeKeys() {

@@ -47,7 +47,6 @@ class CInteractiveTerminal {
     void TakeKeys();
     // Shows what has arrived; false when there was nothing.
     bool ShowReceived();
-    void EndUnseen();
     // Bytes typed that have not left for the device.
     std::size_t CountUnsent() const;
     // After the end: what was typed before it still goes out, as long as the device takes it.

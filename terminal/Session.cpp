@@ -1,9 +1,11 @@
 #include "terminal/Session.h"
 
 #include "common/UniqueHandle.h"
+#include "platform/Console.h"
 #include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/File.h"
+#include "platform/StandardStreams.h"
 #include "platform/Wait.h"
 #include "script/Script.h"
 #include "terminal/CommandFile.h"
@@ -136,6 +138,8 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
 
 void RunSession(const std::string& deviceName, int baudRate) {
     const std::string lastWords = RunOnDevice(deviceName, baudRate);
+    if (platform::IsOutputLost() && !platform::IsEndRequested() && platform::IsErrorReady())
+        TellOnStandardError("standard output takes no more; not all was shown");
     if (!lastWords.empty())
         TellOnStandardError(lastWords);
     TellModuleNews();

@@ -88,6 +88,10 @@ bool HasTerminal() {
     return isatty(STDIN_FILENO) != 0 || isatty(STDOUT_FILENO) != 0;
 }
 
+bool IsOutputLost() {
+    return GetStdHandle(STD_OUTPUT_HANDLE) == g_hOutput && g_output.Get().IsLost();
+}
+
 } // namespace platform
 
 using namespace platform;

@@ -1,6 +1,7 @@
 #include "platform/console/ConsoleGather.h"
 
 #include "platform/Wait.h"
+#include "platform/objects/Deadline.h"
 
 #include <cerrno>
 #include <charconv>
@@ -127,14 +128,19 @@ bool CConsoleGather::WaitForRoom() {
 
 bool CConsoleGather::Drain(int milliseconds) {
     TryWrite();
+    CDeadline deadline(static_cast<DWORD>(milliseconds));
     while (Count() != 0) {
         pollfd descriptor = {m_channel.Descriptor(), POLLOUT, 0};
-        const int shown = poll(&descriptor, 1, m_bStuck ? 0 : milliseconds);
+        const auto left = static_cast<int>(deadline.Remaining() / NANOSECONDS_PER_MILLISECOND);
+        const int shown = poll(&descriptor, 1, m_bStuck ? 0 : left);
         if (shown == 0 || (shown < 0 && errno != EINTR)) {
             m_bStuck = true;
             return false;
         }
+        const std::size_t before = Count();
         TryWrite();
+        if (Count() < before)
+            deadline = CDeadline(static_cast<DWORD>(milliseconds));
     }
     return !m_bGone;
 }

@@ -82,6 +82,8 @@ class CConsoleOutput final : public CHandleObject {
     void LetOut();
     bool IsAllOut() const { return m_gather.Count() == 0; }
     bool IsStalled() const { return m_gather.IsStalled(); }
+    // Some of what was written was given up.
+    bool IsLost() const { return m_bLost; }
     void ContinueAfterStall();
     int WaitDescriptor() const override;
     short WaitEvents() const override { return POLLOUT; }
@@ -127,6 +129,7 @@ class CConsoleOutput final : public CHandleObject {
     std::atomic<bool> m_bSizeChanged = false;
     bool m_bTerminal = false;
     bool m_bTitle = false;
+    bool m_bLost = false;
     bool m_bSizeNews = false;
     unsigned m_dwObstacles = DIRECT;
     // How many printable characters need nothing but their byte in the buffer and the next column.

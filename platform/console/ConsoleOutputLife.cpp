@@ -85,8 +85,10 @@ void CConsoleOutput::End() {
         return;
     if (LeaveTerminal())
         m_title.Restore();
-    if (!m_gather.Drain(MostMillisecondsWithoutProgress()))
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress())) {
         m_colours.Forget();
+        m_bLost = true;
+    }
     m_gather.Abandon();
     m_decoder.Drop();
     m_gather.Channel().Close();

@@ -270,6 +270,10 @@ void Remove() {
     LeaveCrashStack();
     g_state.wakeNumber.store(-1);
     g_state.wake.Reset();
+    // Giving a stuck terminal back takes seconds, in which its window may be closed.
+    constexpr unsigned ENDS = SIGNAL_BREAK | SIGNAL_CLOSE | SIGNAL_SHUTDOWN;
+    if (g_state.isKept && (g_state.noted.exchange(0) & ENDS) != 0)
+        RequestEndAtOnce();
 }
 
 void NoteControlEvents(bool noted) {

@@ -28,7 +28,8 @@ namespace consolesignals {
 // descriptor left in the system the signals keep their usual effect and the terminal is rescued all
 // the same.
 void Install(CConsoleMode& mode);
-// Brings the former effects back. What was noted and not looked at is forgotten.
+// Brings the former effects back. Of what was noted and not looked at, what ends a program asks for
+// the end once KeepForEnd was called; the rest is forgotten.
 void Remove();
 
 // Whether SIGINT, SIGQUIT, SIGHUP and SIGTERM are noted (TRUE) or end the process.

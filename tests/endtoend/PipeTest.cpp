@@ -95,6 +95,11 @@ TEST_F(CPipeTest, EmptyInput) {
     StartWith(null.Get(), null.Get(), -1, {m_device.GetPath()});
     EXPECT_TRUE(DeviceGets("ATE1V1\r"));
     EXPECT_TRUE(Ends());
+    // Where the disk is full for the last piece alone.
+    const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    StartWith(null.Get(), full.Get(), -1, {m_device.GetPath()});
+    EXPECT_TRUE(Ends());
+    EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
 }
 
 // Without a reader there is nobody to type for: it ends by itself, and says why.
