@@ -42,6 +42,18 @@ Part PartOfShift(const std::uint8_t* bytes, std::size_t index) {
     return IsBetween(byte, 0x40, 0x7E) ? Part::LAST : Part::FOREIGN;
 }
 
+// The oldest mouse reports have a button and two places behind "ESC [ M", a printable byte each.
+CConsoleKeys::Match MouseReport(const std::uint8_t* bytes, std::size_t count, bool final) {
+    constexpr std::size_t INTRODUCER = 3;
+    constexpr std::size_t WHOLE = 6;
+    std::size_t length = INTRODUCER;
+    while (length < std::min(count, WHOLE) && bytes[length] >= 0x20)
+        ++length;
+    if (length == count && length < WHOLE && !final)
+        return NOT_YET;
+    return {CConsoleKeys::Kind::KEY, static_cast<std::uint8_t>(length), CConsoleKeys::OTHER, 0};
+}
+
 } // namespace
 
 bool CConsoleKeys::Add(std::string_view sequence, WORD virtualKey, DWORD controlKeys) {
@@ -121,6 +133,8 @@ CConsoleKeys::Match CConsoleKeys::Other(const std::uint8_t* bytes, std::size_t c
             continue;
         if (part == Part::FOREIGN && index == 2)
             return WITH_ALT;
+        if (bytes[1] == '[' && bytes[index] == 'M' && index == 2)
+            return MouseReport(bytes, count, final);
         const std::size_t length = part == Part::LAST ? index + 1 : index;
         return {Kind::KEY, static_cast<std::uint8_t>(length), OTHER, 0};
     }

@@ -165,8 +165,9 @@ TEST(ConsoleKeys, OfAKeyboardEverySequenceIsOneKey) {
         {"\x1b[E\x1bOE\x1bOu\x1b[I\x1b[O", "<252><252><252><252><252>"}, // keypad 5, focus
         {"\x1b[23$\x1b[23@\x1b[[F\x1bO2R", "<252><252><252><114>"},      // rxvt, Linux, konsole
         {"\x1b[?1;2$y\x1b[<0;10;1M\x1b[97;5u", "<252><252><252>"},
-        {"\x1b[200~a\x1b[A\x1b[201~", "<252>a<38><252>"}, // a bracketed paste
-        {"\x1b\x1b[19~\x1b\x1b\x1b[A", "<252>\x1b<38>"},  // Alt+F8, Esc and Alt+Up
+        {"\x1b[M \xFF!a\x1b[M\ra\x1b[M", "<252>a<252>\ra<252>"}, // old mouse reports
+        {"\x1b[200~a\x1b[A\x1b[201~", "<252>a<38><252>"},        // a bracketed paste
+        {"\x1b\x1b[19~\x1b\x1b\x1b[A", "<252>\x1b<38>"},         // Alt+F8, Esc and Alt+Up
         {"\x1bxy\x1b\r\x1b\x7F\x7F\x08", "AxyA\rA\x08\x08\x08"},
         {"\x1b\xC3\xA9\xE2\x82\xACz\xFF\xC3z\xA9", "A\xC3+\xA9\xE2+\x82+\xACz\xFF\xC3z\xA9"},
         {"\x1b\x1bz\x1b[\r\x1bO\x1b\x1b[\t", "\x1b"
