@@ -168,13 +168,7 @@ void CVScript::LoadLocation(ScriptValue& record) {
     }
 }
 
-void CVScript::StoreValue(const ScriptValue& record, ScriptWord word, DWORD position) {
-    if (!record.isLocation || record.size == SIZE_FUNCTION)
-        return ReportAt(ERR_SYNTAX, position);
-    if (record.symbol != 0) {
-        m_Symbols[record.symbol].word = word;
-        return;
-    }
+void CVScript::StoreLocation(const ScriptValue& record, ScriptWord word, DWORD position) {
     const DWORD location = record.word.Location();
     const bool isCharacter = record.size == SIZE_CHARACTER && record.depth == 0;
     if (isCharacter && !GiveElementRoom(location))
