@@ -184,7 +184,16 @@ class CVScript {
     }
     static void LoadSkipped(ScriptValue& record);
     [[gnu::noinline]] void LoadLocation(ScriptValue& record);
-    void StoreValue(const ScriptValue& record, ScriptWord word, DWORD position);
+    void StoreValue(const ScriptValue& record, ScriptWord word, DWORD position) {
+        if (!record.isLocation || record.size == SIZE_FUNCTION)
+            return ReportAt(ERR_SYNTAX, position);
+        if (record.symbol != 0)
+            m_Symbols[record.symbol].word = word;
+        else
+            StoreLocation(record, word, position);
+    }
+    [[gnu::noinline]] void StoreLocation(const ScriptValue& record, ScriptWord word,
+                                         DWORD position);
 
     // ScriptOperators.cpp
     bool IsOperatorNext(BYTE level);

@@ -24,7 +24,6 @@ ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
         CallScript(function.Location(), firstArgument, position);
     if (HasError())
         return {};
-    m_Arguments.resize(firstArgument);
     if (m_Borrowers.size() > firstBorrower)
         DropBorrowers(firstBorrower, scope.symbols);
     EndScope(scope, true);
@@ -61,6 +60,7 @@ void CVScript::CallBuiltin(DWORD row, std::size_t firstArgument, DWORD position)
                                         static_cast<DWORD>(m_Arguments.size() - firstArgument)};
     if (CheckArguments(entry, arguments, position))
         m_nResult = entry.handler(*this, arguments);
+    m_Arguments.resize(firstArgument);
 }
 
 bool CVScript::CheckArguments(const BuiltinEntry& entry, const BuiltinArguments& arguments,

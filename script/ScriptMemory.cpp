@@ -9,11 +9,7 @@ constexpr DWORD kWordSize = 4;
 
 } // namespace
 
-CScriptMemory::Span CScriptMemory::Find(DWORD location) const {
-    if (const DWORD position = AreaPosition(location); position >= CScriptArea::START)
-        return {m_area.Bytes() + position, CScriptArea::CAPACITY - position,
-                position >= m_streamEnd};
-
+CScriptMemory::Span CScriptMemory::FindElsewhere(DWORD location) const {
     const DWORD result = (location - RESULT_BASE) / RESULT_STRIDE;
     const DWORD inResult = (location - RESULT_BASE) % RESULT_STRIDE;
     if (location >= RESULT_BASE && result < CResultBuffers::BUFFERS &&

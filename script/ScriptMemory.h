@@ -119,7 +119,13 @@ class CScriptMemory {
         DWORD count = 0;
         bool isWritable = false;
     };
-    Span Find(DWORD location) const;
+    Span Find(DWORD location) const {
+        if (const DWORD position = AreaPosition(location); position >= CScriptArea::START)
+            return {m_area.Bytes() + position, CScriptArea::CAPACITY - position,
+                    position >= m_streamEnd};
+        return FindElsewhere(location);
+    }
+    [[gnu::noinline]] Span FindElsewhere(DWORD location) const; // all but the region
     DWORD FindElement(DWORD location) const;
     ScriptWord ResolveElement(ScriptWord text) const;
 

@@ -86,7 +86,8 @@ void CVScript::ExecuteExpression(BYTE code, DWORD floor) {
     m_bNoCopy = false;
     if (code != TOKEN_NAME || !AssignPlain(floor))
         Evaluate(floor);
-    if (!m_bTextStored)
+    // What is kept is in the heap, too.
+    if (!m_bTextStored && m_Area.Heap() != heap)
         GiveBackHeap({m_Symbols.Top(), heap, kept}, false);
     m_bTextStored = m_bTextStored || wasStored;
 }

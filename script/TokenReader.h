@@ -54,10 +54,10 @@ class CTokenReader final : public ILineSource {
         ++m_pPos;
         return true;
     }
-    // Consumes the next code, reported as missing, by the line before it, if it is another.
+    // Consumes the code, reported as missing, by the line before the next one, if that is another.
     void Expect(BYTE code) {
         const DWORD before = m_pPos;
-        if (NextToken() != code)
+        if (!Accept(code))
             ReportMissing(code, before);
     }
     // Consumes an opening bracket, "{" or "(", and all up to the one that closes it; reports it as

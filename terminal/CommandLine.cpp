@@ -63,7 +63,8 @@ CommandLine ParseCommandLine(int argumentCount, const char* const* arguments) {
     commandLine.port = arguments[1];
     commandLine.wantsUsage = commandLine.port == "-?" || commandLine.port == "/?";
     const bool wantsCheck = commandLine.port == "--check";
-    if (wantsCheck && argumentCount > 2)
+    // Of several files none is passed over without a word.
+    if (wantsCheck && argumentCount == 3)
         commandLine.checkedFile = arguments[2];
     commandLine.wantsUsage |= wantsCheck && commandLine.checkedFile.empty();
     if (wantsCheck || commandLine.wantsUsage)

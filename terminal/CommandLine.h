@@ -12,7 +12,7 @@ extern std::string g_strOutputFile;  // -O
 extern std::string g_strScriptFile;  // -S
 
 struct CommandLine {
-    bool wantsUsage = false; // the first argument is "-?" or "/?", or "--check" without a file
+    bool wantsUsage = false; // the first argument is "-?", "/?", or "--check" without its one file
     std::string checkedFile; // the one behind "--check"; empty when the first one is another
     std::string port;        // the first argument as typed; empty when there is none
     int baudRate = 0;        // -B; 0 when absent or no number

@@ -96,6 +96,7 @@ TEST(CommandLine, FilesKeepTheirCaseAndLaterSwitchesWin) {
     EXPECT_TRUE(Parse({"/?", "COM1"}).wantsUsage);
     EXPECT_FALSE(Parse({"COM1", "-?"}).wantsUsage);
     EXPECT_TRUE(Parse({"--check"}).wantsUsage);
+    EXPECT_TRUE(Parse({"--check", "a.scr", "b.scr"}).wantsUsage);
     EXPECT_EQ(Parse({"--check", "-?"}).checkedFile, "-?");
 }
 
