@@ -152,7 +152,8 @@ void CModemHold::AskAnew(const CCancellation& cancellation) {
         return;
     Ask(GetBusTime() + TAKE_TIME, cancellation);
     if (!m_bHeld && !m_refusal.empty() && !cancellation.IsCancelled())
-        TellRefusal(isOther ? "was started again, and may be probing the modem" : SHARED);
+        TellRefusal(isOther && !isNewModem ? "was started again, and may be probing the modem"
+                                           : SHARED);
 }
 
 void CModemHold::TellRefusal(const char* consequence) const {
