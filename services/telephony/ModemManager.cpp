@@ -128,8 +128,8 @@ void CModemHold::Ask(BusTime deadline, const CCancellation& cancellation) {
 
 void CModemHold::Keep(const CCancellation& cancellation) {
     while (!cancellation.IsCancelled()) {
-        AskAnew(cancellation);
-        if (cancellation.IsCancelled() || m_manager->Wait(NEVER, -1, cancellation))
+        // Its coming, going or telling may have been noticed while it was asked.
+        if (AskAnew(cancellation) || m_manager->Wait(NEVER, -1, cancellation))
             continue;
         m_refusal = "the connection to the system bus was lost";
         if (m_bHeld)
@@ -140,20 +140,21 @@ void CModemHold::Keep(const CCancellation& cancellation) {
 
 // A manager that has just started does not know the modem yet, and does not let go of it while it
 // probes it: it is asked again once it tells of a new modem. What was lost until then is told of.
-void CModemHold::AskAnew(const CCancellation& cancellation) {
+// False when there was nothing to ask about.
+bool CModemHold::AskAnew(const CCancellation& cancellation) {
     const bool isOther = m_manager->TakeOwnerChange();
     const bool isNewModem = m_manager->TakeNewModem();
+    if (!isOther && !isNewModem)
+        return false;
     if (isOther)
         m_bHeld = false;
-    if (m_bHeld || !(isOther || isNewModem))
-        return;
-    const bool isToAsk = isOther && !m_modem.empty();
-    if (!isToAsk && !IsKnown(cancellation))
-        return;
+    if (m_bHeld || ((!isOther || m_modem.empty()) && !IsKnown(cancellation)))
+        return true;
     Ask(GetBusTime() + TAKE_TIME, cancellation);
     if (!m_bHeld && !m_refusal.empty() && !cancellation.IsCancelled())
         TellRefusal(isOther && !isNewModem ? "was started again, and may be probing the modem"
                                            : SHARED);
+    return true;
 }
 
 void CModemHold::TellRefusal(const char* consequence) const {

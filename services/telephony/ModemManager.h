@@ -47,7 +47,7 @@ class CModemHold {
     EHold AwaitProbing(const CCancellation& cancellation);
     bool IsKnown(const CCancellation& cancellation);
     void Ask(BusTime deadline, const CCancellation& cancellation);
-    void AskAnew(const CCancellation& cancellation);
+    bool AskAnew(const CCancellation& cancellation);
     void TellRefusal(const char* consequence) const;
 
     LineDevice m_device;
