@@ -108,7 +108,9 @@ BOOL CScriptRun::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string
 
 BOOL CScriptRun::Read(LPVOID buffer, DWORD, DWORD& count) {
     count = 0;
-    if (m_received.empty() && !TakeInput("device< ", m_received))
+    if (m_received.empty())
+        TakeInput("device< ", m_received);
+    if (m_received.empty())
         return FALSE;
     *static_cast<char*>(buffer) = m_received.front();
     m_received.erase(0, 1);
