@@ -22,8 +22,12 @@ CVSerial::CVSerial(IUnknown* pUnkOuter)
                                                                              ControllingObject()) {}
 
 void CVSerial::operator delete(CVSerial* serial, std::destroying_delete_t) {
-    serial->Close();
-    serial->LetGo();
+    serial->End();
+}
+
+void CVSerial::End() {
+    DEBUG_VERIFY(Close());
+    LetGo();
 }
 
 void CVSerial::LetGo() {

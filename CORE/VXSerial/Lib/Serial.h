@@ -112,6 +112,7 @@ class CVSerial final : public CVComponent,
     // Threads; the port lock is held, but by the threads' own.
     HANDLE CreateOwnThread(LPTHREAD_START_ROUTINE routine, DWORD dwFlags);
     DWORD RunOwnThread(DWORD (CVSerial::*run)());
+    void End();
     void LetGo();
     BOOL StartThreads();
     BOOL StopThreads();
