@@ -75,16 +75,21 @@ bool IsRun() {
     return !g_strScriptFile.empty() || !g_strCommandFile.empty();
 }
 
+HANDLE OpenForReading(const std::string& fileName) {
+    return CreateFileA(fileName.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
+                       nullptr);
+}
+
 std::string RunMode(CTermModem& modem, CTermConsole& console, const std::string& title) {
     // With a command file that is sent the output file is for its answers.
     bool isLogged =
         !g_strOutputFile.empty() && (g_strCommandFile.empty() || !g_strScriptFile.empty());
-    // Held open, the script cannot be replaced by its own log; without a script nothing is
-    // replaced.
+    // Held open, neither file can be replaced by the log; without a script nothing is replaced.
     CUniqueHandle script;
+    CUniqueHandle commands;
     if (isLogged && !g_strScriptFile.empty()) {
-        script.Reset(CreateFileA(g_strScriptFile.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                 OPEN_EXISTING, 0, nullptr));
+        script.Reset(OpenForReading(g_strScriptFile));
+        commands.Reset(OpenForReading(g_strCommandFile));
         isLogged = script != INVALID_HANDLE_VALUE;
     }
     CTraceLog log(console);

@@ -158,6 +158,11 @@ TEST_F(CTraceLogTest, TellsAFileThatCannotBeCreated) {
     ASSERT_TRUE(Shows("Cannot create " + script));
     ASSERT_TRUE(Shows("(it is the script file itself)"));
     ASSERT_TRUE(Ends());
+    const std::string commands = m_folder.Write("commands", "AT\n");
+    Start(m_device.GetPath(), {"-S:" + script, "-A:" + commands, "-O:" + commands});
+    ASSERT_TRUE(Shows("(it is the command file itself)"));
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(ReadWholeFile(commands), "AT\n");
     Start(m_device.GetPath(), {"-S:" + script + "s", "-O:" + script});
     ASSERT_TRUE(Shows("OK"));
     Type(" ");
