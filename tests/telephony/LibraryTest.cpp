@@ -31,7 +31,9 @@ int CountAbsent(CVTapiLibrary& library, LONG lStatus) {
     return count;
 }
 
-TEST(TapiLibrary, IsMissingOrLacking) {
+// One test, as all of it changes the one folder of the program: two at a time would take each
+// other's library away.
+TEST(TapiLibrary, IsMissingThenLackingThenWholeAndLoadedAgainAfterUnloading) {
     CVTapiLibrary library;
     FakeTapi()->calls.clear();
     Install("");
@@ -44,11 +46,9 @@ TEST(TapiLibrary, IsMissingOrLacking) {
     EXPECT_EQ(library.lineGetCountry(0u, 0u, nullptr), E_TAPI_FAILED);
     EXPECT_EQ(CountAbsent(library, E_TAPI_FAILED), 1);
     EXPECT_EQ(FakeTapi()->calls.size(), 61u);
-}
+    library.Unload();
 
-TEST(TapiLibrary, IsLoadedOnceAndAgainAfterUnloading) {
     Install("service/libtapi32.so");
-    CVTapiLibrary library;
     EXPECT_NE(library.Load(), 0);
     EXPECT_EQ(library.Load(), 1);
     EXPECT_EQ(FakeTapi()->loads, 1);
