@@ -2,8 +2,8 @@
 // and which characters may not go out as they are. Pure; any thread may call this.
 #pragma once
 
-#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleUtf8.h"
+#include "platform/terminal/CharacterSet.h"
 
 namespace platform {
 

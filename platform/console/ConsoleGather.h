@@ -8,8 +8,8 @@
 // touches few pages of it.
 #pragma once
 
-#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleChannel.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "platform/console/ConsoleInput.h"
 
-#include "platform/CharacterSet.h"
 #include "platform/console/ConsoleKeyTable.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include <algorithm>
 #include <cerrno>

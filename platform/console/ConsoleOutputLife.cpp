@@ -1,7 +1,7 @@
 // The screen's beginning, end and waits.
 #include "platform/console/ConsoleOutput.h"
 
-#include "platform/EndRequest.h"
+#include "platform/objects/EndRequest.h"
 
 #include <algorithm>
 #include <string_view>

@@ -35,8 +35,8 @@ void Remove();
 // Whether SIGINT, SIGQUIT, SIGHUP and SIGTERM are noted (TRUE) or end the process.
 void NoteControlEvents(bool noted);
 
-// From now on these four ask for the end of the program (platform/EndRequest.h) where they would
-// end the process, also after Remove. Called between Install and Remove.
+// From now on these four ask for the end of the program (platform/objects/EndRequest.h) where they
+// would end the process, also after Remove. Called between Install and Remove.
 void KeepForEnd();
 
 // What was noted has been acted on without a request for the end.

@@ -1,4 +1,4 @@
-// What the waits know of a requested end (platform/EndRequest.h). Nothing outside platform/
+// What the waits know of a requested end (platform/objects/EndRequest.h). Nothing outside platform/
 // includes this header.
 #pragma once
 

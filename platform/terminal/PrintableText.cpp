@@ -1,4 +1,4 @@
-#include "platform/PrintableText.h"
+#include "platform/terminal/PrintableText.h"
 
 #include "platform/console/ConsoleCharacters.h"
 #include "platform/console/ConsoleUtf8.h"

@@ -1,13 +1,13 @@
 // The published calls that tell the user something.
 #include "platform/Notification.h"
 
-#include "platform/CharacterSet.h"
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
-#include "platform/SoundPlayer.h"
 #include "platform/console/BoxDialog.h"
 #include "platform/console/BoxPager.h"
 #include "platform/console/ConsoleVisit.h"
+#include "platform/notify/SoundPlayer.h"
+#include "platform/objects/EndRequest.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include <algorithm>
 #include <cerrno>
