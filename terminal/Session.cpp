@@ -1,7 +1,7 @@
 #include "terminal/Session.h"
 
 #include "common/UniqueHandle.h"
-#include "platform/Console.h"
+#include "console/Console.h"
 #include "platform/Error.h"
 #include "platform/File.h"
 #include "platform/Wait.h"

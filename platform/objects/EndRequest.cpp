@@ -1,6 +1,5 @@
 #include "platform/objects/EndRequest.h"
 
-#include "platform/console/ConsoleSignals.h"
 #include "platform/objects/Deadline.h"
 #include "platform/objects/EndWatch.h"
 
@@ -21,6 +20,8 @@ constexpr std::int64_t AT_ONCE = 1;
 
 std::atomic<int> g_wake = -1; // an eventfd; lives as long as the process
 
+std::atomic<void (*)()> g_call = nullptr;
+
 thread_local DWORD t_dwGrace = INFINITE;
 
 void OpenWake() {
@@ -32,7 +33,8 @@ void Request(std::int64_t when) {
     std::int64_t never = 0;
     if (!g_requestedAt.compare_exchange_strong(never, when))
         return;
-    consolesignals::StartLastMoment();
+    if (void (*const call)() = g_call)
+        call();
     const std::uint64_t one = 1;
     const ssize_t written = write(g_wake, &one, sizeof one);
     static_cast<void>(written); // nobody heeds it then
@@ -72,13 +74,9 @@ int EndDescriptor() {
     return t_dwGrace == INFINITE ? -1 : g_wake.load();
 }
 
-void EndOnSignals() {
+void OnEndRequest(void (*call)()) {
     OpenWake();
-    consolesignals::KeepForEnd();
-}
-
-void EndBySignal() {
-    consolesignals::EndBySignal();
+    g_call = call;
 }
 
 } // namespace platform

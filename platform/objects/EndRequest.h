@@ -10,9 +10,9 @@
 
 namespace platform {
 
-// Asks for the end. Safe in a signal handler. A process that is still there a little less than
-// three seconds later is ended by the signal that asked, with the terminal rescued, if there was
-// such a signal.
+// Asks for the end. Safe in a signal handler. Where the console heeds signals for it (EndOnSignals
+// of console/Console.h), a process that is still there a little less than three seconds later is
+// ended by the signal that asked, with the terminal rescued, if there was such a signal.
 void RequestEnd();
 
 bool IsEndRequested();
@@ -30,13 +30,5 @@ class CEndGrace {
   private:
     const DWORD m_dwFormer;
 };
-
-// From now on, until the process ends, SIGINT, SIGQUIT, SIGHUP and SIGTERM ask for the end when
-// they come while the console is given back, in place of ending the process at once. Those that
-// were ignored stay so. Called while the console is taken over.
-void EndOnSignals();
-
-// Ends the process by the signal that asked for the end; returns when it was none.
-void EndBySignal();
 
 } // namespace platform

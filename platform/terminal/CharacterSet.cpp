@@ -1,6 +1,6 @@
 #include "platform/terminal/CharacterSet.h"
 
-#include "platform/console/ConsoleUtf8.h"
+#include "platform/terminal/Utf8.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,7 +1,7 @@
 #include "platform/terminal/PrintableText.h"
 
-#include "platform/console/ConsoleCharacters.h"
-#include "platform/console/ConsoleUtf8.h"
+#include "platform/terminal/Characters.h"
+#include "platform/terminal/Utf8.h"
 
 namespace platform {
 namespace {

@@ -1,5 +1,6 @@
 // Which terminal a device is: a pseudo-terminal, or the user's own, which is no device to talk to.
-// Any thread may ask. Nothing outside platform/ includes this header.
+// Any thread may ask. Nothing outside platform/ and console/
+// includes this header.
 #pragma once
 
 #include <sys/stat.h>
