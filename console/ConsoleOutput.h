@@ -13,6 +13,7 @@
 #include "console/ConsoleCursor.h"
 #include "console/ConsoleFill.h"
 #include "console/ConsoleTitle.h"
+#include "platform/objects/HandleObject.h"
 #include "platform/terminal/Utf8.h"
 
 #include <atomic>

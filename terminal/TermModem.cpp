@@ -42,7 +42,7 @@ BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) 
     if (!m_pSerial)
         return FALSE;
 
-    const CDeadline deadline(dwTimeAllowed);
+    const platform::CDeadline deadline(dwTimeAllowed);
     std::array<char, kGatherSize> gathered;
     DWORD count = 0;
     do {
