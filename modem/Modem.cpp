@@ -26,13 +26,20 @@ constexpr DWORD kUnlimitedRoom = 0xFFFFFFFF;
 } // namespace
 
 CVModem::CVModem() {
-    CreateSerial(m_pSerial.Receive(), nullptr);
+    ISerial* serial = nullptr;
+    CreateSerial(&serial, nullptr);
+    TakeSerial(serial);
 }
 
 CVModem::~CVModem() {
     Close();
     // Before the telephony object, which may have given it its port.
-    m_pSerial.Reset();
+    TakeSerial(nullptr);
+}
+
+void CVModem::TakeSerial(ISerial* serial) {
+    m_pSerial.Reset(serial);
+    m_pSerialWait = m_pSerial.Query<ISerialWait>(IID_ISerialWait);
 }
 
 BOOL CVModem::Open(const std::string& path) {
@@ -170,33 +177,24 @@ void CVModem::SetTimeout(DWORD milliseconds) {
     m_dwTimeout = milliseconds;
 }
 
-CInterfacePtr<ISerialWait> CVModem::QueryWait() const {
-    return m_pSerial.Query<ISerialWait>(IID_ISerialWait);
-}
-
 HANDLE CVModem::GetReceiveHandle() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetReceiveHandle() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetReceiveHandle() : nullptr;
 }
 
 HANDLE CVModem::GetHangupHandle() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetHangupHandle() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetHangupHandle() : nullptr;
 }
 
 HANDLE CVModem::GetProgressEvent() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetProgressEvent() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetProgressEvent() : nullptr;
 }
 
 BOOL CVModem::IsDeviceGone() {
-    const auto wait = QueryWait();
-    return wait ? wait->IsDeviceGone() : FALSE;
+    return m_pSerialWait ? m_pSerialWait->IsDeviceGone() : FALSE;
 }
 
 BOOL CVModem::Drain(DWORD noProgress) {
-    const auto wait = QueryWait();
-    return wait ? wait->Drain(noProgress) : FALSE;
+    return m_pSerialWait ? m_pSerialWait->Drain(noProgress) : FALSE;
 }
 
 DWORD CVModem::GetWriteRoom() {
@@ -224,12 +222,11 @@ BOOL CVModem::WaitForBytes(const platform::CDeadline& deadline) {
     const DWORD remaining = deadline.Remaining();
     if (remaining == 0)
         return FALSE;
-    const auto wait = QueryWait();
-    if (m_pSerial && !wait) {
+    if (m_pSerial && !m_pSerialWait) {
         Sleep(1);
         return TRUE;
     }
-    const HANDLE receive = wait ? wait->GetReceiveHandle() : nullptr;
+    const HANDLE receive = GetReceiveHandle();
     if (!receive) {
         // No port, or a closed one: nothing can arrive, and the time-out takes its full time.
         Sleep(remaining);
@@ -237,7 +234,7 @@ BOOL CVModem::WaitForBytes(const platform::CDeadline& deadline) {
     }
     if (WaitForSingleObject(receive, remaining) != WAIT_OBJECT_0)
         return FALSE;
-    return !wait->IsDeviceGone();
+    return !IsDeviceGone();
 }
 
 void CVModem::WaitWithoutReading(const platform::CDeadline& deadline) {

@@ -127,6 +127,9 @@ class CVModem {
     DWORD GetQueuedOutput();
 
   protected:
+    // Makes this the port; takes over a reference that the caller owns, or null for no port.
+    void TakeSerial(ISerial* serial);
+
     // Nothing is to be sent any more: the device is gone, or the end of the program was asked for.
     bool IsOver();
 
@@ -145,7 +148,6 @@ class CVModem {
     DWORD m_dwTimeout = 1500;
 
   private:
-    CInterfacePtr<ISerialWait> QueryWait() const;
     BOOL StartTelephony(const std::string& name);
     BOOL FindDevice(const std::string& name, DWORD& device);
     LONG PlaceCall(const std::string& name, DWORD device);
@@ -154,5 +156,6 @@ class CVModem {
     void HangUpCall();
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
 
+    CInterfacePtr<ISerialWait> m_pSerialWait; // of m_pSerial; empty when that can only be polled
     std::string m_devicePath;
 };

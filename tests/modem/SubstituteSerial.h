@@ -127,7 +127,7 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
 // A modem on a substitute port.
 class CTestModem : public CVModem {
   public:
-    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
+    explicit CTestModem(ISerial* serial) { TakeSerial(serial); }
     using CVModem::m_dwLastResponse;
     using CVModem::WaitWithoutReading;
 };

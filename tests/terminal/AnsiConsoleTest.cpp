@@ -17,8 +17,8 @@ using std::string_view_literals::operator""sv;
 // A modem on a substitute channel, which records what is sent.
 class CTestModem : public CVModem {
   public:
-    CTestModem() { m_pSerial.Reset(&m_serial); }
-    ~CTestModem() override { m_pSerial.Reset(); }
+    CTestModem() { TakeSerial(&m_serial); }
+    ~CTestModem() override { TakeSerial(nullptr); }
     CSubstituteSerial m_serial;
 };
 

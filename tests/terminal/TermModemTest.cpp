@@ -13,7 +13,7 @@ namespace {
 
 class CTestTermModem : public CTermModem {
   public:
-    explicit CTestTermModem(ISerial* serial) { m_pSerial.Reset(serial); }
+    explicit CTestTermModem(ISerial* serial) { TakeSerial(serial); }
 };
 
 constexpr DWORD kMinute = 60000;
