@@ -7,8 +7,8 @@ namespace platform {
 namespace {
 
 // The longest of everything that goes with a row: to its place, reversed and back, the rest erased.
-constexpr std::size_t MOST_SEQUENCE_BYTES = sizeof "\x1b[32767;32767H\x1b[7m\x1b[0m\x1b[K";
-static_assert(CBoxLayout::MOST_ROW_BYTES + MOST_SEQUENCE_BYTES <= CConsoleGather::UNIT);
+constexpr std::size_t kMostSequenceBytes = sizeof "\x1b[32767;32767H\x1b[7m\x1b[0m\x1b[K";
+static_assert(CBoxLayout::kMostRowBytes + kMostSequenceBytes <= CConsoleGather::kUnit);
 
 std::string To(int column, int row) {
     char sequence[32]; // with any numbers
@@ -17,7 +17,7 @@ std::string To(int column, int row) {
 }
 
 bool Closes(BoxKey key) {
-    return key == BoxKey::ACCEPT || key == BoxKey::CANCEL || key == BoxKey::CLOSED;
+    return key == BoxKey::Accept || key == BoxKey::Cancel || key == BoxKey::Closed;
 }
 
 } // namespace
@@ -30,7 +30,7 @@ bool CBoxDialog::Run() {
         const BoxKey key = m_keys.Next();
         if (Closes(key))
             break;
-        if (key == BoxKey::REDRAW)
+        if (key == BoxKey::Redraw)
             isShown = Show();
         else
             Scroll(key);
@@ -78,8 +78,8 @@ void CBoxDialog::Scroll(BoxKey key) {
         BoxKey key;
         int lines;
     };
-    const Way ways[] = {{BoxKey::UP, -1},          {BoxKey::DOWN, 1},     {BoxKey::PAGE_UP, -page},
-                        {BoxKey::PAGE_DOWN, page}, {BoxKey::HOME, -last}, {BoxKey::END, last}};
+    const Way ways[] = {{BoxKey::Up, -1},         {BoxKey::Down, 1},     {BoxKey::PageUp, -page},
+                        {BoxKey::PageDown, page}, {BoxKey::Home, -last}, {BoxKey::End, last}};
     int top = m_nTop;
     for (const Way& way : ways)
         top += way.key == key ? way.lines : 0;

@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-constexpr int TAB_COLUMNS = 8;
+constexpr int kTabColumns = 8;
 
 // Fills lines with characters; knows nothing of what they mean, but for the blank.
 class CLineFiller {
@@ -50,7 +50,7 @@ void CLineFiller::Put(std::string_view character, int width) {
     if (character == " ")
         return PutBlank();
     if (width > m_nMostColumns)
-        return Put(REPLACEMENT, 1);
+        return Put(kReplacement, 1);
     while (!Fits(character.size(), width))
         Wrap();
     if (width == 0 && m_line.text.empty()) { // it joins a character before it
@@ -74,7 +74,7 @@ void CLineFiller::PutBlank() {
 }
 
 void CLineFiller::PutTab() {
-    const int next = m_line.columns / TAB_COLUMNS * TAB_COLUMNS + TAB_COLUMNS;
+    const int next = m_line.columns / kTabColumns * kTabColumns + kTabColumns;
     for (int blanks = next - m_line.columns; blanks > 0; --blanks)
         PutBlank();
 }
@@ -133,19 +133,19 @@ void PutCharacter(CLineFiller& lines, const CUtf8Decoder& decoder) {
     if (decoder.Code() < 0x80)
         return PutAscii(lines, static_cast<std::uint8_t>(decoder.Code()));
     switch (KindOf(decoder, CCharacterSet::OfLocale())) {
-    case CharacterKind::NARROW:
+    case CharacterKind::Narrow:
         return lines.Put(decoder.Bytes(), 1);
-    case CharacterKind::WIDE:
+    case CharacterKind::Wide:
         return lines.Put(decoder.Bytes(), 2);
-    case CharacterKind::COMBINING:
+    case CharacterKind::Combining:
         return lines.Put(decoder.Bytes(), 0);
-    case CharacterKind::CONTROL:
+    case CharacterKind::Control:
         return lines.Put(PictureOf(static_cast<std::uint8_t>(decoder.Code())), 1);
-    case CharacterKind::REPLACED:
-        return lines.Put(REPLACEMENT, 1);
-    case CharacterKind::LACKING:
-        return lines.Put(LACKING, 1);
-    case CharacterKind::OMITTED:
+    case CharacterKind::Replaced:
+        return lines.Put(kReplacement, 1);
+    case CharacterKind::Lacking:
+        return lines.Put(kLacking, 1);
+    case CharacterKind::Omitted:
         return;
     }
 }

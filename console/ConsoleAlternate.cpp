@@ -20,7 +20,7 @@ struct CConsoleAlternate::Way {
     const char* leave;
 };
 
-const CConsoleAlternate::Way CConsoleAlternate::WAYS[] = {
+const CConsoleAlternate::Way CConsoleAlternate::kWays[] = {
     {"?1049h", "\033[?1049h", "\033[0m\033[?1049l"},
     {"?1047h", "\0337\033[?1047h", "\033[0m\033[?1047l\0338"},
     {"?47h", "\0337\033[?47h", "\033[0m\033[H\033[J\033[?47l\0338"},
@@ -44,7 +44,7 @@ const CConsoleAlternate::Way* CConsoleAlternate::WayOf(std::string_view terminal
     const char* const enter = entry ? unibi_get_str(entry.get(), unibi_enter_ca_mode) : nullptr;
     if (enter == nullptr)
         return nullptr;
-    for (const Way& way : WAYS) {
+    for (const Way& way : kWays) {
         if (std::string_view(enter).find(way.mode) != std::string_view::npos)
             return &way;
     }

@@ -28,9 +28,9 @@ class CConsoleAlternate {
     bool Enter();
     // True until it is left, which may happen while a wait serves the console.
     bool IsEntered() const { return m_bEntered; }
-    // A unit of output, at most CConsoleGather::UNIT bytes, that goes to the terminal as it is, but
-    // for its character set.
-    // FALSE, and nothing put, when the alternate screen was left or output is gone.
+    // A unit of output, at most CConsoleGather::kUnit bytes, that goes to the terminal as it is,
+    // but for its character set. FALSE, and nothing put, when the alternate screen was left or
+    // output is gone.
     bool Put(std::string_view unit);
     // Never waits in a way that serves the console; a terminal that makes no progress for two
     // seconds loses what was gathered. Without effect when it is not entered.
@@ -38,7 +38,7 @@ class CConsoleAlternate {
 
   private:
     struct Way;
-    static const Way WAYS[];
+    static const Way kWays[];
 
     const Way* FindWay();
     static const Way* WayOf(std::string_view terminalType);

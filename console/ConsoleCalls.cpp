@@ -39,8 +39,8 @@ CImmortal<CConsoleSession> g_session;
 constinit HANDLE g_hInput = &g_hInput;
 constinit HANDLE g_hOutput = &g_hOutput;
 
-constexpr DWORD MODE_TAKEN_OVER = 0;
-constexpr DWORD MODE_SHELL = 7; // line by line, echoed, with keys that are signals
+constexpr DWORD kModeTakenOver = 0;
+constexpr DWORD kModeShell = 7; // line by line, echoed, with keys that are signals
 
 bool RegisterBoth() {
     static const bool registered = [] {
@@ -120,16 +120,16 @@ BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode) {
         return FailWith(ERROR_INVALID_HANDLE);
     if (lpMode == nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
-    *lpMode = g_session.Get().IsTakenOver() ? MODE_TAKEN_OVER : MODE_SHELL;
+    *lpMode = g_session.Get().IsTakenOver() ? kModeTakenOver : kModeShell;
     return TRUE;
 }
 
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode) {
     if (hConsoleHandle != g_hInput)
         return FailWith(ERROR_INVALID_HANDLE);
-    if (dwMode != MODE_TAKEN_OVER && dwMode != MODE_SHELL)
+    if (dwMode != kModeTakenOver && dwMode != kModeShell)
         return FailWith(ERROR_INVALID_PARAMETER);
-    if (dwMode == MODE_TAKEN_OVER)
+    if (dwMode == kModeTakenOver)
         g_session.Get().TakeOver();
     else
         g_session.Get().GiveBack();
@@ -165,9 +165,9 @@ BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLeng
         return FailWith(ERROR_INVALID_PARAMETER);
     for (;;) {
         const CConsoleInput::Taken taken = g_input.Get().Take(*lpBuffer);
-        if (taken == CConsoleInput::Taken::RECORD)
+        if (taken == CConsoleInput::Taken::Record)
             return Report(lpNumberOfEventsRead, 1);
-        if (taken == CConsoleInput::Taken::END)
+        if (taken == CConsoleInput::Taken::End)
             return FailWith(ERROR_HANDLE_EOF);
         if (WaitForSingleObject(hConsoleInput, INFINITE) != WAIT_OBJECT_0)
             return FALSE;

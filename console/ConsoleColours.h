@@ -12,7 +12,7 @@ namespace platform {
 class CConsoleColours {
   public:
     // The terminal's own default colours.
-    static constexpr WORD DEFAULT = 0x07;
+    static constexpr WORD kDefault = 0x07;
     // Blanks of this attribute are those that an erasure leaves.
     static bool HasOwnBackground(int attribute);
 
@@ -32,16 +32,16 @@ class CConsoleColours {
     void SyncBackground();
 
     // Somebody else has used the terminal.
-    void Forget() { m_nTerminal = UNKNOWN; }
+    void Forget() { m_nTerminal = kUnknown; }
     // The terminal has its default colours, unless it has brought back those that it had.
-    void NoteReset() { m_nTerminal = m_nTerminal == DEFAULT ? DEFAULT : UNKNOWN; }
+    void NoteReset() { m_nTerminal = m_nTerminal == kDefault ? kDefault : kUnknown; }
 
   private:
-    static constexpr int UNKNOWN = -1;
+    static constexpr int kUnknown = -1;
 
     CConsoleGather& m_gather;
-    WORD m_wWanted = DEFAULT;
-    int m_nTerminal = DEFAULT;
+    WORD m_wWanted = kDefault;
+    int m_nTerminal = kDefault;
 };
 
 } // namespace platform

@@ -44,7 +44,7 @@ class CConsoleCursor {
     void AfterCharacter(int width);
     // Before a character without a width.
     void Sync();
-    bool NeedsSync() const { return (m_nState & MOVED) != 0; }
+    bool NeedsSync() const { return (m_nState & kMoved) != 0; }
 
     void CarriageReturn();
     void LineFeed();
@@ -67,12 +67,12 @@ class CConsoleCursor {
 
   private:
     enum State : unsigned {
-        WRAP = 1,  // in the last column, wraps before the next character
-        HAND = 2,  // with WRAP: the terminal does not know and will not wrap by itself
-        MOVED = 4, // the terminal's cursor is at m_terminal
-        FRESH = 8, // no text has reached this row yet
+        kWrap = 1,  // in the last column, wraps before the next character
+        kHand = 2,  // with kWrap: the terminal does not know and will not wrap by itself
+        kMoved = 4, // the terminal's cursor is at m_terminal
+        kFresh = 8, // no text has reached this row yet
     };
-    static constexpr int UNKNOWN = -1;
+    static constexpr int kUnknown = -1;
 
     struct Spot {
         int column;

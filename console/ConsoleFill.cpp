@@ -36,7 +36,7 @@ void CConsoleFill::Draw(WORD attribute) {
 // A line feed in the bottom row is the one way of every terminal into its scrollback.
 bool CConsoleFill::KeepScreen() {
     m_bKeepScreen = false;
-    m_colours.Sync(CConsoleColours::DEFAULT);
+    m_colours.Sync(CConsoleColours::kDefault);
     m_gather.PutSequence(m_cursor.Rows(), 1, 'H');
     m_cursor.TerminalIsAt(0, m_cursor.Rows() - 1);
     for (int row = 0; row < m_cursor.Rows(); ++row) {
@@ -90,12 +90,12 @@ bool CConsoleFill::DrawCells(int first, int end) {
 }
 
 bool CConsoleFill::DrawRow(int row, int column, int endColumn) {
-    constexpr int CELLS_AT_ONCE = 64; // at most 3 bytes each, in one unit of room
+    constexpr int kCellsAtOnce = 64; // at most 3 bytes each, in one unit of room
     const std::string_view picture = PictureOf(m_byte);
     while (column < endColumn) {
         if (!EnsureRoom())
             return false;
-        const int cells = std::min(CELLS_AT_ONCE, endColumn - column);
+        const int cells = std::min(kCellsAtOnce, endColumn - column);
         m_cursor.MoveTerminal(column, row);
         for (int cell = 0; cell < cells; ++cell)
             m_gather.PutText(picture);

@@ -11,6 +11,6 @@ namespace platform {
 std::string_view PictureOf(std::uint8_t byte);
 
 // U+FFFD, which stands for what cannot be shown.
-inline constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
+inline constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 } // namespace platform

@@ -10,12 +10,12 @@
 namespace platform {
 namespace {
 
-constexpr std::uint8_t BELL = 0x07;
-constexpr std::uint8_t BACKSPACE = 0x08;
-constexpr std::uint8_t TAB = 0x09;
-constexpr std::uint8_t LINE_FEED = 0x0A;
-constexpr std::uint8_t CARRIAGE_RETURN = 0x0D;
-constexpr int TAB_COLUMNS = 8;
+constexpr std::uint8_t kBell = 0x07;
+constexpr std::uint8_t kBackspace = 0x08;
+constexpr std::uint8_t kTab = 0x09;
+constexpr std::uint8_t kLineFeed = 0x0A;
+constexpr std::uint8_t kCarriageReturn = 0x0D;
+constexpr int kTabColumns = 8;
 
 bool IsPrintable(std::uint8_t byte) {
     return byte >= 0x20 && byte < 0x7F;
@@ -40,7 +40,7 @@ bool CConsoleOutput::Write(const std::uint8_t* bytes, std::size_t count) {
             return false;
     }
     m_nEasy = EasyRoom();
-    if ((m_dwObstacles & DIRECT) != 0)
+    if ((m_dwObstacles & kDirect) != 0)
         return m_gather.Drain(-1);
     return true;
 }
@@ -69,17 +69,17 @@ bool CConsoleOutput::WriteByte(std::uint8_t byte) {
         return true;
     }
     switch (m_decoder.Feed(byte)) {
-    case CUtf8Decoder::Result::MORE:
-        m_dwObstacles |= SEQUENCE;
+    case CUtf8Decoder::Result::More:
+        m_dwObstacles |= kSequence;
         return true;
-    case CUtf8Decoder::Result::CHARACTER:
-        m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
+    case CUtf8Decoder::Result::Character:
+        m_dwObstacles &= ~static_cast<unsigned>(kSequence);
         WriteCharacter();
         return true;
-    case CUtf8Decoder::Result::INVALID:
+    case CUtf8Decoder::Result::Invalid:
         Draw(PictureOf(byte), 1);
         return true;
-    case CUtf8Decoder::Result::BROKEN:
+    case CUtf8Decoder::Result::Broken:
         break;
     }
     DrawBroken();
@@ -88,16 +88,16 @@ bool CConsoleOutput::WriteByte(std::uint8_t byte) {
 
 // The bytes of a sequence that has come to nothing.
 void CConsoleOutput::DrawBroken() {
-    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
+    m_dwObstacles &= ~static_cast<unsigned>(kSequence);
     m_decoder.Drop();
     for (const char byte : m_decoder.Bytes())
         Draw(PictureOf(static_cast<std::uint8_t>(byte)), 1);
 }
 
 void CConsoleOutput::WriteControl(std::uint8_t byte) {
-    if (byte == BELL) {
+    if (byte == kBell) {
         EndHeldReturn();
-        m_gather.Put(BELL);
+        m_gather.Put(kBell);
         return;
     }
     if (!m_bTerminal) {
@@ -105,16 +105,16 @@ void CConsoleOutput::WriteControl(std::uint8_t byte) {
         return;
     }
     switch (byte) {
-    case BACKSPACE:
+    case kBackspace:
         m_cursor.Backspace();
         break;
-    case TAB:
+    case kTab:
         DrawTab();
         break;
-    case LINE_FEED:
+    case kLineFeed:
         LineFeed();
         break;
-    case CARRIAGE_RETURN:
+    case kCarriageReturn:
         m_cursor.CarriageReturn();
         break;
     default:
@@ -123,14 +123,14 @@ void CConsoleOutput::WriteControl(std::uint8_t byte) {
 }
 
 void CConsoleOutput::WritePlainControl(std::uint8_t byte) {
-    if (byte == CARRIAGE_RETURN) { // several of them, as modems echo one, do what one does
-        m_dwObstacles |= HELD_RETURN;
+    if (byte == kCarriageReturn) { // several of them, as modems echo one, do what one does
+        m_dwObstacles |= kHeldReturn;
         return;
     }
-    if (byte == LINE_FEED) // takes the place of a CR before it
-        m_dwObstacles &= ~static_cast<unsigned>(HELD_RETURN);
+    if (byte == kLineFeed) // takes the place of a CR before it
+        m_dwObstacles &= ~static_cast<unsigned>(kHeldReturn);
     EndHeldReturn();
-    if (byte == LINE_FEED || byte == BACKSPACE || byte == TAB)
+    if (byte == kLineFeed || byte == kBackspace || byte == kTab)
         m_gather.Put(byte);
     else
         Draw(PictureOf(byte), 1);
@@ -138,19 +138,19 @@ void CConsoleOutput::WritePlainControl(std::uint8_t byte) {
 
 void CConsoleOutput::WriteCharacter() {
     switch (KindOf(m_decoder, m_gather.Set())) {
-    case CharacterKind::NARROW:
+    case CharacterKind::Narrow:
         return Draw(m_decoder.Bytes(), 1);
-    case CharacterKind::WIDE:
-        return m_cursor.Columns() < 2 ? Draw(REPLACEMENT, 1) : Draw(m_decoder.Bytes(), 2);
-    case CharacterKind::COMBINING:
+    case CharacterKind::Wide:
+        return m_cursor.Columns() < 2 ? Draw(kReplacement, 1) : Draw(m_decoder.Bytes(), 2);
+    case CharacterKind::Combining:
         return Draw(m_decoder.Bytes(), 0);
-    case CharacterKind::CONTROL:
+    case CharacterKind::Control:
         return Draw(PictureOf(static_cast<std::uint8_t>(m_decoder.Code())), 1);
-    case CharacterKind::REPLACED:
-        return Draw(REPLACEMENT, 1);
-    case CharacterKind::LACKING:
-        return Draw(LACKING, 1);
-    case CharacterKind::OMITTED:
+    case CharacterKind::Replaced:
+        return Draw(kReplacement, 1);
+    case CharacterKind::Lacking:
+        return Draw(kLacking, 1);
+    case CharacterKind::Omitted:
         return;
     }
 }
@@ -173,7 +173,7 @@ void CConsoleOutput::Draw(std::string_view character, int width) {
 }
 
 void CConsoleOutput::DrawTab() {
-    const int next = m_cursor.Column() / TAB_COLUMNS * TAB_COLUMNS + TAB_COLUMNS;
+    const int next = m_cursor.Column() / kTabColumns * kTabColumns + kTabColumns;
     for (int column = std::min(next, m_cursor.Columns() - 1); column > m_cursor.Column();)
         Draw(" ", 1);
 }
@@ -185,22 +185,22 @@ void CConsoleOutput::LineFeed() {
 }
 
 void CConsoleOutput::EndSequence() {
-    if ((m_dwObstacles & SEQUENCE) != 0 && EnsureRoom())
+    if ((m_dwObstacles & kSequence) != 0 && EnsureRoom())
         DrawBroken();
 }
 
 void CConsoleOutput::EndFill() {
-    if ((m_dwObstacles & FILL) == 0)
+    if ((m_dwObstacles & kFill) == 0)
         return;
-    m_dwObstacles &= ~static_cast<unsigned>(FILL);
+    m_dwObstacles &= ~static_cast<unsigned>(kFill);
     m_fill.Draw(m_colours.Wanted());
 }
 
 void CConsoleOutput::EndHeldReturn() {
-    if ((m_dwObstacles & HELD_RETURN) == 0)
+    if ((m_dwObstacles & kHeldReturn) == 0)
         return;
-    m_dwObstacles &= ~static_cast<unsigned>(HELD_RETURN);
-    m_gather.Put(CARRIAGE_RETURN);
+    m_dwObstacles &= ~static_cast<unsigned>(kHeldReturn);
+    m_gather.Put(kCarriageReturn);
 }
 
 void CConsoleOutput::SetAttribute(WORD attribute) {
@@ -217,12 +217,12 @@ void CConsoleOutput::Ring() {
     if (isatty(m_gather.Channel().Descriptor()) == 0 || !EnsureRoom())
         return;
     EndHeldReturn();
-    m_gather.Put(BELL);
+    m_gather.Put(kBell);
 }
 
 void CConsoleOutput::SetTitle(std::string_view title) {
     EndEasy();
-    if (m_bTitle && (m_dwObstacles & DIRECT) == 0 && EnsureRoom())
+    if (m_bTitle && (m_dwObstacles & kDirect) == 0 && EnsureRoom())
         m_title.Set(title);
 }
 
@@ -266,7 +266,7 @@ int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
     const int count = static_cast<int>(std::min(length, static_cast<DWORD>(room)));
     m_fill.Remember(first, count, static_cast<std::uint8_t>(character));
     if (count != 0)
-        m_dwObstacles |= FILL;
+        m_dwObstacles |= kFill;
     return count;
 }
 
@@ -277,9 +277,9 @@ bool CConsoleOutput::ColourFill(WORD attribute, DWORD length, COORD start) {
     const int first = start.Y * m_cursor.Columns() + start.X;
     const int room = m_cursor.Columns() * m_cursor.Rows() - first;
     const int count = static_cast<int>(std::min(length, static_cast<DWORD>(std::max(room, 0))));
-    if ((m_dwObstacles & FILL) == 0 || !m_fill.IsRemembered(first, count))
+    if ((m_dwObstacles & kFill) == 0 || !m_fill.IsRemembered(first, count))
         return false;
-    m_dwObstacles &= ~static_cast<unsigned>(FILL);
+    m_dwObstacles &= ~static_cast<unsigned>(kFill);
     m_fill.Draw(CConsoleColours::Normal(attribute));
     return true;
 }

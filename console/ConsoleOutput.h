@@ -96,10 +96,10 @@ class CConsoleOutput final : public CHandleObject {
 
   private:
     enum Obstacle : unsigned {
-        SEQUENCE = 1,    // a UTF-8 sequence is in progress
-        FILL = 2,        // a fill is remembered
-        HELD_RETURN = 4, // plain text: a CR that may belong to a CR LF
-        DIRECT = 8,      // nothing is gathered
+        kSequence = 1,   // a UTF-8 sequence is in progress
+        kFill = 2,       // a fill is remembered
+        kHeldReturn = 4, // plain text: a CR that may belong to a CR LF
+        kDirect = 8,     // nothing is gathered
     };
 
     std::size_t EasyRoom() const;
@@ -131,7 +131,7 @@ class CConsoleOutput final : public CHandleObject {
     bool m_bTitle = false;
     bool m_bLost = false;
     bool m_bSizeNews = false;
-    unsigned m_dwObstacles = DIRECT;
+    unsigned m_dwObstacles = kDirect;
     // How many printable characters need nothing but their byte in the buffer and the next column.
     std::size_t m_nEasy = 0;
     CConsoleGather m_gather;

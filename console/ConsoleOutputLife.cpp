@@ -33,14 +33,14 @@ void CConsoleOutput::Use(int descriptor, const char* terminalType, const CCharac
 }
 
 void CConsoleOutput::ReadSize(int& columns, int& rows) const {
-    constexpr int COLUMNS_WITHOUT_SIZE = 80;
-    constexpr int ROWS_WITHOUT_SIZE = 25;
-    constexpr int MOST = INT16_MAX; // what COORD holds
+    constexpr int kColumnsWithoutSize = 80;
+    constexpr int kRowsWithoutSize = 25;
+    constexpr int kMost = INT16_MAX; // what COORD holds
     winsize size{};
     if (ioctl(m_gather.Channel().Descriptor(), TIOCGWINSZ, &size) != 0)
         size = {};
-    columns = size.ws_col != 0 ? std::min<int>(size.ws_col, MOST) : COLUMNS_WITHOUT_SIZE;
-    rows = size.ws_row != 0 ? std::min<int>(size.ws_row, MOST) : ROWS_WITHOUT_SIZE;
+    columns = size.ws_col != 0 ? std::min<int>(size.ws_col, kMost) : kColumnsWithoutSize;
+    rows = size.ws_row != 0 ? std::min<int>(size.ws_row, kMost) : kRowsWithoutSize;
 }
 
 void CConsoleOutput::FollowSize() {
@@ -66,7 +66,7 @@ bool CConsoleOutput::TakeSizeChange() {
 void CConsoleOutput::Begin() {
     EndEasy();
     m_gather.Channel().Open();
-    m_dwObstacles &= ~static_cast<unsigned>(DIRECT);
+    m_dwObstacles &= ~static_cast<unsigned>(kDirect);
     m_fill.KeepScreenOnce();
     if (!m_bTerminal)
         return;
@@ -81,7 +81,7 @@ int CConsoleOutput::MostMillisecondsWithoutProgress() {
 }
 
 void CConsoleOutput::End() {
-    if ((m_dwObstacles & DIRECT) != 0)
+    if ((m_dwObstacles & kDirect) != 0)
         return;
     if (LeaveTerminal())
         m_title.Restore();
@@ -92,7 +92,7 @@ void CConsoleOutput::End() {
     m_gather.Abandon();
     m_decoder.Drop();
     m_gather.Channel().Close();
-    m_dwObstacles = DIRECT;
+    m_dwObstacles = kDirect;
 }
 
 void CConsoleOutput::Suspend() {
@@ -126,7 +126,7 @@ bool CConsoleOutput::LeaveTerminal() {
             m_gather.Put('\n');
         return true;
     }
-    m_colours.Sync(CConsoleColours::DEFAULT);
+    m_colours.Sync(CConsoleColours::kDefault);
     m_cursor.GoBelow();
     return true;
 }
@@ -143,14 +143,14 @@ void CConsoleOutput::GoBelow() {
     FollowSize();
     EndSequence();
     EndFill();
-    m_colours.Sync(CConsoleColours::DEFAULT);
+    m_colours.Sync(CConsoleColours::kDefault);
     m_cursor.GoBelow();
 }
 
 bool CConsoleOutput::HasWork() const {
     if (m_gather.IsStalled() || m_gather.IsGone())
         return false;
-    return m_gather.Count() != 0 || NeedsSync() || (m_dwObstacles & FILL) != 0;
+    return m_gather.Count() != 0 || NeedsSync() || (m_dwObstacles & kFill) != 0;
 }
 
 void CConsoleOutput::LetOut() {
@@ -173,7 +173,7 @@ int CConsoleOutput::WaitDescriptor() const {
 }
 
 bool CConsoleOutput::IsReady() const {
-    return m_gather.IsGone() || m_gather.Count() < CConsoleGather::HIGH_WATER;
+    return m_gather.IsGone() || m_gather.Count() < CConsoleGather::kHighWater;
 }
 
 bool CConsoleOutput::TryAcquire(short events) {

@@ -11,13 +11,13 @@ namespace platform {
 class CUtf8Decoder {
   public:
     enum class Result {
-        MORE,      // the byte was taken, the character is not complete
-        CHARACTER, // the byte completed the character of Code() and Bytes()
-        INVALID,   // the byte cannot begin a character; it was taken
-        BROKEN,    // the sequence before this byte, Bytes(), is broken; give the byte again
+        More,      // the byte was taken, the character is not complete
+        Character, // the byte completed the character of Code() and Bytes()
+        Invalid,   // the byte cannot begin a character; it was taken
+        Broken,    // the sequence before this byte, Bytes(), is broken; give the byte again
     };
 
-    // Takes the next byte; after every result but MORE the decoder is idle again.
+    // Takes the next byte; after every result but More the decoder is idle again.
     Result Feed(std::uint8_t byte);
 
     // No sequence is in progress.
@@ -53,13 +53,13 @@ void ReadUtf8(std::string_view text, OnCharacter onCharacter, OnByte onByte) {
     for (const char next : text) {
         const auto byte = static_cast<std::uint8_t>(next);
         CUtf8Decoder::Result result = decoder.Feed(byte);
-        if (result == CUtf8Decoder::Result::BROKEN) {
+        if (result == CUtf8Decoder::Result::Broken) {
             giveUp();
             result = decoder.Feed(byte);
         }
-        if (result == CUtf8Decoder::Result::CHARACTER)
+        if (result == CUtf8Decoder::Result::Character)
             onCharacter(decoder);
-        else if (result == CUtf8Decoder::Result::INVALID)
+        else if (result == CUtf8Decoder::Result::Invalid)
             onByte(byte);
     }
     if (!decoder.IsIdle())
