@@ -1,20 +1,11 @@
 #include "console/BoxDialog.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace platform {
 namespace {
 
-// The longest of everything that goes with a row: to its place, reversed and back, the rest erased.
-constexpr std::size_t kMostSequenceBytes = sizeof "\x1b[32767;32767H\x1b[7m\x1b[0m\x1b[K";
-static_assert(CBoxLayout::kMostRowBytes + kMostSequenceBytes <= CConsoleGather::kUnit);
-
-std::string To(int column, int row) {
-    char sequence[32]; // with any numbers
-    std::snprintf(sequence, sizeof sequence, "\x1b[%d;%dH", row + 1, column + 1);
-    return sequence;
-}
+static_assert(CBoxLayout::kMostRowBytes <= CConsoleAlternate::kMostText);
 
 bool Closes(BoxKey key) {
     return key == BoxKey::Accept || key == BoxKey::Cancel || key == BoxKey::Closed;
@@ -48,27 +39,19 @@ bool CBoxDialog::Show() {
     output.GetInfo(info);
     m_layout.emplace(m_content, info.dwSize.X, info.dwSize.Y);
     m_nTop = std::min(m_nTop, m_layout->LastTop());
-    output.Alternate().Put("\x1b[0m\x1b[H\x1b[J");
+    output.Alternate().Clear();
     Draw();
     return true;
 }
 
 // Ends early when the screen is left meanwhile: what shows it again is an event that follows.
 void CBoxDialog::Draw() {
+    CConsoleAlternate& screen = m_session.Output().Alternate();
     for (const BoxRow& row : m_layout->Rows(m_nTop)) {
-        if (!DrawRow(row))
+        if (!screen.Draw(row.row, row.column, row.text, row.reversed))
             return;
     }
-    m_session.Output().Alternate().Put(To(m_layout->ButtonColumn(), m_layout->ButtonRow()));
-}
-
-bool CBoxDialog::DrawRow(const BoxRow& row) {
-    std::string unit = To(row.column, row.row);
-    if (row.reversed)
-        unit += "\x1b[7m";
-    unit += row.text;
-    unit += row.reversed ? "\x1b[0m" : "\x1b[K";
-    return m_session.Output().Alternate().Put(unit);
+    screen.PlaceCursor(m_layout->ButtonRow(), m_layout->ButtonColumn());
 }
 
 void CBoxDialog::Scroll(BoxKey key) {

@@ -31,13 +31,11 @@ void CBoxPager::Run(const BoxContent& content, bool knowsColumn) {
     m_output.SetAttribute(CConsoleColours::kDefault);
     GoBelow(knowsColumn);
 
-    int columns = 0;
-    int rows = 0;
-    m_output.ReadSize(columns, rows);
-    std::vector<BoxLine> lines = WrapText(CaptionOf(content), std::max(columns - 1, 1));
-    std::vector<BoxLine> text = WrapText(content.text, std::max(columns - 1, 1));
+    const COORD size = m_output.ReadSize();
+    std::vector<BoxLine> lines = WrapText(CaptionOf(content), std::max(size.X - 1, 1));
+    std::vector<BoxLine> text = WrapText(content.text, std::max(size.X - 1, 1));
     std::move(text.begin(), text.end(), std::back_inserter(lines));
-    const auto page = static_cast<std::size_t>(std::max(rows - 1, 1)); // and the prompt
+    const auto page = static_cast<std::size_t>(std::max(size.Y - 1, 1)); // and the prompt
     bool goesOn = true;
     for (std::size_t shown = 0; shown < lines.size() && goesOn;) {
         const std::size_t end = std::min(shown + page, lines.size());

@@ -65,7 +65,7 @@ const char* CConsoleAlternate::LeavingSequence() {
 
 bool CConsoleAlternate::Enter() {
     const Way* const way = FindWay();
-    if (way == nullptr || !EnsureRoom())
+    if (way == nullptr || !m_gather.EnsureRoom())
         return false;
     m_gather.Put(way->enter);
     m_gather.Put("\x1b[0m\x1b[?25h"); // whatever the first screen has: default colours, a cursor
@@ -73,10 +73,27 @@ bool CConsoleAlternate::Enter() {
     return true;
 }
 
-bool CConsoleAlternate::Put(std::string_view unit) {
-    if (!m_bEntered || !EnsureRoom() || !m_bEntered)
+bool CConsoleAlternate::Clear() {
+    if (!EnsureRoom())
         return false;
-    m_gather.PutText(unit);
+    m_gather.Put("\x1b[0m\x1b[H\x1b[J");
+    return true;
+}
+
+bool CConsoleAlternate::Draw(int row, int column, std::string_view text, bool reversed) {
+    if (!PlaceCursor(row, column))
+        return false;
+    if (reversed)
+        m_gather.Put("\x1b[7m");
+    m_gather.PutText(text);
+    m_gather.Put(reversed ? "\x1b[0m" : "\x1b[K");
+    return true;
+}
+
+bool CConsoleAlternate::PlaceCursor(int row, int column) {
+    if (!EnsureRoom())
+        return false;
+    m_gather.PutSequence(row + 1, column + 1, 'H');
     return true;
 }
 

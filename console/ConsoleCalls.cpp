@@ -60,21 +60,9 @@ bool RegisterBoth() {
     return registered;
 }
 
-// Not inlined: the way of a single byte stays free of what this one needs.
-[[gnu::noinline]] BOOL WriteBytes(HANDLE hConsoleOutput, const BYTE* bytes, DWORD count,
-                                  LPDWORD written) {
-    if (hConsoleOutput != g_hOutput)
-        return FailWith(ERROR_INVALID_HANDLE);
-    if (!g_output.Get().Write(bytes, count))
-        return FailWith(ERROR_WRITE_FAULT);
-    if (written != nullptr)
-        *written = count;
-    return TRUE;
-}
-
-BOOL Report(LPDWORD counter, int count) {
+BOOL Report(LPDWORD counter, DWORD count) {
     if (counter != nullptr)
-        *counter = static_cast<DWORD>(count);
+        *counter = count;
     return TRUE;
 }
 
@@ -176,14 +164,11 @@ BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLeng
 
 BOOL WriteConsoleA(HANDLE hConsoleOutput, LPCVOID lpBuffer, DWORD nNumberOfCharsToWrite,
                    LPDWORD lpNumberOfCharsWritten, LPVOID) {
-    const auto* const bytes = static_cast<const BYTE*>(lpBuffer);
-    if (hConsoleOutput == g_hOutput && nNumberOfCharsToWrite == 1 &&
-        g_output.Get().WriteEasy(*bytes)) {
-        if (lpNumberOfCharsWritten != nullptr)
-            *lpNumberOfCharsWritten = 1;
-        return TRUE;
-    }
-    return WriteBytes(hConsoleOutput, bytes, nNumberOfCharsToWrite, lpNumberOfCharsWritten);
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (!g_output.Get().Write(static_cast<const BYTE*>(lpBuffer), nNumberOfCharsToWrite))
+        return FailWith(ERROR_WRITE_FAULT);
+    return Report(lpNumberOfCharsWritten, nNumberOfCharsToWrite);
 }
 
 BOOL GetConsoleScreenBufferInfo(HANDLE hConsoleOutput, CONSOLE_SCREEN_BUFFER_INFO* lpInfo) {
@@ -214,7 +199,8 @@ BOOL FillConsoleOutputCharacterA(HANDLE hConsoleOutput, char cCharacter, DWORD n
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
     const int count = g_output.Get().Fill(cCharacter, nLength, dwWriteCoord);
-    return count < 0 ? FailWith(ERROR_INVALID_PARAMETER) : Report(lpNumberOfCharsWritten, count);
+    return count < 0 ? FailWith(ERROR_INVALID_PARAMETER)
+                     : Report(lpNumberOfCharsWritten, static_cast<DWORD>(count));
 }
 
 BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nLength,
@@ -223,7 +209,7 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
         return FailWith(ERROR_INVALID_HANDLE);
     if (!g_output.Get().ColourFill(wAttribute, nLength, dwWriteCoord))
         return FailWith(ERROR_NOT_SUPPORTED);
-    return Report(lpNumberOfAttrsWritten, static_cast<int>(nLength));
+    return Report(lpNumberOfAttrsWritten, nLength);
 }
 
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes) {

@@ -23,7 +23,7 @@ class CConsoleColours {
     // The attribute with only those bits beside the colours that tell something.
     static WORD Normal(WORD attribute);
     // The terminal has the wanted attribute.
-    bool IsEasy() const { return m_nTerminal == m_wWanted; }
+    bool AreSet() const { return m_nTerminal == m_wWanted; }
 
     // Gives the terminal the wanted attribute, or a given normal one; at most 17 bytes.
     void Sync() { Sync(m_wWanted); }

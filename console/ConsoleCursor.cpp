@@ -7,11 +7,11 @@ namespace platform {
 
 // Most often a shell's user works in the bottom row. The guess matters little: until the window is
 // cleared or a position is set, everything is relative to it.
-void CConsoleCursor::Begin(int columns, int rows) {
-    m_nColumns = columns;
-    m_nRows = rows;
+void CConsoleCursor::Begin(COORD size) {
+    m_nColumns = size.X;
+    m_nRows = size.Y;
     m_nColumn = 0;
-    m_nRow = rows - 1;
+    m_nRow = m_nRows - 1;
     m_nLowest = m_nRow - 1;
     m_bSure = false;
     m_nState = kFresh;
@@ -23,7 +23,9 @@ void CConsoleCursor::BeginPlain() {
     m_nState = 0;
 }
 
-void CConsoleCursor::Resize(int columns, int rows) {
+void CConsoleCursor::Resize(COORD size) {
+    const int columns = size.X;
+    const int rows = size.Y;
     Leave();
     if ((m_nState & kWrap) != 0 && columns > m_nColumns) {
         m_nState &= ~static_cast<unsigned>(kWrap | kHand);

@@ -22,7 +22,7 @@ class CConsoleGather {
   public:
     static constexpr std::size_t kHighWater = std::size_t{64} * 1024;
     static constexpr std::size_t kSlack = std::size_t{32} * 1024;
-    // Room that one call of HasRoom or MakeRoom vouches for: more than any unit of output (a
+    // Room that one call of HasRoom or EnsureRoom vouches for: more than any unit of output (a
     // character with the colours and the movement before it, a title) takes.
     static constexpr std::size_t kUnit = 512;
 
@@ -34,13 +34,13 @@ class CConsoleGather {
     const CCharacterSet& Set() const { return *m_set; }
 
     std::size_t Count() const { return m_nEnd - m_nBegin; }
-    // The room of the short way, which needs no further look.
-    std::size_t EasyRoom() const { return m_nLimit > m_nEnd ? m_nLimit - m_nEnd : 0; }
+    // How many bytes a run of characters can take without a further look.
+    std::size_t RunBytes() const { return m_nLimit > m_nEnd ? m_nLimit - m_nEnd : 0; }
     bool HasRoom() const { return m_nEnd + kUnit <= m_nLimit; }
-    // Makes room for a unit, blocking while the terminal holds back more than the buffer takes.
+    // Sees to room for a unit, blocking while the terminal holds back more than the buffer takes.
     // FALSE when output is gone, when the console was given back meanwhile, or when the thread was
     // ended: what was to be written is then dropped.
-    bool MakeRoom();
+    bool EnsureRoom() { return HasRoom() || MakeRoom(); }
 
     // Append; the caller has seen to the room.
     void Put(std::uint8_t byte) { m_bytes[m_nEnd++] = byte; }
@@ -74,10 +74,11 @@ class CConsoleGather {
 
     // Output is gone: bytes are dropped from now on.
     bool IsGone() const { return m_bGone; }
-    // Forgets what is gathered, and ends a MakeRoom in progress further up this thread's stack.
+    // Forgets what is gathered, and ends an EnsureRoom in progress further up this thread's stack.
     void Abandon();
 
   private:
+    bool MakeRoom();
     void PutNumber(int number);
     void Compact();
     void Empty();

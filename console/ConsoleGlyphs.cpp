@@ -1,5 +1,7 @@
 #include "console/ConsoleGlyphs.h"
 
+#include "platform/terminal/Characters.h"
+
 #include <array>
 
 namespace platform {
@@ -9,6 +11,8 @@ namespace {
 constexpr std::array<char16_t, 0x20> kLowPictures = {
     u' ', u'☺', u'☻', u'♥', u'♦', u'♣', u'♠', u'•', u'◘', u'○', u'◙', u'♂', u'♀', u'♪', u'♫', u'☼',
     u'►', u'◄', u'↕', u'‼', u'¶', u'§', u'▬', u'↨', u'↑', u'↓', u'→', u'←', u'∟', u'↔', u'▲', u'▼'};
+
+constexpr Glyph kLacking = {"?", 1};
 
 constexpr char16_t kHouse = u'⌂'; // 0x7F
 
@@ -55,9 +59,31 @@ constexpr auto kPictures = [] {
 
 } // namespace
 
-std::string_view PictureOf(std::uint8_t byte) {
+Glyph GlyphOf(std::uint8_t byte) {
     const Picture& picture = kPictures[byte];
-    return {picture.bytes, picture.length};
+    return {{picture.bytes, picture.length}, 1};
+}
+
+Glyph GlyphOf(const CUtf8Decoder& character, const CCharacterSet& set) {
+    const char32_t code = character.Code();
+    const auto itself = [&](int columns) {
+        return set.Has(character.Bytes()) ? Glyph{character.Bytes(), columns} : kLacking;
+    };
+    switch (code < 0x80 ? CharacterKind::Control : KindOf(code)) {
+    case CharacterKind::Narrow:
+        return itself(1);
+    case CharacterKind::Wide:
+        return itself(2);
+    case CharacterKind::Combining:
+        return itself(0);
+    case CharacterKind::Control:
+        return GlyphOf(static_cast<std::uint8_t>(code));
+    case CharacterKind::Replaced:
+        return kReplacement;
+    case CharacterKind::Omitted:
+        break;
+    }
+    return {};
 }
 
 } // namespace platform

@@ -139,13 +139,11 @@ void CConsoleSession::ContinueOutput() {
 
 void CConsoleSession::ServeSignals() {
     const unsigned signals = consolesignals::Take();
-    if ((signals & kSignalSize) != 0)
-        m_output.NoteSizeChange();
     if ((signals & kSignalStop) != 0)
         Stop();
     if ((signals & kSignalContinue) != 0)
         Continue();
-    if (m_output.TakeSizeChange())
+    if ((signals & kSignalSize) != 0 && m_output.FollowSize())
         AddSizeEvent();
     ServeControlEvents(signals);
 }
@@ -183,8 +181,7 @@ void CConsoleSession::Continue() {
     if (const std::size_t typed = m_mode.TakeAgain(); typed != 0 || m_input.IsSomebodyElses())
         m_input.SetTypedBefore(typed);
     m_input.SetErase(m_mode.EraseCharacter());
-    m_output.Resume();
-    if (m_bRedraws)
+    if (m_output.Resume() || m_bRedraws)
         AddSizeEvent();
 }
 

@@ -50,11 +50,4 @@ CharacterKind KindOf(char32_t character) {
     }
 }
 
-CharacterKind KindOf(const CUtf8Decoder& character, const CCharacterSet& set) {
-    const CharacterKind kind = KindOf(character.Code());
-    const bool isDrawn = kind == CharacterKind::Narrow || kind == CharacterKind::Wide ||
-                         kind == CharacterKind::Combining;
-    return isDrawn && !set.Has(character.Bytes()) ? CharacterKind::Lacking : kind;
-}
-
 } // namespace platform

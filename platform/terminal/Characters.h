@@ -2,9 +2,6 @@
 // and which characters may not go out as they are. Pure; any thread may call this.
 #pragma once
 
-#include "platform/CharacterSet.h"
-#include "platform/terminal/Utf8.h"
-
 namespace platform {
 
 enum class CharacterKind {
@@ -14,14 +11,9 @@ enum class CharacterKind {
     Control,   // U+0080 to U+009F: drawn as the picture of that byte
     Replaced,  // would mislead the reader or move the cursor: drawn as U+FFFD
     Omitted,   // terminals disagree on its width, and the text reads the same without it
-    Lacking,   // not in the terminal's character set: one column, kLacking in its place
 };
-
-inline constexpr std::string_view kLacking = "?";
 
 // The kind of a character from U+0080 on.
 CharacterKind KindOf(char32_t character);
-// The same on a terminal of a character set.
-CharacterKind KindOf(const CUtf8Decoder& character, const CCharacterSet& set);
 
 } // namespace platform
