@@ -4,9 +4,9 @@
 #include "console/BoxDialog.h"
 #include "console/BoxPager.h"
 #include "console/ConsoleVisit.h"
-#include "platform/CharacterSet.h"
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
+#include "platform/objects/EndRequest.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include <algorithm>
 #include <cerrno>

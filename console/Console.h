@@ -186,8 +186,8 @@ bool HasTerminal();
 bool IsOutputLost();
 
 // From now on, until the process ends, SIGINT, SIGQUIT, SIGHUP and SIGTERM ask for the end of the
-// program (platform/EndRequest.h) when they come while the console is given back, in place of
-// ending the process at once. Those that were ignored stay so. Called while the console is taken
+// program (platform/objects/EndRequest.h) when they come while the console is given back, in place
+// of ending the process at once. Those that were ignored stay so. Called while the console is taken
 // over.
 void EndOnSignals();
 

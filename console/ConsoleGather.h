@@ -9,7 +9,7 @@
 #pragma once
 
 #include "console/ConsoleChannel.h"
-#include "platform/CharacterSet.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 // Constant data; any thread may call this.
 #pragma once
 
-#include "platform/CharacterSet.h"
+#include "platform/terminal/CharacterSet.h"
 #include "platform/terminal/Utf8.h"
 
 #include <cstdint>

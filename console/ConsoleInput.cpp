@@ -1,7 +1,7 @@
 #include "console/ConsoleInput.h"
 
 #include "console/ConsoleKeyTable.h"
-#include "platform/CharacterSet.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "console/ConsoleMode.h"
 
-#include "platform/TerminalDevice.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -3,7 +3,7 @@
 // and what the waits ask. The text itself is ConsoleText.cpp.
 #include "console/ConsoleOutput.h"
 
-#include "platform/EndRequest.h"
+#include "platform/objects/EndRequest.h"
 
 #include <algorithm>
 

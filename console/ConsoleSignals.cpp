@@ -1,6 +1,6 @@
 #include "console/ConsoleSignals.h"
 
-#include "platform/EndRequest.h"
+#include "platform/objects/EndRequest.h"
 #include "platform/objects/EndWatch.h"
 #include "platform/objects/HandleObject.h"
 

@@ -2,11 +2,11 @@
 
 #include "common/UniqueHandle.h"
 #include "console/Console.h"
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/File.h"
-#include "platform/StandardStreams.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
+#include "platform/terminal/StandardStreams.h"
 #include "script/Script.h"
 #include "terminal/CommandFile.h"
 #include "terminal/CommandLine.h"

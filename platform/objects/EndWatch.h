@@ -1,5 +1,5 @@
-// What the waits and the console know of a requested end (platform/EndRequest.h). Nobody else
-// includes this header.
+// What the waits and the console know of a requested end (platform/objects/EndRequest.h). Nobody
+// else includes this header.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-#include "platform/ModuleNotice.h"
+#include "platform/notify/ModuleNotice.h"
 
-#include "platform/SystemLog.h"
+#include "platform/system/SystemLog.h"
 
 #include <atomic>
 

@@ -1,7 +1,7 @@
 #include "platform/DebugOutput.h"
 
 #include "platform/Error.h"
-#include "platform/SystemLog.h"
+#include "platform/system/SystemLog.h"
 
 #include <atomic>
 #include <cerrno>

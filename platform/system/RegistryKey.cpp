@@ -1,4 +1,4 @@
-#include "platform/RegistryKey.h"
+#include "platform/system/RegistryKey.h"
 
 #include "platform/comm/SerialDevices.h"
 

@@ -1,8 +1,8 @@
 #include "platform/Error.h"
 #include "platform/Registry.h"
-#include "platform/RegistryKey.h"
 #include "platform/Wait.h"
 #include "platform/objects/MakeObject.h"
+#include "platform/system/RegistryKey.h"
 
 #include <cstring>
 #include <string>

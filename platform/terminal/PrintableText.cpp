@@ -1,4 +1,4 @@
-#include "platform/PrintableText.h"
+#include "platform/terminal/PrintableText.h"
 
 #include "platform/terminal/Characters.h"
 #include "platform/terminal/Utf8.h"

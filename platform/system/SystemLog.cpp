@@ -1,4 +1,4 @@
-#include "platform/SystemLog.h"
+#include "platform/system/SystemLog.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>

@@ -1,4 +1,4 @@
-#include "platform/CharacterSet.h"
+#include "platform/terminal/CharacterSet.h"
 
 #include "platform/terminal/Utf8.h"
 

@@ -1,4 +1,4 @@
-#include "platform/EndRequest.h"
+#include "platform/objects/EndRequest.h"
 
 #include "platform/objects/Deadline.h"
 #include "platform/objects/EndWatch.h"

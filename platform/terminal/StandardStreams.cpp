@@ -1,4 +1,4 @@
-#include "platform/StandardStreams.h"
+#include "platform/terminal/StandardStreams.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -2,7 +2,7 @@
 #include "platform/Notification.h"
 
 #include "platform/Error.h"
-#include "platform/SoundPlayer.h"
+#include "platform/notify/SoundPlayer.h"
 
 using namespace platform;
 

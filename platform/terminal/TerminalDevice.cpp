@@ -1,4 +1,4 @@
-#include "platform/TerminalDevice.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <sys/sysmacros.h>
 #include <unistd.h>

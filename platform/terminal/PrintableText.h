@@ -11,7 +11,7 @@ namespace platform {
 // UTF-8 and for each byte of a control character, U+0080 to U+009F included, of a mark that changes
 // the direction of what is read, and of what is no character. What only changes how its neighbour
 // looks is left out.
-// It is printed in the locale's character set, which platform/CharacterSet.h makes of it.
+// It is printed in the locale's character set, which platform/terminal/CharacterSet.h makes of it.
 std::string PrintableText(std::string_view text);
 
 } // namespace platform

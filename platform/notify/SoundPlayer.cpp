@@ -1,7 +1,7 @@
-#include "platform/SoundPlayer.h"
+#include "platform/notify/SoundPlayer.h"
 
-#include "platform/DetachedProcess.h"
 #include "platform/Error.h"
+#include "platform/notify/DetachedProcess.h"
 
 #include <algorithm>
 #include <cstdlib>

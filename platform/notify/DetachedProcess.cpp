@@ -1,7 +1,7 @@
 // A process between this one and the program starts the program and ends at once: that makes the
 // program nobody's child here. What the program is to find is told to posix_spawn, which also knows
 // whether it runs; the process between hands the answer on as its exit code.
-#include "platform/DetachedProcess.h"
+#include "platform/notify/DetachedProcess.h"
 
 #include "platform/Error.h"
 

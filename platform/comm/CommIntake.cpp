@@ -1,4 +1,4 @@
-#include "platform/CommIntake.h"
+#include "platform/comm/CommIntake.h"
 
 #include "platform/comm/CommPort.h"
 #include "platform/objects/WaitLoop.h"

@@ -1,4 +1,4 @@
-#include "platform/ThreadTimer.h"
+#include "platform/objects/ThreadTimer.h"
 
 #include "platform/Error.h"
 #include "platform/objects/Deadline.h"
