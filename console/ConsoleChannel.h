@@ -30,7 +30,7 @@ class CConsoleChannel {
     ssize_t Write(const void* bytes, std::size_t count);
 
   private:
-    enum class Way { BLOCKING, NONBLOCKING, SOCKET, GUARDED };
+    enum class Way { Blocking, Nonblocking, Socket, Guarded };
 
     Way ChooseWay();
     ssize_t WriteOnce(const void* bytes, std::size_t count) const;
@@ -38,7 +38,7 @@ class CConsoleChannel {
 
     int m_nInherited = -1;
     CDescriptor m_own; // the same file, opened anew
-    Way m_way = Way::BLOCKING;
+    Way m_way = Way::Blocking;
 };
 
 } // namespace platform
