@@ -23,14 +23,22 @@ constexpr std::size_t kTracedResponse = 512;
 
 constexpr DWORD kUnlimitedRoom = 0xFFFFFFFF;
 
+ISerial* MakePort() {
+    ISerial* port = nullptr;
+    CreateSerial(&port, nullptr);
+    return port;
+}
+
 } // namespace
 
-CVModem::CVModem() {
-    CreateSerial(m_pSerial.Receive(), nullptr);
-}
+CVModem::CVModem() : CVModem(MakePort()) {}
+
+CVModem::CVModem(ISerial* channel)
+    : m_pSerial(channel), m_pWait(m_pSerial.Query<ISerialWait>(IID_ISerialWait)) {}
 
 CVModem::~CVModem() {
     Close();
+    m_pWait.Reset();
     // Before the telephony object, which may have given it its port.
     m_pSerial.Reset();
 }
@@ -100,18 +108,24 @@ void CVModem::Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::st
 BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& response) {
     response.clear();
     const DWORD delay = GetPacingDelay();
-    if (delay != 0) {
+    if (delay != 0)
         DebugTrace("CVModem::SendCommandGetResponse() elapsed time->%ld\n",
                    static_cast<long>(delay));
+    return Exchange(delay, command, m_nRetry,
+                    [&] { return GetResponse(code, response, m_dwTimeout); });
+}
+
+BOOL CVModem::Exchange(DWORD delay, LPCSTR command, int attempts,
+                       const std::function<BOOL()>& collect) {
+    if (delay != 0)
         Sleep(delay);
-    }
-    for (int attempt = 0; attempt < m_nRetry && !IsOver(); ++attempt) {
+    for (int attempt = 0; attempt < attempts && !IsOver(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);
         }
         SendCommand(command);
-        if (GetResponse(code, response, m_dwTimeout))
+        if (collect())
             return TRUE;
     }
     return FALSE;
@@ -170,33 +184,24 @@ void CVModem::SetTimeout(DWORD milliseconds) {
     m_dwTimeout = milliseconds;
 }
 
-CInterfacePtr<ISerialWait> CVModem::QueryWait() const {
-    return m_pSerial.Query<ISerialWait>(IID_ISerialWait);
-}
-
 HANDLE CVModem::GetReceiveHandle() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetReceiveHandle() : nullptr;
+    return m_pWait ? m_pWait->GetReceiveHandle() : nullptr;
 }
 
 HANDLE CVModem::GetHangupHandle() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetHangupHandle() : nullptr;
+    return m_pWait ? m_pWait->GetHangupHandle() : nullptr;
 }
 
 HANDLE CVModem::GetProgressEvent() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetProgressEvent() : nullptr;
+    return m_pWait ? m_pWait->GetProgressEvent() : nullptr;
 }
 
 BOOL CVModem::IsDeviceGone() {
-    const auto wait = QueryWait();
-    return wait ? wait->IsDeviceGone() : FALSE;
+    return m_pWait ? m_pWait->IsDeviceGone() : FALSE;
 }
 
 BOOL CVModem::Drain(DWORD noProgress) {
-    const auto wait = QueryWait();
-    return wait ? wait->Drain(noProgress) : FALSE;
+    return m_pWait ? m_pWait->Drain(noProgress) : FALSE;
 }
 
 DWORD CVModem::GetWriteRoom() {
@@ -223,12 +228,11 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     const DWORD remaining = deadline.Remaining();
     if (remaining == 0)
         return FALSE;
-    const auto wait = QueryWait();
-    if (m_pSerial && !wait) {
+    if (m_pSerial && !m_pWait) {
         Sleep(1);
         return TRUE;
     }
-    const HANDLE receive = wait ? wait->GetReceiveHandle() : nullptr;
+    const HANDLE receive = GetReceiveHandle();
     if (!receive) {
         // No port, or a closed one: nothing can arrive, and the time-out takes its full time.
         Sleep(remaining);
@@ -236,7 +240,7 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     }
     if (WaitForSingleObject(receive, remaining) != WAIT_OBJECT_0)
         return FALSE;
-    return !wait->IsDeviceGone();
+    return !m_pWait->IsDeviceGone();
 }
 
 void CVModem::WaitWithoutReading(const CDeadline& deadline) {

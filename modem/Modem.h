@@ -15,6 +15,7 @@
 #include "platform/Types.h"
 #include "telephony/ITapi.h"
 
+#include <functional>
 #include <string>
 
 // How an AT command was answered.
@@ -94,7 +95,7 @@ class CVModem {
     BOOL AttachHandle(HANDLE port, BOOL overlapped);
 
     // Where the device is that OpenDevice has failed to open; empty when the service does not tell.
-    const std::string& GetDevicePath() const { return m_devicePath; }
+    const std::string& GetDevicePath() const { return m_strDevicePath; }
 
     // Closes the device; does nothing when it is closed.
     void Close();
@@ -127,6 +128,9 @@ class CVModem {
     DWORD GetQueuedOutput();
 
   protected:
+    // On a channel, not on a serial port of its own; takes the reference over.
+    explicit CVModem(ISerial* channel);
+
     // Nothing is to be sent any more: the device is gone, or the end of the program was asked for.
     bool IsOver();
 
@@ -135,6 +139,11 @@ class CVModem {
 
     // Milliseconds until a device may be sent its next command; 0 when it may be sent now.
     DWORD GetPacingDelay() const;
+
+    // Sends a command after the delay and has its answer collected, up to so many times; both
+    // directions of the port are flushed before each. TRUE as soon as the collecting gives that;
+    // FALSE when it never does, and without another attempt once nothing is to be sent any more.
+    BOOL Exchange(DWORD delay, LPCSTR command, int attempts, const std::function<BOOL()>& collect);
 
     CInterfacePtr<ISerial> m_pSerial;
     CInterfacePtr<ITapi> m_pTapi;
@@ -145,7 +154,6 @@ class CVModem {
     DWORD m_dwTimeout = 1500;
 
   private:
-    CInterfacePtr<ISerialWait> QueryWait() const;
     BOOL StartTelephony(const std::string& name);
     BOOL FindDevice(const std::string& name, DWORD& device);
     LONG PlaceCall(const std::string& name, DWORD device);
@@ -154,5 +162,6 @@ class CVModem {
     void HangUpCall();
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
 
-    std::string m_devicePath;
+    CInterfacePtr<ISerialWait> m_pWait; // the channel's; empty when it can only be polled
+    std::string m_strDevicePath;
 };
