@@ -23,24 +23,23 @@ constexpr std::size_t kTracedResponse = 512;
 
 constexpr DWORD kUnlimitedRoom = 0xFFFFFFFF;
 
-ISerial* MakePort() {
-    ISerial* port = nullptr;
-    CreateSerial(&port, nullptr);
-    return port;
-}
-
 } // namespace
 
-CVModem::CVModem() : CVModem(MakePort()) {}
-
-CVModem::CVModem(ISerial* channel)
-    : m_pSerial(channel), m_pWait(m_pSerial.Query<ISerialWait>(IID_ISerialWait)) {}
+CVModem::CVModem() {
+    ISerial* serial = nullptr;
+    CreateSerial(&serial, nullptr);
+    TakeSerial(serial);
+}
 
 CVModem::~CVModem() {
     Close();
-    m_pWait.Reset();
     // Before the telephony object, which may have given it its port.
-    m_pSerial.Reset();
+    TakeSerial(nullptr);
+}
+
+void CVModem::TakeSerial(ISerial* serial) {
+    m_pSerial.Reset(serial);
+    m_pSerialWait = m_pSerial.Query<ISerialWait>(IID_ISerialWait);
 }
 
 BOOL CVModem::Open(const std::string& path) {
@@ -185,23 +184,23 @@ void CVModem::SetTimeout(DWORD milliseconds) {
 }
 
 HANDLE CVModem::GetReceiveHandle() {
-    return m_pWait ? m_pWait->GetReceiveHandle() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetReceiveHandle() : nullptr;
 }
 
 HANDLE CVModem::GetHangupHandle() {
-    return m_pWait ? m_pWait->GetHangupHandle() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetHangupHandle() : nullptr;
 }
 
 HANDLE CVModem::GetProgressEvent() {
-    return m_pWait ? m_pWait->GetProgressEvent() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetProgressEvent() : nullptr;
 }
 
 BOOL CVModem::IsDeviceGone() {
-    return m_pWait ? m_pWait->IsDeviceGone() : FALSE;
+    return m_pSerialWait ? m_pSerialWait->IsDeviceGone() : FALSE;
 }
 
 BOOL CVModem::Drain(DWORD noProgress) {
-    return m_pWait ? m_pWait->Drain(noProgress) : FALSE;
+    return m_pSerialWait ? m_pSerialWait->Drain(noProgress) : FALSE;
 }
 
 DWORD CVModem::GetWriteRoom() {
@@ -228,7 +227,7 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     const DWORD remaining = deadline.Remaining();
     if (remaining == 0)
         return FALSE;
-    if (m_pSerial && !m_pWait) {
+    if (m_pSerial && !m_pSerialWait) {
         Sleep(1);
         return TRUE;
     }
@@ -240,7 +239,7 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     }
     if (WaitForSingleObject(receive, remaining) != WAIT_OBJECT_0)
         return FALSE;
-    return !m_pWait->IsDeviceGone();
+    return !IsDeviceGone();
 }
 
 void CVModem::WaitWithoutReading(const CDeadline& deadline) {

@@ -128,8 +128,8 @@ class CVModem {
     DWORD GetQueuedOutput();
 
   protected:
-    // On a channel, not on a serial port of its own; takes the reference over.
-    explicit CVModem(ISerial* channel);
+    // Makes this the port; takes over a reference that the caller owns, or null for no port.
+    void TakeSerial(ISerial* serial);
 
     // Nothing is to be sent any more: the device is gone, or the end of the program was asked for.
     bool IsOver();
@@ -162,6 +162,6 @@ class CVModem {
     void HangUpCall();
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
 
-    CInterfacePtr<ISerialWait> m_pWait; // the channel's; empty when it can only be polled
+    CInterfacePtr<ISerialWait> m_pSerialWait; // of m_pSerial; empty when that can only be polled
     std::string m_strDevicePath;
 };

@@ -22,7 +22,4 @@ class CTermModem : public CVModem {
     // the device is gone, or without a port (the response is then left alone). The response is what
     // arrived, at most 1023 bytes and up to the first NUL.
     BOOL WaitForFinalResult(std::string& response, DWORD timeAllowed);
-
-  protected:
-    using CVModem::CVModem;
 };

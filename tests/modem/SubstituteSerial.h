@@ -127,7 +127,7 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
 // A modem on a substitute port, of whichever kind.
 template <class Modem> class CTestOn : public Modem {
   public:
-    explicit CTestOn(ISerial* serial) : Modem(serial) {}
+    explicit CTestOn(ISerial* serial) { Modem::TakeSerial(serial); }
     using Modem::m_dwLastResponse;
     using Modem::WaitWithoutReading;
 };

@@ -8,12 +8,12 @@
 
 namespace {
 
-struct SModemLine {
+struct ModemLine {
     DWORD dwModemStatus;
     DWORD dwLineStatus;
 };
 
-constexpr SModemLine MODEM_LINES[] = {
+constexpr ModemLine kModemLines[] = {
     {MS_CTS_ON, LINE_CTS},
     {MS_DSR_ON, LINE_DSR},
     {MS_RING_ON, LINE_RING},
@@ -64,7 +64,7 @@ DWORD CVSerial::GetLineStatus() {
 
     dwTemp = 0;
     DEBUG_VERIFY(GetCommModemStatus(m_hPort, &dwTemp));
-    for (const SModemLine& line : MODEM_LINES)
+    for (const ModemLine& line : kModemLines)
         lines |= (dwTemp & line.dwModemStatus) != 0 ? line.dwLineStatus : 0;
     return lines;
 }

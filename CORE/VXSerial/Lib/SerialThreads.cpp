@@ -1,4 +1,6 @@
-// The worker threads of CVSerial: their start and stop, and the write thread itself.
+// The worker threads of CVSerial: their start and stop, and the write thread itself. It takes each
+// chunk out of the buffer before it writes it, so that callers can refill the buffer meanwhile; a
+// flush that comes between the two is kept out by the hand-over lock.
 #include "CORE/VXSerial/Lib/OverlappedRecord.h"
 #include "CORE/VXSerial/Lib/Serial.h"
 
@@ -10,18 +12,12 @@
 #include <memory>
 #include <new>
 
-HANDLE CVSerial::CreateOwnThread(LPTHREAD_START_ROUTINE routine, DWORD dwFlags) {
+HANDLE CVSerial::CreateOwnThread(LPTHREAD_START_ROUTINE routine, LPVOID argument, DWORD dwFlags) {
     ++m_nUsers;
-    const HANDLE thread = CreateThread(nullptr, 0, routine, this, dwFlags, nullptr);
+    const HANDLE thread = CreateThread(nullptr, 0, routine, argument, dwFlags, nullptr);
     if (!thread)
         --m_nUsers;
     return thread;
-}
-
-DWORD CVSerial::RunOwnThread(DWORD (CVSerial::*run)()) {
-    const DWORD result = (this->*run)();
-    LetGo();
-    return result;
 }
 
 BOOL CVSerial::StartThreads() {
@@ -64,7 +60,7 @@ BOOL CVSerial::StartWriteThread() {
         m_hWriteThreadEndEvent.Reset();
         return FALSE;
     }
-    m_hWriteThread.Reset(CreateOwnThread(WriteThreadProc, 0));
+    m_hWriteThread.Reset(CreateOwnThread(WriteThreadProc, this, 0));
     if (!m_hWriteThread) {
         DebugReport("CVSerial::StartWriteThread() - CreateThread() failed - GetLastError() = %ld",
                     static_cast<long>(GetLastError()));
@@ -91,7 +87,7 @@ BOOL CVSerial::StopWriteThread() {
     DEBUG_VERIFY(Flush(_QUE_TX));
     DEBUG_ASSERT(m_hWriteThreadEndEvent);
     DEBUG_VERIFY(SetEvent(m_hWriteThreadEndEvent));
-    if (WaitForSingleObject(m_hWriteThread, THREAD_END_TIMEOUT) != WAIT_OBJECT_0) {
+    if (WaitForSingleObject(m_hWriteThread, kThreadEndTimeout) != WAIT_OBJECT_0) {
         DebugReport("CVSerial::StopWriteThread() - Forcibly terminating the write thread");
         DEBUG_VERIFY(TerminateThread(m_hWriteThread, 0));
     }
@@ -102,7 +98,12 @@ BOOL CVSerial::StopWriteThread() {
 
 DWORD CVSerial::WriteThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return pObject ? static_cast<CVSerial*>(pObject)->RunOwnThread(&CVSerial::RunWriteThread) : 0;
+    if (!pObject)
+        return 0;
+    auto* const object = static_cast<CVSerial*>(pObject);
+    const DWORD result = object->RunWriteThread();
+    object->LetGo();
+    return result;
 }
 
 DWORD CVSerial::RunWriteThread() {

@@ -9,7 +9,7 @@
 namespace {
 
 // Start bit, eight data bits and stop bit.
-constexpr std::uint64_t BITS_PER_BYTE = 10;
+constexpr std::uint64_t kBitsPerByte = 10;
 
 DWORD ToMilliseconds(std::uint64_t milliseconds) {
     return static_cast<DWORD>(std::min<std::uint64_t>(milliseconds, INFINITE - 1));
@@ -17,7 +17,7 @@ DWORD ToMilliseconds(std::uint64_t milliseconds) {
 
 // The time that bytes need on the wire.
 DWORD TransmitTime(DWORD count, DWORD baudRate) {
-    return baudRate == 0 ? 0 : ToMilliseconds(count * BITS_PER_BYTE * 1000 / baudRate);
+    return baudRate == 0 ? 0 : ToMilliseconds(count * kBitsPerByte * 1000 / baudRate);
 }
 
 // How long a wait for bytes to leave may still go on.
@@ -85,7 +85,7 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
     const DWORD baudRate = GetLineRate();
     CPatience patience(dwNoProgress);
     for (;;) {
-        SPending pending = {};
+        Pending pending = {};
         if (WaitForSingleObject(handles[0], 0) == WAIT_OBJECT_0 || !CountPending(pending))
             return FALSE;
         const DWORD ours = pending.dwBuffered + pending.dwInHand;
@@ -107,7 +107,7 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
 
 // Counts what has been accepted for sending and has not left; bytes on their way from one place to
 // the next may be counted in both. False when the port does not tell.
-bool CVSerial::CountPending(SPending& pending) {
+bool CVSerial::CountPending(Pending& pending) {
     {
         const CLock handOver(m_HandOverCritSec);
         m_cvTXBuffer.GetBufferStatus(nullptr, &pending.dwBuffered, nullptr);
