@@ -107,18 +107,24 @@ void CVModem::Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::st
 BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& response) {
     response.clear();
     const DWORD delay = GetPacingDelay();
-    if (delay != 0) {
+    if (delay != 0)
         DebugTrace("CVModem::SendCommandGetResponse() elapsed time->%ld\n",
                    static_cast<long>(delay));
+    return Exchange(delay, command, m_nRetry,
+                    [&] { return GetResponse(code, response, m_dwTimeout); });
+}
+
+BOOL CVModem::Exchange(DWORD delay, LPCSTR command, int attempts,
+                       const std::function<BOOL()>& collect) {
+    if (delay != 0)
         Sleep(delay);
-    }
-    for (int attempt = 0; attempt < m_nRetry && !IsOver(); ++attempt) {
+    for (int attempt = 0; attempt < attempts && !IsOver(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);
         }
         SendCommand(command);
-        if (GetResponse(code, response, m_dwTimeout))
+        if (collect())
             return TRUE;
     }
     return FALSE;

@@ -15,6 +15,7 @@
 #include "platform/objects/Deadline.h"
 #include "telephony/ITapi.h"
 
+#include <functional>
 #include <string>
 
 // How an AT command was answered.
@@ -94,7 +95,7 @@ class CVModem {
     BOOL AttachHandle(HANDLE port, BOOL overlapped);
 
     // Where the device is that OpenDevice has failed to open; empty when the service does not tell.
-    const std::string& GetDevicePath() const { return m_devicePath; }
+    const std::string& GetDevicePath() const { return m_strDevicePath; }
 
     // Closes the device; does nothing when it is closed.
     void Close();
@@ -139,6 +140,11 @@ class CVModem {
     // Milliseconds until a device may be sent its next command; 0 when it may be sent now.
     DWORD GetPacingDelay() const;
 
+    // Sends a command after the delay and has its answer collected, up to so many times; both
+    // directions of the port are flushed before each. TRUE as soon as the collecting gives that;
+    // FALSE when it never does, and without another attempt once nothing is to be sent any more.
+    BOOL Exchange(DWORD delay, LPCSTR command, int attempts, const std::function<BOOL()>& collect);
+
     CInterfacePtr<ISerial> m_pSerial;
     CInterfacePtr<ITapi> m_pTapi;
     BOOL m_bCallActive = FALSE; // the port is a telephony call's
@@ -157,5 +163,5 @@ class CVModem {
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
 
     CInterfacePtr<ISerialWait> m_pSerialWait; // of m_pSerial; empty when that can only be polled
-    std::string m_devicePath;
+    std::string m_strDevicePath;
 };
