@@ -1,7 +1,7 @@
 // Calls on a modem that the modem manager has, with and without one.
 #include "platform/Clock.h"
-#include "platform/ModuleNotice.h"
 #include "platform/Wait.h"
+#include "platform/notify/ModuleNotice.h"
 #include "tests/services/telephony/ModemManagerMock.h"
 #include "tests/services/telephony/TapiTest.h"
 #include "tests/support/PseudoTerminal.h"
