@@ -3,9 +3,9 @@
 #include "diagnostics/ModuleTrace.h"
 #include "modem/DataTrace.h"
 #include "platform/Clock.h"
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
 
 #include <cstring>
 #include <string_view>

@@ -3,10 +3,10 @@
 #include "common/UniqueHandle.h"
 #include "modem/Modem.h"
 #include "platform/Clock.h"
-#include "platform/EndRequest.h"
 #include "platform/File.h"
 #include "platform/Message.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
 
 namespace {
 

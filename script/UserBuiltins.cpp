@@ -1,5 +1,6 @@
 #include "script/UserBuiltins.h"
 
+#include "console/MessageBox.h"
 #include "modem/Modem.h"
 #include "platform/Clock.h"
 #include "platform/Error.h"

@@ -1,8 +1,8 @@
 #include "terminal/CommandFile.h"
 
 #include "common/TextFile.h"
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
+#include "platform/objects/EndRequest.h"
 #include "terminal/CaptureFile.h"
 #include "terminal/CommandLine.h"
 #include "terminal/TermConsole.h"

@@ -1,9 +1,9 @@
 #include "terminal/Console.h"
 
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
-#include "platform/StandardStreams.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
+#include "platform/terminal/StandardStreams.h"
 #include "terminal/StandardError.h"
 
 CConsole* g_pActiveConsole = nullptr;

@@ -1,7 +1,7 @@
 #include "terminal/DeviceSelection.h"
 
-#include "platform/CharacterSet.h"
-#include "platform/PrintableText.h"
+#include "platform/terminal/CharacterSet.h"
+#include "platform/terminal/PrintableText.h"
 #include "terminal/Decimal.h"
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"

@@ -1,7 +1,7 @@
 #include "terminal/GatheredFile.h"
 
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
+#include "platform/objects/EndRequest.h"
 
 #include <array>
 

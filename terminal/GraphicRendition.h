@@ -8,7 +8,7 @@ struct GraphicRendition {
     int foreground; // console colour, 0 to 15
     int background;
     WORD flags; // ATTR_ bits of terminal/ConsoleScreen.h
-    WORD exact; // EXACT_ bits of platform/Console.h: the colours that a parameter named
+    WORD exact; // EXACT_ bits of console/Console.h: the colours that a parameter named
 };
 
 // The rendition after one parameter; values that mean nothing here change nothing.

@@ -2,8 +2,8 @@
 
 #include "modem/Deadline.h"
 #include "modem/Modem.h"
-#include "platform/EndRequest.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
 #include "terminal/ModuleNotices.h"
 #include "terminal/TermConsole.h"
 #include "terminal/UserMessage.h"

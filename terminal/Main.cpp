@@ -2,7 +2,7 @@
 
 #include "common/InterfacePtr.h"
 #include "diagnostics/ModuleTrace.h"
-#include "platform/StandardStreams.h"
+#include "platform/terminal/StandardStreams.h"
 #include "telephony/ITapi.h"
 #include "terminal/CheckCommand.h"
 #include "terminal/CommandLine.h"

@@ -1,10 +1,10 @@
 #include "terminal/OpenFailure.h"
 
 #include "modem/Modem.h"
-#include "platform/CharacterSet.h"
 #include "platform/Comm.h"
 #include "platform/Error.h"
-#include "platform/PrintableText.h"
+#include "platform/terminal/CharacterSet.h"
+#include "platform/terminal/PrintableText.h"
 #include "terminal/DeviceName.h"
 #include "terminal/ModemNames.h"
 #include "terminal/ModuleNotices.h"

@@ -1,7 +1,7 @@
 #include "terminal/TermConsole.h"
 
+#include "console/Console.h"
 #include "modem/Modem.h"
-#include "platform/Console.h"
 #include "terminal/LineMenus.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "terminal/TraceLog.h"
 
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
-#include "platform/ThreadTimer.h"
+#include "platform/objects/EndRequest.h"
+#include "platform/objects/ThreadTimer.h"
 #include "terminal/Console.h"
 #include "terminal/UserMessage.h"
 

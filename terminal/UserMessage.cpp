@@ -2,7 +2,7 @@
 
 #include "platform/Error.h"
 #include "platform/File.h"
-#include "platform/StandardStreams.h"
+#include "platform/terminal/StandardStreams.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Console.h"
 #include "terminal/StandardError.h"

@@ -1,9 +1,9 @@
 #include "platform/comm/CommDriver.h"
 
 #include "platform/Error.h"
-#include "platform/TerminalDevice.h"
 #include "platform/comm/CommClose.h"
 #include "platform/comm/CommErrors.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <fcntl.h>
 #include <poll.h>

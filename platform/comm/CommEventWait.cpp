@@ -4,6 +4,7 @@
 #include "platform/comm/CommErrors.h"
 #include "platform/comm/CommPort.h"
 #include "platform/objects/MakeObject.h"
+#include "platform/objects/TransferRecord.h"
 
 #include <sys/ioctl.h>
 
@@ -12,13 +13,13 @@
 namespace platform {
 namespace {
 
-constexpr DWORD KNOWN_EVENTS = EV_RXCHAR | EV_RLSD | EV_ERR;
+constexpr DWORD kKnownEvents = EV_RXCHAR | EV_RLSD | EV_ERR;
 
 // How often lines are read that nobody tells of.
-constexpr DWORD LINES_INTERVAL = 100;
+constexpr DWORD kLinesInterval = 100;
 // How often they are read although the driver tells: some have the call and no interrupt behind it,
 // and a break comes with neither a byte nor a line.
-constexpr DWORD BACKUP_INTERVAL = 1000;
+constexpr DWORD kBackupInterval = 1000;
 
 } // namespace
 
@@ -28,7 +29,7 @@ BOOL CCommEventWait::Create() {
 }
 
 BOOL CCommEventWait::SetMask(DWORD mask) {
-    if ((mask & ~KNOWN_EVENTS) != 0)
+    if ((mask & ~kKnownEvents) != 0)
         return FailWith(ERROR_INVALID_PARAMETER);
     const std::lock_guard lock(m_mutex);
     if (m_bClosed)
@@ -56,10 +57,7 @@ BOOL CCommEventWait::Start(DWORD& events, OVERLAPPED* overlapped) {
         if (m_overlapped)
             return FailWith(ERROR_INVALID_PARAMETER);
         m_events = &events;
-        record.Internal = ERROR_IO_PENDING;
-        record.InternalHigh = 0;
-        if (record.hEvent != nullptr)
-            ResetEvent(record.hEvent);
+        BeginTransfer(record);
         m_overlapped = &record;
         m_wake->Clear();
         WatchLines();
@@ -153,7 +151,7 @@ void CCommEventWait::End(DWORD error, DWORD events) {
         return;
     *m_events = events;
     m_bLooked = false;
-    RecordTransfer(m_overlapped, error, 0);
+    EndTransfer(*m_overlapped, error, 0);
     m_overlapped = nullptr;
     m_wake->Signal();
 }
@@ -169,9 +167,9 @@ void CCommEventWait::WatchLines() {
 DWORD CCommEventWait::Patience() {
     const bool hasErrors = (m_dwMask & EV_ERR) != 0 && m_bCounts;
     if ((m_dwMask & EV_RLSD) == 0 || !m_port.Lines()->HasLines())
-        return hasErrors ? BACKUP_INTERVAL : INFINITE;
+        return hasErrors ? kBackupInterval : INFINITE;
     const bool isToldOf = m_lineWatch.IsWatching() && !std::exchange(m_bLookSoon, false);
-    return isToldOf ? BACKUP_INTERVAL : LINES_INTERVAL;
+    return isToldOf ? kBackupInterval : kLinesInterval;
 }
 
 void CCommEventWait::Block(std::unique_lock<std::mutex>& lock, const OVERLAPPED* overlapped) {
@@ -193,20 +191,3 @@ void CCommEventWait::Block(std::unique_lock<std::mutex>& lock, const OVERLAPPED*
 }
 
 } // namespace platform
-
-using platform::CCommPort;
-using platform::FailWith;
-using platform::FindHandleOf;
-
-BOOL SetCommMask(HANDLE hFile, DWORD dwEvtMask) {
-    const auto port = FindHandleOf<CCommPort>(hFile);
-    return port ? port->Events().SetMask(dwEvtMask) : FALSE;
-}
-
-BOOL WaitCommEvent(HANDLE hFile, LPDWORD lpEvtMask, OVERLAPPED* lpOverlapped) {
-    const auto port = FindHandleOf<CCommPort>(hFile);
-    if (!port)
-        return FALSE;
-    return lpEvtMask ? port->Events().Start(*lpEvtMask, lpOverlapped)
-                     : FailWith(ERROR_INVALID_PARAMETER);
-}

@@ -1,9 +1,9 @@
 #include "platform/Comm.h"
 
 #include "platform/Error.h"
-#include "platform/PrintableText.h"
-#include "platform/TerminalDevice.h"
 #include "platform/comm/CommUsers.h"
+#include "platform/terminal/PrintableText.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <dirent.h>
 #include <fcntl.h>

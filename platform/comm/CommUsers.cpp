@@ -1,7 +1,7 @@
 #include "platform/comm/CommUsers.h"
 
 #include "platform/Comm.h"
-#include "platform/TerminalDevice.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <dirent.h>
 #include <sys/sysmacros.h>

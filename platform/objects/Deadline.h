@@ -1,5 +1,6 @@
 // The end of the time a call may block, on the monotonic clock. A plain value; the calling thread's
-// own. Nothing outside platform/ includes this header.
+// own. Nothing outside platform/ and console/
+// includes this header.
 #pragma once
 
 #include "platform/Types.h"

@@ -2,6 +2,7 @@
 
 #include "platform/Error.h"
 #include "platform/objects/MakeObject.h"
+#include "platform/objects/TransferRecord.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -64,12 +65,8 @@ BOOL LockFile(int file, DWORD shareMode) {
 }
 
 void RecordResult(OVERLAPPED* overlapped, BOOL succeeded, DWORD count) {
-    if (overlapped == nullptr)
-        return;
-    overlapped->Internal = succeeded ? ERROR_SUCCESS : GetLastError();
-    overlapped->InternalHigh = count;
-    if (overlapped->hEvent != nullptr)
-        SetEvent(overlapped->hEvent);
+    if (overlapped != nullptr)
+        EndTransfer(*overlapped, succeeded ? ERROR_SUCCESS : GetLastError(), count);
 }
 
 } // namespace
@@ -127,9 +124,7 @@ BOOL CDiskFile::Write(const void* buffer, DWORD count, LPDWORD written, OVERLAPP
 }
 
 BOOL CDiskFile::GetResult(OVERLAPPED* overlapped, LPDWORD transferred, BOOL) {
-    *transferred = static_cast<DWORD>(overlapped->InternalHigh);
-    const auto code = static_cast<DWORD>(overlapped->Internal);
-    return code == ERROR_SUCCESS ? TRUE : FailWith(code);
+    return ResultOf(*overlapped, transferred);
 }
 
 BOOL CDiskFile::ReadSome(void* buffer, DWORD count, LPDWORD read) {

@@ -1,5 +1,5 @@
-// The waits' side of the thread timer (platform/ThreadTimer.h). Nothing outside platform/ includes
-// this header.
+// The waits' side of the thread timer (platform/objects/ThreadTimer.h). Nothing outside platform/
+// includes this header.
 #pragma once
 
 #include <cstdint>

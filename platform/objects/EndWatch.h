@@ -1,5 +1,5 @@
-// What the waits know of a requested end (platform/EndRequest.h). Nothing outside platform/
-// includes this header.
+// What the waits and the console know of a requested end (platform/objects/EndRequest.h). Nobody
+// else includes this header.
 #pragma once
 
 #include <cstdint>
@@ -15,5 +15,9 @@ int EndDescriptor();
 
 // RequestEnd without any grace. Safe in a signal handler.
 void RequestEndAtOnce();
+
+// What is called when the end is asked for, once, on whichever thread or in a signal handler; there
+// is room for one. From now on a request in a signal handler wakes the waits, too.
+void OnEndRequest(void (*call)());
 
 } // namespace platform

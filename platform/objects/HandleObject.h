@@ -1,6 +1,6 @@
 // What the platform layer's own files share: the base of every object that a handle can name, the
 // table of handles, and the hook by which the console is served during waits. Nothing outside
-// platform/ includes this header.
+// platform/ and console/ includes this header.
 #pragma once
 
 #include "platform/Types.h"

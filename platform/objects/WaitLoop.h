@@ -23,7 +23,7 @@ class CWaitLoop {
 
     // WAIT_OBJECT_0 plus the lowest index that was acquired, WAIT_TIMEOUT, or WAIT_FAILED with
     // ERROR_OPERATION_ABORTED (the thread was terminated, or the end asked for, see
-    // platform/EndRequest.h) or ERROR_INVALID_HANDLE (closed meanwhile).
+    // platform/objects/EndRequest.h) or ERROR_INVALID_HANDLE (closed meanwhile).
     DWORD Run();
 
     // Serves the companion once and lets it do what it has to do; does not wait.

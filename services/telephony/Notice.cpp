@@ -1,6 +1,6 @@
 #include "services/telephony/Notice.h"
 
-#include "platform/ModuleNotice.h"
+#include "platform/notify/ModuleNotice.h"
 #include "services/telephony/PlainText.h"
 
 namespace telephonyservice {

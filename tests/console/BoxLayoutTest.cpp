@@ -1,5 +1,5 @@
 // The text of a message box and where it stands, without a terminal.
-#include "platform/console/BoxLayout.h"
+#include "console/BoxLayout.h"
 #include "tests/support/Screen.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Message boxes and beeps, and what a process leaves behind that has taken its console over.
-#include "platform/Console.h"
-#include "platform/Notification.h"
+#include "console/Console.h"
+#include "console/MessageBox.h"
 #include "tests/console/ConsoleTest.h"
 #include "tests/platform/TestHandle.h"
 

@@ -1,8 +1,8 @@
 // The keys in the bytes that terminals send.
-#include "platform/Console.h"
+#include "console/Console.h"
+#include "console/ConsoleInput.h"
+#include "console/ConsoleKeyTable.h"
 #include "platform/Wait.h"
-#include "platform/console/ConsoleInput.h"
-#include "platform/console/ConsoleKeyTable.h"
 #include "tests/support/PseudoTerminal.h"
 
 using namespace platform;

@@ -1,7 +1,7 @@
 // The console's output, taken over, on a terminal that libvterm draws: it tells what the user sees.
 #pragma once
 
-#include "platform/console/ConsoleOutput.h"
+#include "console/ConsoleOutput.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/Screen.h"
 

@@ -3,7 +3,7 @@
 #include "platform/comm/SerialDevices.h"
 #include "platform/Error.h"
 #include "platform/Registry.h"
-#include "platform/RegistryKey.h"
+#include "platform/system/RegistryKey.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

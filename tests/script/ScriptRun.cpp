@@ -1,5 +1,6 @@
 #include "tests/script/ScriptRun.h"
 
+#include "console/MessageBox.h"
 #include "platform/Notification.h"
 
 #include <cstdio>

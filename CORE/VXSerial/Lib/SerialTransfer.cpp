@@ -3,8 +3,8 @@
 #include "CORE/VXSerial/Lib/Serial.h"
 
 #include "diagnostics/DebugReport.h"
-#include "platform/CommIntake.h"
 #include "platform/Error.h"
+#include "platform/comm/CommIntake.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // Calls on a modem that the modem manager has, with and without one.
 #include "platform/Clock.h"
-#include "platform/ModuleNotice.h"
+#include "platform/notify/ModuleNotice.h"
 #include "tests/services/telephony/ModemManagerMock.h"
 #include "tests/services/telephony/TapiModule.h"
 #include "tests/support/PseudoTerminal.h"

@@ -1,0 +1,63 @@
+#include "console/ConsoleGlyphs.h"
+
+#include <array>
+
+namespace platform {
+namespace {
+
+// Every picture of the code page lies in the first plane; 0x20 to 0x7E are ASCII.
+constexpr std::array<char16_t, 0x20> LOW_PICTURES = {
+    u' ', u'☺', u'☻', u'♥', u'♦', u'♣', u'♠', u'•', u'◘', u'○', u'◙', u'♂', u'♀', u'♪', u'♫', u'☼',
+    u'►', u'◄', u'↕', u'‼', u'¶', u'§', u'▬', u'↨', u'↑', u'↓', u'→', u'←', u'∟', u'↔', u'▲', u'▼'};
+
+constexpr char16_t HOUSE = u'⌂'; // 0x7F
+
+constexpr std::array<char16_t, 0x80> HIGH_PICTURES = {
+    u'Ç', u'ü', u'é', u'â', u'ä', u'à', u'å', u'ç',     u'ê', u'ë', u'è', u'ï', u'î', u'ì', u'Ä',
+    u'Å', u'É', u'æ', u'Æ', u'ô', u'ö', u'ò', u'û',     u'ù', u'ÿ', u'Ö', u'Ü', u'¢', u'£', u'¥',
+    u'₧', u'ƒ', u'á', u'í', u'ó', u'ú', u'ñ', u'Ñ',     u'ª', u'º', u'¿', u'⌐', u'¬', u'½', u'¼',
+    u'¡', u'«', u'»', u'░', u'▒', u'▓', u'│', u'┤',     u'╡', u'╢', u'╖', u'╕', u'╣', u'║', u'╗',
+    u'╝', u'╜', u'╛', u'┐', u'└', u'┴', u'┬', u'├',     u'─', u'┼', u'╞', u'╟', u'╚', u'╔', u'╩',
+    u'╦', u'╠', u'═', u'╬', u'╧', u'╨', u'╤', u'╥',     u'╙', u'╘', u'╒', u'╓', u'╫', u'╪', u'┘',
+    u'┌', u'█', u'▄', u'▌', u'▐', u'▀', u'α', u'ß',     u'Γ', u'π', u'Σ', u'σ', u'µ', u'τ', u'Φ',
+    u'Θ', u'Ω', u'δ', u'∞', u'φ', u'ε', u'∩', u'≡',     u'±', u'≥', u'≤', u'⌠', u'⌡', u'÷', u'≈',
+    u'°', u'∙', u'·', u'√', u'ⁿ', u'²', u'■', u'\u00A0'};
+
+struct Picture {
+    char bytes[3];
+    std::uint8_t length;
+};
+
+constexpr char16_t CharacterOf(std::size_t byte) {
+    if (byte < LOW_PICTURES.size())
+        return LOW_PICTURES[byte];
+    if (byte < 0x7F)
+        return static_cast<char16_t>(byte);
+    return byte == 0x7F ? HOUSE : HIGH_PICTURES[byte - 0x80];
+}
+
+constexpr Picture Encode(char16_t character) {
+    const auto tail = [](int bits) { return static_cast<char>(0x80 | (bits & 0x3F)); };
+    const int code = character;
+    if (code < 0x80)
+        return {{static_cast<char>(code), 0, 0}, 1};
+    if (code < 0x800)
+        return {{static_cast<char>(0xC0 | (code >> 6)), tail(code), 0}, 2};
+    return {{static_cast<char>(0xE0 | (code >> 12)), tail(code >> 6), tail(code)}, 3};
+}
+
+constexpr auto PICTURES = [] {
+    std::array<Picture, 256> pictures{};
+    for (std::size_t byte = 0; byte < pictures.size(); ++byte)
+        pictures[byte] = Encode(CharacterOf(byte));
+    return pictures;
+}();
+
+} // namespace
+
+std::string_view PictureOf(std::uint8_t byte) {
+    const Picture& picture = PICTURES[byte];
+    return {picture.bytes, picture.length};
+}
+
+} // namespace platform

@@ -1,0 +1,164 @@
+#include "console/ConsoleKeyTable.h"
+
+#include "console/Console.h"
+
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+extern "C" { // the header does not say so itself
+#include <unibilium.h>
+}
+
+namespace platform {
+namespace {
+
+constexpr char NONE = 0;
+
+// One key of every family. Sequences are: CSI letter and SS3 letter (xterm and most others), CSI
+// number ~ (the VT220's editing keypad and function keys; Home and End have other numbers on rxvt),
+// CSI [ letter (the Linux console's first function keys), lower-case letters with Shift and Ctrl
+// (rxvt's arrows). OtherNumber is the one that rxvt uses.
+struct KeyOfFamilies {
+    WORD virtualKey;
+    WORD scanCode;
+    int number;       // before ~
+    int otherNumber;  // before ~
+    int terminfo;     // unibi_string
+    char letter;      // after CSI and SS3, and with modifiers
+    char linuxLetter; // after CSI [
+    char rxvtLetter;  // after CSI with Shift, after SS3 with Ctrl
+};
+
+constexpr KeyOfFamilies KEYS[] = {
+    {VK_UP, 0x48, 0, 0, unibi_key_up, 'A', NONE, 'a'},
+    {VK_DOWN, 0x50, 0, 0, unibi_key_down, 'B', NONE, 'b'},
+    {VK_RIGHT, 0x4D, 0, 0, unibi_key_right, 'C', NONE, 'c'},
+    {VK_LEFT, 0x4B, 0, 0, unibi_key_left, 'D', NONE, 'd'},
+    {VK_HOME, 0x47, 1, 7, unibi_key_home, 'H', NONE, NONE},
+    {VK_END, 0x4F, 4, 8, unibi_key_end, 'F', NONE, NONE},
+    {VK_INSERT, 0x52, 2, 0, unibi_key_ic, NONE, NONE, NONE},
+    {VK_DELETE, 0x53, 3, 0, unibi_key_dc, NONE, NONE, NONE},
+    {VK_PRIOR, 0x49, 5, 0, unibi_key_ppage, NONE, NONE, NONE},
+    {VK_NEXT, 0x51, 6, 0, unibi_key_npage, NONE, NONE, NONE},
+    {VK_F1, 0x3B, 11, 0, unibi_key_f1, 'P', 'A', NONE},
+    {VK_F2, 0x3C, 12, 0, unibi_key_f2, 'Q', 'B', NONE},
+    {VK_F3, 0x3D, 13, 0, unibi_key_f3, 'R', 'C', NONE},
+    {VK_F4, 0x3E, 14, 0, unibi_key_f4, 'S', 'D', NONE},
+    {VK_F5, 0x3F, 15, 0, unibi_key_f5, NONE, 'E', NONE},
+    {VK_F6, 0x40, 17, 0, unibi_key_f6, NONE, NONE, NONE},
+};
+
+// xterm adds 1 to the sum of Shift 1, Alt 2, Ctrl 4, Meta 8.
+constexpr int FIRST_MODIFIER = 2;
+constexpr int LAST_MODIFIER = 16;
+
+DWORD ControlKeysOf(int modifier) {
+    const int held = modifier - 1;
+    return ((held & 1) != 0 ? SHIFT_PRESSED : 0) | ((held & 10) != 0 ? LEFT_ALT_PRESSED : 0) |
+           ((held & 4) != 0 ? LEFT_CTRL_PRESSED : 0);
+}
+
+// What rxvt ends a numbered sequence with instead of ~.
+struct RxvtEnd {
+    char end;
+    DWORD controlKeys;
+};
+constexpr RxvtEnd RXVT_ENDS[] = {
+    {'^', LEFT_CTRL_PRESSED}, {'$', SHIFT_PRESSED}, {'@', LEFT_CTRL_PRESSED | SHIFT_PRESSED}};
+
+template <class... Parts>
+void Add(CConsoleKeys& keys, WORD virtualKey, DWORD controlKeys, const char* format,
+         Parts... parts) {
+    char sequence[CConsoleKeys::LONGEST + 1];
+    std::snprintf(sequence, sizeof sequence, format, parts...);
+    keys.Add(sequence, virtualKey, controlKeys);
+}
+
+void AddNumber(CConsoleKeys& keys, const KeyOfFamilies& key, int number) {
+    if (number == 0)
+        return;
+    Add(keys, key.virtualKey, 0, "\x1b[%d~", number);
+    for (const RxvtEnd& end : RXVT_ENDS)
+        Add(keys, key.virtualKey, end.controlKeys, "\x1b[%d%c", number, end.end);
+    for (int modifier = FIRST_MODIFIER; modifier <= LAST_MODIFIER; ++modifier)
+        Add(keys, key.virtualKey, ControlKeysOf(modifier), "\x1b[%d;%d~", number, modifier);
+}
+
+void AddLetter(CConsoleKeys& keys, const KeyOfFamilies& key) {
+    if (key.letter == NONE)
+        return;
+    Add(keys, key.virtualKey, 0, "\x1b[%c", key.letter);
+    Add(keys, key.virtualKey, 0, "\x1bO%c", key.letter);
+    for (int modifier = FIRST_MODIFIER; modifier <= LAST_MODIFIER; ++modifier) {
+        const DWORD controlKeys = ControlKeysOf(modifier);
+        Add(keys, key.virtualKey, controlKeys, "\x1b[1;%d%c", modifier, key.letter);
+        // As older versions of several terminals have it.
+        Add(keys, key.virtualKey, controlKeys, "\x1b[%d%c", modifier, key.letter);
+        Add(keys, key.virtualKey, controlKeys, "\x1bO%d%c", modifier, key.letter);
+        Add(keys, key.virtualKey, controlKeys, "\x1bO1;%d%c", modifier, key.letter);
+    }
+}
+
+void AddLetterOfOne(CConsoleKeys& keys, const KeyOfFamilies& key) {
+    if (key.linuxLetter != NONE)
+        Add(keys, key.virtualKey, 0, "\x1b[[%c", key.linuxLetter);
+    if (key.rxvtLetter == NONE)
+        return;
+    Add(keys, key.virtualKey, SHIFT_PRESSED, "\x1b[%c", key.rxvtLetter);
+    Add(keys, key.virtualKey, LEFT_CTRL_PRESSED, "\x1bO%c", key.rxvtLetter);
+}
+
+// A control sequence is a key without standing in the table, and may only be the beginning of one;
+// these are others, as the ESC TAB that some terminals send for Shift+Tab.
+void AddOtherKeys(CConsoleKeys& keys, const unibi_term* entry) {
+    for (int index = unibi_string_begin_ + 1; index < unibi_string_end_; ++index) {
+        const auto which = static_cast<unibi_string>(index);
+        const char* const text = unibi_get_str(entry, which);
+        if (text == nullptr || !std::string_view(unibi_name_str(which)).starts_with("key_"))
+            continue;
+        const std::string_view sequence = text;
+        if (sequence.size() < 2 || sequence[1] == '[' || sequence[1] == 'O')
+            continue;
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text);
+        if (keys.Find(bytes, sequence.size(), true).kind == CConsoleKeys::Kind::BYTE)
+            keys.Add(sequence, CConsoleKeys::OTHER, 0);
+    }
+}
+
+} // namespace
+
+void AddKnownKeys(CConsoleKeys& keys) {
+    for (const KeyOfFamilies& key : KEYS) {
+        AddLetter(keys, key);
+        AddNumber(keys, key, key.number);
+        AddNumber(keys, key, key.otherNumber);
+        AddLetterOfOne(keys, key);
+    }
+}
+
+void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType) {
+    if (terminalType == nullptr || *terminalType == 0)
+        return;
+    const std::unique_ptr<unibi_term, decltype(&unibi_destroy)> entry(unibi_from_term(terminalType),
+                                                                      &unibi_destroy);
+    if (!entry)
+        return;
+    for (const KeyOfFamilies& key : KEYS) {
+        const char* const sequence =
+            unibi_get_str(entry.get(), static_cast<unibi_string>(key.terminfo));
+        if (sequence != nullptr)
+            keys.Add(sequence, key.virtualKey, 0);
+    }
+    AddOtherKeys(keys, entry.get());
+}
+
+WORD ScanCodeOf(WORD virtualKey) {
+    for (const KeyOfFamilies& key : KEYS) {
+        if (key.virtualKey == virtualKey)
+            return key.scanCode;
+    }
+    return 0;
+}
+
+} // namespace platform
