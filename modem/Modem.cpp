@@ -75,7 +75,7 @@ BOOL CVModem::SendCommand(LPCSTR command) {
 BOOL CVModem::GetResponse(DWORD& code, std::string& response, DWORD timeout) {
     code = RESULT_NO_RESPONSE;
     CFinalResult finalResult(response);
-    const CDeadline deadline(timeout);
+    const platform::CDeadline deadline(timeout);
     do {
         char buffer[kReadSize];
         DWORD count = 0;
@@ -107,18 +107,24 @@ void CVModem::Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::st
 BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& response) {
     response.clear();
     const DWORD delay = GetPacingDelay();
-    if (delay != 0) {
+    if (delay != 0)
         DebugTrace("CVModem::SendCommandGetResponse() elapsed time->%ld\n",
                    static_cast<long>(delay));
+    return Exchange(delay, command, m_nRetry,
+                    [&] { return GetResponse(code, response, m_dwTimeout); });
+}
+
+BOOL CVModem::Exchange(DWORD delay, LPCSTR command, int attempts,
+                       const std::function<BOOL()>& collect) {
+    if (delay != 0)
         Sleep(delay);
-    }
-    for (int attempt = 0; attempt < m_nRetry && !IsOver(); ++attempt) {
+    for (int attempt = 0; attempt < attempts && !IsOver(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);
         }
         SendCommand(command);
-        if (GetResponse(code, response, m_dwTimeout))
+        if (collect())
             return TRUE;
     }
     return FALSE;
@@ -214,10 +220,11 @@ bool CVModem::IsOver() {
 }
 
 DWORD CVModem::GetPacingDelay() const {
-    return CDeadline(m_dwLastResponse, kQuietTime).Remaining();
+    const DWORD elapsed = GetTickCount() - m_dwLastResponse; // right across the counter's wrap
+    return elapsed < kQuietTime ? kQuietTime - elapsed : 0;
 }
 
-BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
+BOOL CVModem::WaitForBytes(const platform::CDeadline& deadline) {
     const DWORD remaining = deadline.Remaining();
     if (remaining == 0)
         return FALSE;
@@ -236,7 +243,7 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     return !IsDeviceGone();
 }
 
-void CVModem::WaitWithoutReading(const CDeadline& deadline) {
+void CVModem::WaitWithoutReading(const platform::CDeadline& deadline) {
     const HANDLE hangup = GetHangupHandle();
     if (hangup)
         WaitForSingleObject(hangup, deadline.Remaining());

@@ -10,11 +10,12 @@
 #include "CORE/VXSerial/Lib/ISerial.h"
 #include "CORE/VXSerial/Lib/ISerialWait.h"
 #include "common/InterfacePtr.h"
-#include "modem/Deadline.h"
 #include "modem/FinalResult.h"
 #include "platform/Types.h"
+#include "platform/objects/Deadline.h"
 #include "telephony/ITapi.h"
 
+#include <functional>
 #include <string>
 
 // How an AT command was answered.
@@ -94,7 +95,7 @@ class CVModem {
     BOOL AttachHandle(HANDLE port, BOOL overlapped);
 
     // Where the device is that OpenDevice has failed to open; empty when the service does not tell.
-    const std::string& GetDevicePath() const { return m_devicePath; }
+    const std::string& GetDevicePath() const { return m_strDevicePath; }
 
     // Closes the device; does nothing when it is closed.
     void Close();
@@ -110,7 +111,7 @@ class CVModem {
 
     // Blocks until Read may give more bytes: TRUE. FALSE when the deadline is reached or the device
     // is gone. A channel that cannot be waited for is polled: TRUE after a millisecond.
-    virtual BOOL WaitForBytes(const CDeadline& deadline);
+    virtual BOOL WaitForBytes(const platform::CDeadline& deadline);
 
     // How often SendCommandGetResponse sends a command before it gives up; 0 or less: never.
     void SetRetry(int attempts) { m_nRetry = attempts; }
@@ -134,10 +135,15 @@ class CVModem {
     bool IsOver();
 
     // Blocks until the deadline, whatever arrives, or until the device is gone.
-    void WaitWithoutReading(const CDeadline& deadline);
+    void WaitWithoutReading(const platform::CDeadline& deadline);
 
     // Milliseconds until a device may be sent its next command; 0 when it may be sent now.
     DWORD GetPacingDelay() const;
+
+    // Sends a command after the delay and has its answer collected, up to so many times; both
+    // directions of the port are flushed before each. TRUE as soon as the collecting gives that;
+    // FALSE when it never does, and without another attempt once nothing is to be sent any more.
+    BOOL Exchange(DWORD delay, LPCSTR command, int attempts, const std::function<BOOL()>& collect);
 
     CInterfacePtr<ISerial> m_pSerial;
     CInterfacePtr<ITapi> m_pTapi;
@@ -157,5 +163,5 @@ class CVModem {
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
 
     CInterfacePtr<ISerialWait> m_pSerialWait; // of m_pSerial; empty when that can only be polled
-    std::string m_devicePath;
+    std::string m_strDevicePath;
 };

@@ -6,6 +6,7 @@
 #include "platform/Error.h"
 #include "platform/comm/CommErrors.h"
 #include "platform/comm/CommPort.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/objects/TransferRecord.h"
 

@@ -1,6 +1,7 @@
 #include "platform/comm/CommIntake.h"
 
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/WaitLoop.h"
 
 #include <memory>

@@ -5,6 +5,7 @@
 
 #include "platform/Error.h"
 #include "platform/comm/CommHangup.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/objects/TransferRecord.h"
 

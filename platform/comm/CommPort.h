@@ -14,6 +14,7 @@
 #include "platform/comm/CommOutput.h"
 #include "platform/comm/CommQueue.h"
 #include "platform/comm/CommWaiters.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/TransferObject.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 #include "platform/comm/SerialDevices.h"
 
 #include "platform/Comm.h"
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 // A pipe whose ends close themselves.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -11,33 +11,35 @@ namespace {
 
 constexpr int kPatience = 60'000; // milliseconds for what must come
 
-// The master of a new pseudo-terminal, and the path of its slave.
-CDescriptor OpenMaster(std::string& slavePath) {
-    CDescriptor master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
-    EXPECT_EQ(grantpt(master.Get()), 0);
-    EXPECT_EQ(unlockpt(master.Get()), 0);
-    char path[64] = "";
-    EXPECT_EQ(ptsname_r(master.Get(), path, sizeof(path)), 0);
-    slavePath = path;
-    return master;
-}
-
 } // namespace
 
-CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
-    fcntl(m_master.Get(), F_SETFL, O_RDWR | O_NONBLOCK);
-    m_slave = CDescriptor(open(m_path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+CPseudoTerminal::CPseudoTerminal()
+    : m_master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_EQ(grantpt(m_master.Get()), 0);
+    EXPECT_EQ(unlockpt(m_master.Get()), 0);
+    char path[64] = "";
+    EXPECT_EQ(ptsname_r(m_master.Get(), path, sizeof(path)), 0);
+    m_path = path;
+    m_slave = CDescriptor(open(path, O_RDWR | O_NOCTTY | O_CLOEXEC));
     EXPECT_TRUE(m_slave);
 }
 
-CPseudoTerminal::CPseudoTerminal(const std::string& path)
-    : m_path(path), m_master(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
-    EXPECT_TRUE(m_master) << path;
+CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
+    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_TRUE(m_master) << farEnd;
     termios settings{};
-    if (tcgetattr(m_master.Get(), &settings) != 0)
-        return;
-    cfmakeraw(&settings);
-    tcsetattr(m_master.Get(), TCSANOW, &settings);
+    if (tcgetattr(m_master.Get(), &settings) == 0) {
+        cfmakeraw(&settings);
+        tcsetattr(m_master.Get(), TCSANOW, &settings);
+    }
+    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
+    // now. And what another program sent may still be on its way.
+    constexpr int kSilence = 200; // milliseconds
+    const int discipline = N_TTY;
+    ioctl(m_master.Get(), TIOCSETD, &discipline);
+    pollfd polled = {m_master.Get(), POLLIN, 0};
+    while (poll(&polled, 1, kSilence) > 0 && !Read(4096).empty())
+        continue;
 }
 
 termios CPseudoTerminal::GetSettings() const {
