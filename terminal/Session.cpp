@@ -130,7 +130,7 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     SetTitle(console, title);
     console.ClearScreen();
     console.SetCursorPosition(0, 0);
-    ShowUser(console, "%s", LoadString(IDS_HINT));
+    ShowUser(console, LoadString(kTextHint));
     if (baudRate != 0)
         ApplyBaudRate(modem, console, baudRate);
 
