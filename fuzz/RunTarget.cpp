@@ -1,5 +1,6 @@
 // Fuzzes a whole run of a script on a device that answers from the same input.
 #include "fuzz/FuzzPlatform.h"
+#include "platform/Message.h"
 #include "tests/script/ScriptRun.h"
 
 #include <algorithm>
@@ -41,6 +42,11 @@ std::deque<std::string> InputsOf(std::span<const BYTE> bytes) {
 }
 
 } // namespace
+
+// Nobody sends a script messages.
+BOOL PeekMessageA(MSG*, HWND, UINT, UINT, UINT) {
+    return FALSE;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     const std::span<const BYTE> input(data, size);

@@ -75,7 +75,7 @@ BOOL CVModem::SendCommand(LPCSTR command) {
 BOOL CVModem::GetResponse(DWORD& code, std::string& response, DWORD timeout) {
     code = RESULT_NO_RESPONSE;
     CFinalResult finalResult(response);
-    const CDeadline deadline(timeout);
+    const platform::CDeadline deadline(timeout);
     do {
         char buffer[kReadSize];
         DWORD count = 0;
@@ -220,10 +220,11 @@ bool CVModem::IsOver() {
 }
 
 DWORD CVModem::GetPacingDelay() const {
-    return CDeadline(m_dwLastResponse, kQuietTime).Remaining();
+    const DWORD elapsed = GetTickCount() - m_dwLastResponse; // right across the counter's wrap
+    return elapsed < kQuietTime ? kQuietTime - elapsed : 0;
 }
 
-BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
+BOOL CVModem::WaitForBytes(const platform::CDeadline& deadline) {
     const DWORD remaining = deadline.Remaining();
     if (remaining == 0)
         return FALSE;
@@ -242,7 +243,7 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     return !IsDeviceGone();
 }
 
-void CVModem::WaitWithoutReading(const CDeadline& deadline) {
+void CVModem::WaitWithoutReading(const platform::CDeadline& deadline) {
     const HANDLE hangup = GetHangupHandle();
     if (hangup)
         WaitForSingleObject(hangup, deadline.Remaining());

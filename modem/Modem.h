@@ -10,9 +10,9 @@
 #include "CORE/VXSerial/Lib/ISerial.h"
 #include "CORE/VXSerial/Lib/ISerialWait.h"
 #include "common/InterfacePtr.h"
-#include "modem/Deadline.h"
 #include "modem/FinalResult.h"
 #include "platform/Types.h"
+#include "platform/objects/Deadline.h"
 #include "telephony/ITapi.h"
 
 #include <functional>
@@ -111,7 +111,7 @@ class CVModem {
 
     // Blocks until Read may give more bytes: TRUE. FALSE when the deadline is reached or the device
     // is gone. A channel that cannot be waited for is polled: TRUE after a millisecond.
-    virtual BOOL WaitForBytes(const CDeadline& deadline);
+    virtual BOOL WaitForBytes(const platform::CDeadline& deadline);
 
     // How often SendCommandGetResponse sends a command before it gives up; 0 or less: never.
     void SetRetry(int attempts) { m_nRetry = attempts; }
@@ -135,7 +135,7 @@ class CVModem {
     bool IsOver();
 
     // Blocks until the deadline, whatever arrives, or until the device is gone.
-    void WaitWithoutReading(const CDeadline& deadline);
+    void WaitWithoutReading(const platform::CDeadline& deadline);
 
     // Milliseconds until a device may be sent its next command; 0 when it may be sent now.
     DWORD GetPacingDelay() const;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr DWORD REPLY_TIMEOUT = 2000; // milliseconds
+constexpr DWORD kReplyTimeout = 2000; // milliseconds
 
 CTapiInstances s_instances;
 
@@ -55,7 +55,7 @@ CVTapi* CVTapi::FindObject(DWORD_PTR dwInstance) {
     return static_cast<CVTapi*>(s_instances.Find(dwInstance));
 }
 
-LONG CVTapi::Provide(const STapiOperation& operation) {
+LONG CVTapi::Provide(const TapiOperation& operation) {
     LONG status = 0;
     switch (operation.need) {
     case ETapiNeed::Nothing:
@@ -76,9 +76,9 @@ LONG CVTapi::Provide(const STapiOperation& operation) {
     return status != 0 ? ReportInitializeFailed(operation, status) : 0;
 }
 
-LONG CVTapi::Await(const STapiOperation& operation, LONG lRequestID) {
+LONG CVTapi::Await(const TapiOperation& operation, LONG lRequestID) {
     const auto dwRequestID = static_cast<DWORD>(lRequestID);
     return CheckWait(operation, operation.need == ETapiNeed::Phone
-                                    ? MPhoneWaitForReply(dwRequestID, REPLY_TIMEOUT)
-                                    : MLineWaitForReply(dwRequestID, REPLY_TIMEOUT));
+                                    ? MPhoneWaitForReply(dwRequestID, kReplyTimeout)
+                                    : MLineWaitForReply(dwRequestID, kReplyTimeout));
 }

@@ -13,23 +13,23 @@
 namespace {
 
 // A platform's modems are numbered below this key.
-struct SModemClass {
+struct ModemClass {
     DWORD dwPlatformId;
     LPCSTR szKeyFormat;
 };
-constexpr SModemClass MODEM_CLASSES[] = {
+constexpr ModemClass kModemClasses[] = {
     {VER_PLATFORM_WIN32_NT,
      "System\\CurrentControlSet\\Control\\Class\\{4D36E96D-E325-11CE-BFC1-08002BE10318}\\%0.4ld"},
     {VER_PLATFORM_WIN32_WINDOWS, "System\\CurrentControlSet\\Services\\Class\\Modem\\%0.4ld"},
 };
-constexpr DWORD FIRST_MAJOR_VERSION = 4; // before it modems were no class
+constexpr DWORD kFirstMajorVersion = 4; // before it modems were no class
 
 LPCSTR KeyFormatOf(const OSVERSIONINFOA& version) {
-    if (version.dwMajorVersion < FIRST_MAJOR_VERSION)
+    if (version.dwMajorVersion < kFirstMajorVersion)
         return nullptr;
     const auto* const found =
-        std::ranges::find(MODEM_CLASSES, version.dwPlatformId, &SModemClass::dwPlatformId);
-    return found != std::end(MODEM_CLASSES) ? found->szKeyFormat : nullptr;
+        std::ranges::find(kModemClasses, version.dwPlatformId, &ModemClass::dwPlatformId);
+    return found != std::end(kModemClasses) ? found->szKeyFormat : nullptr;
 }
 
 bool IsDataModem(const LINEDEVCAPS& capabilities) {

@@ -21,14 +21,14 @@ void DispatchOrBlock(DWORD dwMilliseconds) {
 
 } // namespace
 
-void STapiReply::Take(DWORD dwID, LONG lResult) const {
+void TapiReply::Take(DWORD dwID, LONG lResult) const {
     if (dwID != dwRequestID)
         return;
     lReplyResult = lResult;
     bReplied = TRUE;
 }
 
-LONG STapiReply::Wait(DWORD dwID, DWORD dwTimeout) const {
+LONG TapiReply::Wait(DWORD dwID, DWORD dwTimeout) const {
     if (dwID == 0)
         return 0;
     // Inside another wait this takes the mark from both of them.

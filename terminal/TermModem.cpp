@@ -29,7 +29,7 @@ BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD timeAllowed) {
     if (!m_pSerial)
         return FALSE;
 
-    const CDeadline deadline(timeAllowed);
+    const platform::CDeadline deadline(timeAllowed);
     std::array<char, kGatherSize> gathered;
     DWORD count = 0;
     do {

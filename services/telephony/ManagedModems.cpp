@@ -3,7 +3,7 @@
 namespace telephonyservice {
 namespace {
 
-constexpr const char* MODEM_INTERFACE = "org.freedesktop.ModemManager1.Modem";
+constexpr const char* kModemInterface = "org.freedesktop.ModemManager1.Modem";
 
 struct Modem {
     std::string device;
@@ -63,7 +63,7 @@ bool ReadInterface(sd_bus_message* message, const std::string& port, Modem& mode
     const char* interface = nullptr;
     if (sd_bus_message_read(message, "s", &interface) <= 0)
         return false;
-    if (std::string(interface) != MODEM_INTERFACE)
+    if (std::string(interface) != kModemInterface)
         return sd_bus_message_skip(message, "a{sv}") >= 0;
     return ForEachEntry(message, "{sv}", [&] { return ReadProperty(message, port, modem); });
 }

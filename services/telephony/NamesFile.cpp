@@ -8,14 +8,14 @@
 namespace telephonyservice {
 namespace {
 
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-constexpr std::string_view WIDE_MARKS[] = {"\xFF\xFE", "\xFE\xFF"};
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kWideMarks[] = {"\xFF\xFE", "\xFE\xFF"};
 
 // Null when the name and the path will do.
 const char* FindFault(std::string_view name, std::string_view path) {
     if (name.empty())
         return "there is no name before the '='";
-    if (name.size() > MAX_NAME)
+    if (name.size() > kLongestName)
         return "the name is too long";
     if (!IsPlainText(name))
         return "the name has characters that cannot be shown";
@@ -35,14 +35,14 @@ const char* FindFault(std::string_view name, std::string_view path) {
 std::vector<LineDevice> ParseNamesFile(std::string_view content,
                                        std::vector<NamesFileFault>& faults) {
     std::vector<LineDevice> modems;
-    for (const std::string_view mark : WIDE_MARKS) {
+    for (const std::string_view mark : kWideMarks) {
         if (content.starts_with(mark)) {
             faults.push_back({1, "the file is UTF-16; save it as UTF-8"});
             return modems;
         }
     }
-    if (content.starts_with(BYTE_ORDER_MARK))
-        content.remove_prefix(BYTE_ORDER_MARK.size());
+    if (content.starts_with(kByteOrderMark))
+        content.remove_prefix(kByteOrderMark.size());
     for (unsigned number = 1; !content.empty(); ++number) {
         const std::size_t end = content.find('\n');
         std::string_view line = content.substr(0, end);
@@ -63,7 +63,7 @@ std::vector<LineDevice> ParseNamesFile(std::string_view content,
             faults.push_back({number, fault});
             continue;
         }
-        if (modems.size() == MAX_NAMED_MODEMS) {
+        if (modems.size() == kMostNamedModems) {
             faults.push_back({number, "there are too many modems"});
             break;
         }

@@ -62,11 +62,11 @@ std::string MakePlainText(std::string_view text, std::size_t limit) {
 }
 
 std::string_view Trim(std::string_view text) {
-    constexpr std::string_view BLANKS = " \t";
-    const std::size_t begin = text.find_first_not_of(BLANKS);
+    constexpr std::string_view kBlanks = " \t";
+    const std::size_t begin = text.find_first_not_of(kBlanks);
     if (begin == std::string_view::npos)
         return {};
-    return text.substr(begin, text.find_last_not_of(BLANKS) - begin + 1);
+    return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
 } // namespace telephonyservice

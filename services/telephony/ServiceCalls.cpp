@@ -10,11 +10,11 @@
 namespace telephonyservice {
 namespace {
 
-constexpr std::string_view MODEM_CLASS = "comm/datamodem";
-constexpr std::string_view PORT_NAME_CLASS = "comm/datamodem/portname";
+constexpr std::string_view kModemClass = "comm/datamodem";
+constexpr std::string_view kPortNameClass = "comm/datamodem/portname";
 
 // The states that a call's owner is told of.
-constexpr DWORD CALL_STATES =
+constexpr DWORD kCallStates =
     LINECALLSTATE_CONNECTED | LINECALLSTATE_DISCONNECTED | LINECALLSTATE_IDLE;
 
 bool IsClass(std::string_view name, std::string_view known) {
@@ -167,7 +167,7 @@ LONG CService::GetCallInfo(HCALL hCall, LINECALLINFO* info) const {
     info->dwMediaMode = call->m_parameters.dwMediaMode;
     info->dwCallID = hCall;
     info->dwCallParamFlags = call->m_parameters.dwCallParamFlags;
-    info->dwCallStates = CALL_STATES;
+    info->dwCallStates = kCallStates;
     info->DialParams = call->m_parameters.DialParams;
     info->dwOrigin = LINECALLORIGIN_OUTBOUND;
     info->dwReason = LINECALLREASON_DIRECT;
@@ -217,13 +217,13 @@ LONG CService::GetId(HLINE hLine, HCALL hCall, DWORD select, VARSTRING* identifi
     const LONG result = FindCallFor(hLine, hCall, select, call);
     if (result != 0)
         return result;
-    if (IsClass(deviceClass, PORT_NAME_CLASS)) {
+    if (IsClass(deviceClass, kPortNameClass)) {
         if (call)
             return FillPortName(call->m_device, identifier);
         const auto line = m_lines.Find(hLine);
         return line ? FillPortName(line->m_device, identifier) : LINEERR_INVALLINEHANDLE;
     }
-    if (!IsClass(deviceClass, MODEM_CLASS))
+    if (!IsClass(deviceClass, kModemClass))
         return LINEERR_INVALDEVICECLASS;
     if (!call || call->m_state != ECallState::Connected)
         return LINEERR_INVALCALLSTATE;

@@ -4,6 +4,7 @@
 #include "CORE/VXSerial/Lib/CommNotifyThread.h"
 #include "CORE/VXSerial/Lib/OverlappedRecord.h"
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/CommEvents.h"
@@ -76,9 +77,7 @@ BOOL CCommNotifyThread::StartCommNotifyThread() {
     m_hCommNotifyThread.Reset(
         m_Serial.CreateOwnThread(CommNotifyThreadProc, this, CREATE_SUSPENDED));
     if (!m_hCommNotifyThread) {
-        DebugReport("CVSerial::StartCommNotifyThread() - CreateThread() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartCommNotifyThread() - CreateThread()");
         CloseCommNotifyEvents();
         return FALSE;
     }
@@ -90,19 +89,13 @@ BOOL CCommNotifyThread::StartCommNotifyThread() {
 BOOL CCommNotifyThread::CreateCommNotifyEvents() {
     DEBUG_ASSERT(!m_hCommNotifyThreadEndEvent);
     m_hCommNotifyThreadEndEvent.Reset(CreateEventA(nullptr, FALSE, FALSE, nullptr));
-    if (!m_hCommNotifyThreadEndEvent) {
-        DebugReport("CVSerial::StartCommNotifyThread() - CreateEvent() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!m_hCommNotifyThreadEndEvent)
+        return ReportLastError("CVSerial::StartCommNotifyThread() - CreateEvent()");
     const CLock lock(m_NotifyCritSec);
     DEBUG_ASSERT(!m_hCommNotifyEnableEvent);
     m_hCommNotifyEnableEvent.Reset(CreateEventA(nullptr, TRUE, TRUE, nullptr));
     if (!m_hCommNotifyEnableEvent) {
-        DebugReport("CVSerial::StartCommNotifyThread() - CreateEvent() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartCommNotifyThread() - CreateEvent()");
         DEBUG_VERIFY(CloseHandle(m_hCommNotifyThreadEndEvent));
         return FALSE;
     }
@@ -224,9 +217,7 @@ DWORD CCommNotifyThread::WaitOverlapped() {
         if (GetLastError() != ERROR_IO_PENDING)
             DebugReport("CVSerial::CommNotifyThreadProc() - WaitCommEvent() failed");
         else if (!GetOverlappedResult(m_hPort, record.Get(), &dwTransferred, TRUE))
-            DebugReport("CVSerial::CommNotifyThreadProc() - GetOverlappedResult() failed - "
-                        "GetLastError() = %ld",
-                        static_cast<long>(GetLastError()));
+            ReportLastError("CVSerial::CommNotifyThreadProc() - GetOverlappedResult()");
     }
     record.Reset();
     return dwEvent;

@@ -1,5 +1,6 @@
 #include "CORE/VXSerial/Lib/ModemMonitorThread.h"
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
@@ -29,18 +30,12 @@ BOOL CModemMonitorThread::StartModemMonitorThread() {
         return TRUE;
     DEBUG_ASSERT(!m_hModemMonitorThreadEndEvent);
     m_hModemMonitorThreadEndEvent.Reset(CreateEventA(nullptr, FALSE, FALSE, nullptr));
-    if (!m_hModemMonitorThreadEndEvent) {
-        DebugReport("CVSerial::StartModemMonitorThread() - CreateEvent() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!m_hModemMonitorThreadEndEvent)
+        return ReportLastError("CVSerial::StartModemMonitorThread() - CreateEvent()");
     m_hModemMonitorThread.Reset(
         m_Serial.CreateOwnThread(ModemMonitorThreadProc, this, CREATE_SUSPENDED));
     if (!m_hModemMonitorThread) {
-        DebugReport("CVSerial::StartModemMonitorThread() - CreateThread() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartModemMonitorThread() - CreateThread()");
         DEBUG_VERIFY(CloseHandle(m_hModemMonitorThreadEndEvent));
         return FALSE;
     }

@@ -89,9 +89,9 @@ class CVSerial final : public CVComponent,
 
     // What has been accepted for sending and has not left: the places it is in.
     struct Pending {
-        DWORD dwBuffered; // in the transmit buffer
-        DWORD dwInHand;   // in the write thread's hands
-        DWORD dwDriver;   // in the driver's output queue
+        DWORD buffered; // in the transmit buffer
+        DWORD inHand;   // in the write thread's hands
+        DWORD driver;   // in the driver's output queue
     };
 
     // Configuration; the port lock is held.

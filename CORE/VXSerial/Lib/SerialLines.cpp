@@ -1,5 +1,6 @@
 // The control lines and the queues of CVSerial.
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
@@ -9,8 +10,8 @@
 namespace {
 
 struct ModemLine {
-    DWORD dwModemStatus;
-    DWORD dwLineStatus;
+    DWORD modemStatus;
+    DWORD lineStatus;
 };
 
 constexpr ModemLine kModemLines[] = {
@@ -34,11 +35,8 @@ BOOL CVSerial::SetLine(DWORD dwLine, BOOL bState) {
     }
     const DWORD raise = dwLine == LINE_DTR ? SETDTR : SETRTS;
     const DWORD drop = dwLine == LINE_DTR ? CLRDTR : CLRRTS;
-    if (!EscapeCommFunction(m_hPort, bState ? raise : drop)) {
-        DebugReport("CVSerial::SetLine() - EscapeCommFunction() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!EscapeCommFunction(m_hPort, bState ? raise : drop))
+        return ReportLastError("CVSerial::SetLine() - EscapeCommFunction()");
     if (bState)
         m_wLineState |= static_cast<WORD>(dwLine);
     else
@@ -65,7 +63,7 @@ DWORD CVSerial::GetLineStatus() {
     dwTemp = 0;
     DEBUG_VERIFY(GetCommModemStatus(m_hPort, &dwTemp));
     for (const ModemLine& line : kModemLines)
-        lines |= (dwTemp & line.dwModemStatus) != 0 ? line.dwLineStatus : 0;
+        lines |= (dwTemp & line.modemStatus) != 0 ? line.lineStatus : 0;
     return lines;
 }
 
@@ -84,7 +82,7 @@ BOOL CVSerial::Flush(DWORD dwSelector) {
         return TRUE;
     }
     const CLock handOver(m_HandOverCritSec);
-    m_cvTXBuffer.ClearBuffer(CVCommBuffer::ALL_BYTES);
+    m_cvTXBuffer.ClearBuffer(CVCommBuffer::kAllBytes);
     if (dwSelector == _QUE_TX)
         DEBUG_VERIFY(PurgeComm(m_hPort, PURGE_TXABORT | PURGE_TXCLEAR));
     else

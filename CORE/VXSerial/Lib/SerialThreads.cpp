@@ -3,6 +3,7 @@
 // flush that comes between the two is kept out by the hand-over lock.
 #include "CORE/VXSerial/Lib/OverlappedRecord.h"
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
@@ -55,15 +56,13 @@ BOOL CVSerial::StartWriteThread() {
         return TRUE;
     DEBUG_ASSERT(!m_hWriteThreadEndEvent);
     if (!CreateWriteEvents()) {
-        DebugReport("CVSerial::StartWriteThread() - CreateEvent() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartWriteThread() - CreateEvent()");
         m_hWriteThreadEndEvent.Reset();
         return FALSE;
     }
     m_hWriteThread.Reset(CreateOwnThread(WriteThreadProc, this, 0));
     if (!m_hWriteThread) {
-        DebugReport("CVSerial::StartWriteThread() - CreateThread() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartWriteThread() - CreateThread()");
         DEBUG_VERIFY(CloseHandle(m_hWriteThreadEndEvent));
         m_hProgressEvent.Reset();
         return FALSE;
@@ -163,12 +162,9 @@ DWORD CVSerial::WriteOverlapped(BYTE* chunk, DWORD dwSize) {
         isDone = WriteFile(m_hPort, chunk, dwCount, &dwWritten, record.Get());
     }
     if (!isDone && GetLastError() != ERROR_IO_PENDING) {
-        DebugReport("CVSerial::WriteThreadProc() - WriteFile() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::WriteThreadProc() - WriteFile()");
     } else if (!isDone && !GetOverlappedResult(m_hPort, record.Get(), &dwWritten, TRUE)) {
-        DebugReport("CVSerial::WriteThreadProc() - GetOverlappedResult() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::WriteThreadProc() - GetOverlappedResult()");
     } else {
         DEBUG_ASSERT(dwCount == dwWritten);
     }
@@ -186,8 +182,7 @@ DWORD CVSerial::WritePlain(BYTE* chunk, DWORD dwSize) {
         return 0;
     DWORD dwWritten = 0;
     if (!WriteFile(m_hPort, chunk, dwCount, &dwWritten, nullptr)) {
-        DebugReport("CVSerial::WriteThreadProc() - WriteFile() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::WriteThreadProc() - WriteFile()");
         return dwCount;
     }
     DEBUG_ASSERT(dwCount == dwWritten);

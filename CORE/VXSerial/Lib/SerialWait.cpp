@@ -1,4 +1,6 @@
-// What CVSerial offers to those who block: handles, and the wait for everything to be sent.
+// What CVSerial offers to those who block: handles, and the wait for everything to be sent. That is
+// woken for every chunk, but by nothing when the driver's own queue runs empty, so it then looks
+// again after the time that the line needs for what is left.
 #include "CORE/VXSerial/Lib/Serial.h"
 
 #include "platform/Clock.h"
@@ -88,17 +90,16 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
         Pending pending = {};
         if (WaitForSingleObject(handles[0], 0) == WAIT_OBJECT_0 || !CountPending(pending))
             return FALSE;
-        const DWORD ours = pending.dwBuffered + pending.dwInHand;
-        if (ours + pending.dwDriver == 0)
+        const DWORD ours = pending.buffered + pending.inHand;
+        if (ours + pending.driver == 0)
             return TRUE;
-        patience.Look(ours + pending.dwDriver);
+        patience.Look(ours + pending.driver);
         // Some drivers count what they send by the piece, for each of which a slow line takes long.
-        const DWORD remaining = patience.Remaining(TransmitTime(pending.dwInHand, baudRate));
+        const DWORD remaining = patience.Remaining(TransmitTime(pending.inHand, baudRate));
         if (remaining == 0)
             return FALSE;
-        // Nothing is signalled when the driver's own queue runs empty.
         const DWORD pause =
-            ours == 0 ? patience.Pause(TransmitTime(pending.dwDriver, baudRate)) : remaining;
+            ours == 0 ? patience.Pause(TransmitTime(pending.driver, baudRate)) : remaining;
         if (WaitForMultipleObjects(ours == 0 ? 1 : 2, handles, FALSE, std::min(pause, remaining)) ==
             WAIT_FAILED)
             return FALSE;
@@ -110,13 +111,13 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
 bool CVSerial::CountPending(Pending& pending) {
     {
         const CLock handOver(m_HandOverCritSec);
-        m_cvTXBuffer.GetBufferStatus(nullptr, &pending.dwBuffered, nullptr);
-        pending.dwInHand = m_dwInHand;
+        m_cvTXBuffer.GetBufferStatus(nullptr, &pending.buffered, nullptr);
+        pending.inHand = m_dwInHand;
     }
     COMSTAT status = {};
     if (!ClearCommError(m_hPort, nullptr, &status))
         return false;
-    pending.dwDriver = status.cbOutQue;
+    pending.driver = status.cbOutQue;
     return true;
 }
 
