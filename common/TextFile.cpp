@@ -1,3 +1,5 @@
+// Lines are cut out of what was read; one that goes beyond it gathers in the caller's text, which
+// is measured before it grows.
 #include "common/TextFile.h"
 
 #include "platform/Error.h"

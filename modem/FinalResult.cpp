@@ -1,3 +1,5 @@
+// A marker is complete with the newest bytes, so only these and what may be its beginning are
+// searched: a long answer costs the same for each of its reads.
 #include "modem/FinalResult.h"
 
 #include "common/Ascii.h"

@@ -1,3 +1,6 @@
+// Each turn waits for all that it could serve now, and for nothing else: keys while there is room
+// for what is typed, the device while the console takes output, room in the transmit buffer while
+// something waits for it. So neither side stops the other, and no turn begins in vain.
 #include "terminal/InteractiveTerminal.h"
 
 #include "modem/Modem.h"
