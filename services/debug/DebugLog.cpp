@@ -1,3 +1,6 @@
+// A message becomes one line, which is offered to one taker after the other until one has it. None
+// of them may block or end the program: each is asked for room first, or refuses by itself, and the
+// signal of a broken pipe is taken back.
 #include "services/debug/DebugLog.h"
 
 #include "diagnostics/DebugModule.h"
