@@ -13,6 +13,8 @@
 #include <span>
 #include <string_view>
 
+using platform::FailWith;
+
 namespace {
 
 constexpr char kHandleClass[] = "comm/datamodem";
@@ -36,11 +38,6 @@ constexpr ErrorRow kErrors[] = {
     {E_TAPI_NOMEMORY, ERROR_NOT_ENOUGH_MEMORY},
     {E_TAPI_TIMEOUT, ERROR_TIMEOUT},
 };
-
-BOOL FailWith(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
 
 BOOL FailWithStatus(LONG status) {
     for (const ErrorRow& row : kErrors)
@@ -69,13 +66,13 @@ bool IsPort(HANDLE handle) {
 } // namespace
 
 BOOL CVModem::OpenDevice(const std::string& name) {
-    m_devicePath.clear();
+    m_strDevicePath.clear();
     DWORD device = 0;
     if (!StartTelephony(name) || !FindDevice(name, device))
         return FALSE;
     const LONG status = PlaceCall(name, device);
     if (status != 0) {
-        m_devicePath = AskDevicePath(device);
+        m_strDevicePath = AskDevicePath(device);
         return FailWithStatus(status);
     }
     HANDLE port = nullptr;

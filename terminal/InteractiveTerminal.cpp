@@ -1,8 +1,8 @@
 #include "terminal/InteractiveTerminal.h"
 
-#include "modem/Deadline.h"
 #include "modem/Modem.h"
 #include "platform/Wait.h"
+#include "platform/objects/Deadline.h"
 #include "platform/objects/EndRequest.h"
 #include "terminal/ModuleNotices.h"
 #include "terminal/TermConsole.h"
@@ -125,8 +125,8 @@ std::size_t CInteractiveTerminal::CountUnsent() const {
 
 // The device is read on meanwhile, or one that echoes would take nothing either.
 void CInteractiveTerminal::FinishTyping() {
-    const CDeadline patience(kPatience);
-    CDeadline stuck(kStuckTime);
+    const platform::CDeadline patience(kPatience);
+    platform::CDeadline stuck(kStuckTime);
     std::size_t unsent = CountUnsent();
     bool isTold = false;
     for (m_console.SendTyped(); m_console.GetTypedAhead() != 0; m_console.SendTyped()) {
@@ -145,7 +145,7 @@ void CInteractiveTerminal::FinishTyping() {
             return;
         }
         if (CountUnsent() < unsent)
-            stuck = CDeadline(kStuckTime);
+            stuck = platform::CDeadline(kStuckTime);
         unsent = CountUnsent();
     }
 }

@@ -21,28 +21,15 @@ bool HoldsFinalResult(const char* text) {
 
 BOOL CTermModem::SendLineWaitFinal(const std::string& command, std::string& response) {
     response.clear();
-
-    const DWORD delay = GetPacingDelay();
-    if (delay != 0)
-        Sleep(delay);
-
-    for (int attempt = 0; attempt < kAttempts && !IsOver(); ++attempt) {
-        if (m_pSerial) {
-            m_pSerial->Flush(_QUE_RX);
-            m_pSerial->Flush(_QUE_TX);
-        }
-        SendCommand(command.c_str());
-        if (WaitForFinalResult(response, kAttemptTime))
-            return TRUE;
-    }
-    return FALSE;
+    return Exchange(GetPacingDelay(), command.c_str(), kAttempts,
+                    [&] { return WaitForFinalResult(response, kAttemptTime); });
 }
 
-BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) {
+BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD timeAllowed) {
     if (!m_pSerial)
         return FALSE;
 
-    const CDeadline deadline(dwTimeAllowed);
+    const platform::CDeadline deadline(timeAllowed);
     std::array<char, kGatherSize> gathered;
     DWORD count = 0;
     do {

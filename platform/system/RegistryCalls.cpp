@@ -1,6 +1,7 @@
 #include "platform/Error.h"
 #include "platform/Registry.h"
 #include "platform/Wait.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/system/RegistryKey.h"
 

@@ -5,7 +5,7 @@
 #include "services/telephony/ModemManager.h"
 
 #include "platform/Comm.h"
-#include "services/telephony/Descriptor.h"
+#include "platform/objects/Descriptor.h"
 #include "services/telephony/Notice.h"
 
 #include <algorithm>
@@ -39,14 +39,14 @@ std::string FindPortName(const std::string& devicePath) {
 }
 
 // Readable when anybody opens or closes the device. Without one, waits end by their time.
-CDescriptor WatchDevice(const std::string& devicePath) {
-    CDescriptor watch(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+platform::CDescriptor WatchDevice(const std::string& devicePath) {
+    platform::CDescriptor watch(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
     if (watch)
         inotify_add_watch(watch.Get(), devicePath.c_str(), IN_OPEN | IN_CLOSE);
     return watch;
 }
 
-void Drain(const CDescriptor& watch) {
+void Drain(const platform::CDescriptor& watch) {
     std::array<char, 4096> events;
     while (read(watch.Get(), events.data(), events.size()) > 0)
         continue;
@@ -84,7 +84,7 @@ EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
     const DWORD manager = m_manager->FindProcess(cancellation);
     const std::string files = "/proc/" + std::to_string(manager) + "/fd";
     m_bUnseen = manager != 0 && access(files.c_str(), R_OK) != 0;
-    const CDescriptor watch = WatchDevice(m_device.devicePath);
+    const platform::CDescriptor watch = WatchDevice(m_device.devicePath);
     if (manager == 0 || !platform::IsDeviceOpenIn(manager, m_device.devicePath))
         return EHold::NotManaged;
     const BusTime start = GetBusTime();

@@ -2,7 +2,7 @@
 // stop the program; what is wrong with it is told and does not stop anything either.
 #include "services/telephony/NamedModems.h"
 
-#include "services/telephony/Descriptor.h"
+#include "platform/objects/Descriptor.h"
 #include "services/telephony/NamesFile.h"
 #include "services/telephony/Notice.h"
 
@@ -34,7 +34,8 @@ std::string FindUserFile() {
 
 std::string ReadContent(const std::string& path) {
     // Not to wait for the other end of a FIFO that stands there.
-    const CDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const platform::CDescriptor file(
+        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
     if (!file) {
         if (errno != ENOENT && errno != ENOTDIR)

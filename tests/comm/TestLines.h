@@ -4,6 +4,7 @@
 
 #include "platform/Error.h"
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleTable.h"
 #include "tests/comm/TestPort.h"
 
 #include <sys/ioctl.h>

@@ -3,6 +3,7 @@
 #include "platform/comm/SerialDevices.h"
 #include "platform/Error.h"
 #include "platform/Registry.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/system/RegistryKey.h"
 #include "tests/support/TempFolder.h"
 

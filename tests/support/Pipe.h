@@ -1,7 +1,7 @@
 // Descriptors that close themselves: of a pipe, of a pseudo-terminal.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
 #include <sys/ioctl.h>
 
 CDescriptor OpenMaster(std::string& slavePath) {
@@ -21,14 +22,22 @@ CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
     EXPECT_TRUE(m_slave);
 }
 
-CPseudoTerminal::CPseudoTerminal(const std::string& path)
-    : m_path(path), m_master(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
-    EXPECT_TRUE(m_master) << path;
+CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
+    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_TRUE(m_master) << farEnd;
     termios settings{};
-    if (tcgetattr(m_master.Get(), &settings) != 0)
-        return;
-    cfmakeraw(&settings);
-    tcsetattr(m_master.Get(), TCSANOW, &settings);
+    if (tcgetattr(m_master.Get(), &settings) == 0) {
+        cfmakeraw(&settings);
+        tcsetattr(m_master.Get(), TCSANOW, &settings);
+    }
+    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
+    // now. And what another program sent may still be on its way.
+    constexpr int kSilence = 200; // milliseconds
+    const int discipline = N_TTY;
+    ioctl(m_master.Get(), TIOCSETD, &discipline);
+    pollfd polled = {m_master.Get(), POLLIN, 0};
+    while (poll(&polled, 1, kSilence) > 0 && !Read(4096).empty())
+        continue;
 }
 
 termios CPseudoTerminal::GetSettings() const {

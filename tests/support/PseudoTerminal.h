@@ -13,8 +13,9 @@
 class CPseudoTerminal {
   public:
     CPseudoTerminal();
-    // A line that is there, in place of the master; it has no slave, and no settings are told.
-    explicit CPseudoTerminal(const std::string& path);
+    // A device that is there, and the far end of its cable in place of the master: what was left at
+    // that is discarded. There is no slave, and no settings are told.
+    CPseudoTerminal(const std::string& path, const std::string& farEnd);
 
     int GetMaster() const { return m_master.Get(); }
     int GetSlave() const { return m_slave.Get(); }
