@@ -15,7 +15,7 @@ constexpr DWORD kStatements = 2000;
 // for long ones again and again tries nothing new.
 constexpr std::size_t kPlain = 190;
 constexpr std::size_t kStep = 1024;
-constexpr std::size_t kMostRepeated = CFinalResult::MAX_RESPONSE + 256 * kStep;
+constexpr std::size_t kMostRepeated = CFinalResult::kMaxResponse + 256 * kStep;
 
 // What the device has to say. Of each piece the first byte tells the kind, the second one how long
 // the text is.
@@ -29,7 +29,7 @@ std::deque<std::string> InputsOf(std::span<const BYTE> bytes) {
         std::size_t length = std::min(mark, bytes.size());
         const std::string_view rest(reinterpret_cast<LPCSTR>(bytes.data()), bytes.size());
         if (mark > kPlain && !bytes.empty()) {
-            length = mark == 0xFF ? CFinalResult::MAX_RESPONSE : (mark - kPlain) * kStep;
+            length = mark == 0xFF ? CFinalResult::kMaxResponse : (mark - kPlain) * kStep;
             repeated += length = std::min(length, kMostRepeated - repeated);
             while (input.size() < length)
                 input.append(rest.substr(0, length - input.size()));

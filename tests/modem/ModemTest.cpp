@@ -32,7 +32,7 @@ TEST(Modem, GivesUpOnADeviceThatNeverStops) {
     serial.m_endlessRead = std::string(1023, '\r');
     const Response response = Collect(modem, 300);
     EXPECT_FALSE(response.answered);
-    EXPECT_LE(response.text.size(), CFinalResult::MAX_RESPONSE);
+    EXPECT_LE(response.text.size(), CFinalResult::kMaxResponse);
 }
 
 TEST(Modem, BlocksOnAChannelThatCanBeWaitedFor) {
