@@ -1,3 +1,6 @@
+// A message is one list element from its birth on, spliced from list to list: into the queue, out
+// to whoever runs it, back to the sender as its answer. So nothing can fail between a send that was
+// accepted and its callback.
 #include "platform/messages/MessageQueue.h"
 
 #include "platform/Error.h"

@@ -26,7 +26,7 @@ TEST(SystemLog, LosesRatherThanBlocksAndTellsHowMany) {
     platform::CSystemLog log(path.c_str());
     const std::string half(300, 'a');
     const std::string text = half + "%s%n\n" + half;
-    const auto write = [&] { log.Write(platform::ELogSeverity::Debug, text.c_str()); };
+    const auto write = [&] { log.Write(platform::LogSeverity::Debug, text.c_str()); };
     write();
     ASSERT_EQ(bind(daemon.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     std::vector<std::thread> threads;
