@@ -5,6 +5,7 @@
 #include "console/BoxPager.h"
 #include "console/ConsoleVisit.h"
 #include "platform/Error.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/EndRequest.h"
 #include "platform/terminal/CharacterSet.h"
 

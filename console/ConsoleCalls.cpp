@@ -5,6 +5,7 @@
 #include "console/ConsoleSignals.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
+#include "platform/objects/HandleTable.h"
 
 #include <cstdlib>
 #include <new>

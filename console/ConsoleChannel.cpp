@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <limits.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>

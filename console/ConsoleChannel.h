@@ -5,7 +5,7 @@
 // and after Close it writes to the inherited descriptor and blocks.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <cstddef>
 #include <sys/types.h>

@@ -2,6 +2,7 @@
 
 #include "platform/Wait.h"
 #include "platform/objects/Deadline.h"
+#include "platform/objects/DescriptorWait.h"
 
 #include <cerrno>
 #include <charconv>
@@ -131,7 +132,7 @@ bool CConsoleGather::Drain(int milliseconds) {
     CDeadline deadline(static_cast<DWORD>(milliseconds));
     while (Count() != 0) {
         pollfd descriptor = {m_channel.Descriptor(), POLLOUT, 0};
-        const auto left = static_cast<int>(deadline.Remaining() / NANOSECONDS_PER_MILLISECOND);
+        const auto left = static_cast<int>(deadline.Remaining());
         const int shown = poll(&descriptor, 1, m_bStuck ? 0 : left);
         if (shown == 0 || (shown < 0 && errno != EINTR)) {
             m_bStuck = true;

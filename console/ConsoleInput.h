@@ -14,6 +14,7 @@
 #include "console/Console.h"
 #include "console/ConsoleKeys.h"
 #include "console/ConsoleMode.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/HandleObject.h"
 #include "platform/terminal/Utf8.h"
 

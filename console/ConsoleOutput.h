@@ -14,6 +14,7 @@
 #include "console/ConsoleFill.h"
 #include "console/ConsoleText.h"
 #include "console/ConsoleTitle.h"
+#include "platform/objects/HandleObject.h"
 
 namespace platform {
 

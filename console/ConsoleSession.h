@@ -9,6 +9,7 @@
 #include "console/ConsoleInput.h"
 #include "console/ConsoleMode.h"
 #include "console/ConsoleOutput.h"
+#include "platform/objects/WaitCompanion.h"
 
 #include <atomic>
 #include <pthread.h>

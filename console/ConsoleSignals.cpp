@@ -1,8 +1,8 @@
 #include "console/ConsoleSignals.h"
 
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/EndRequest.h"
 #include "platform/objects/EndWatch.h"
-#include "platform/objects/HandleObject.h"
 
 #include <atomic>
 #include <cerrno>

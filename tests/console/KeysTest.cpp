@@ -3,6 +3,7 @@
 #include "console/ConsoleInput.h"
 #include "console/ConsoleKeyTable.h"
 #include "platform/Wait.h"
+#include "platform/objects/HandleTable.h"
 #include "tests/support/PseudoTerminal.h"
 
 using namespace platform;

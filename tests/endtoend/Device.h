@@ -9,7 +9,7 @@ class CDevice : public IPollable {
   public:
     // A device's line is raw.
     explicit CDevice(bool raw = true);
-    explicit CDevice(const std::string& path) : m_line(path) {}
+    CDevice(const std::string& path, const std::string& farEnd) : m_line(path, farEnd) {}
 
     void Send(std::string_view bytes) { m_toSend.Append(bytes); }
     bool IsAllSent() const { return m_toSend.IsEmpty(); }

@@ -11,6 +11,17 @@ class CEndTest : public CSessionTest {
         m_device.Send("\x1B[20;1Hlast\x1B[10;5H\x1B[1;31;44mcoloured");
         ASSERT_TRUE(Shows("coloured"));
     }
+    // The device sends on and on.
+    void MakeBusy() {
+        m_device.SendEndlessly("some output\r\n");
+        ASSERT_TRUE(m_pump.RunUntil([this] { return m_device.GetSentCount() > 200000; }));
+    }
+    // What is not on the screen any more has been there.
+    Result TellsDeviceGone() {
+        const std::string message = "The device " + m_device.GetPath() + " is gone";
+        return Fulfils(message.c_str(),
+                       [&] { return m_terminal.GetOutput().find(message) != std::string::npos; });
+    }
 };
 
 TEST_F(CEndTest, SignalsAndCrashes) {
@@ -65,36 +76,45 @@ TEST_F(CEndTest, SequencesCutShortAndACursorAnywhere) {
     }
 }
 
-TEST_F(CEndTest, DeviceGone) {
-    const std::function<void()> moments[] = {
-        [] {},
-        [this] {
-            m_device.SendEndlessly("some output\r\n");
-            m_pump.RunUntil([this] { return m_device.GetSentCount() > 200000; });
-        },
-        [this] {
-            Type(kF6);
-            EXPECT_TRUE(Shows("Flow Control:"));
-        },
+// However busy the device is.
+TEST_F(CEndTest, WhileTheDeviceSends) {
+    const std::function<void()> ends[] = {
+        [this] { m_program->Kill(SIGTERM); },
+        [this] { m_device.Vanish(); },
+        [this] { m_terminal.CloseWindow(); },
     };
-    for (const auto& moment : moments) {
-        StartColoured();
-        moment();
-        m_device.Vanish();
-        EXPECT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
-        EXPECT_TRUE(Ends());
+    for (const auto& end : ends) {
         m_device = CDevice();
+        StartInteractive();
+        MakeBusy();
+        end();
+        EXPECT_TRUE(Ends());
+        EXPECT_TRUE(m_device.GetDescriptor() >= 0 || TellsDeviceGone());
     }
 }
 
+TEST_F(CEndTest, DeviceGone) {
+    StartColoured();
+    m_device.Vanish();
+    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(TellsDeviceGone());
+}
+
+TEST_F(CEndTest, DeviceGoneInAMenu) {
+    StartColoured();
+    Type(kF6);
+    EXPECT_TRUE(Shows("Flow Control:"));
+    m_device.Vanish();
+    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(TellsDeviceGone());
+}
+
 TEST_F(CEndTest, DeviceGoneWhileAScriptsLastBoxIsOpen) {
-    const std::string script = m_folder.Write(
-        "script", "FUNCTION main()\r\n  MessageBox(\"last words\", \"\")\r\nENDFUNCTION\r\n");
-    Start(m_device.GetPath(), {"-S:" + script});
+    StartScript("MessageBox(\"last words\", \"\")");
     ASSERT_TRUE(Shows("last words"));
     m_device.Vanish();
     Type("\r");
-    EXPECT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
+    EXPECT_TRUE(TellsDeviceGone());
     EXPECT_TRUE(EndsWith(0));
 }
 
@@ -106,23 +126,5 @@ TEST_F(CEndTest, DeviceGoneDuringAPaste) {
     m_device.Vanish();
     // What the program did not take is the shell's from now on; here it is only echoed.
     EXPECT_TRUE(EndsWith(0));
-    EXPECT_TRUE(Fulfils("the message", [this] {
-        return m_terminal.GetOutput().find("The device " + m_device.GetPath() + " is gone") !=
-               std::string::npos;
-    }));
-}
-
-// However busy the device is.
-TEST_F(CEndTest, WhileTheDeviceSends) {
-    for (const bool isClosed : {false, true}) {
-        StartInteractive();
-        m_device.SendEndlessly("some output\r\n");
-        m_pump.RunUntil([this] { return m_device.GetSentCount() > 200000; });
-        if (isClosed)
-            m_terminal.CloseWindow();
-        else
-            m_program->Kill(SIGTERM);
-        EXPECT_TRUE(Ends());
-        m_device = CDevice();
-    }
+    EXPECT_TRUE(TellsDeviceGone());
 }
