@@ -1,3 +1,5 @@
+// Goes character by character; Unicode's category of each says whether it is plain. A byte that
+// belongs to no character counts as one that is not.
 #include "services/telephony/PlainText.h"
 
 #include "platform/terminal/PrintableText.h"

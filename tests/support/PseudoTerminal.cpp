@@ -1,11 +1,17 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
 #include <sys/ioctl.h>
 
+namespace {
+
+constexpr int kPatience = 60'000; // milliseconds for what must come
+
+// The master of a new pseudo-terminal, and the path of its slave.
 CDescriptor OpenMaster(std::string& slavePath) {
     CDescriptor master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
     EXPECT_EQ(grantpt(master.Get()), 0);
@@ -15,6 +21,8 @@ CDescriptor OpenMaster(std::string& slavePath) {
     slavePath = path;
     return master;
 }
+
+} // namespace
 
 CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
     fcntl(m_master.Get(), F_SETFL, O_RDWR | O_NONBLOCK);
@@ -68,6 +76,32 @@ void CPseudoTerminal::Write(CByteQueue& bytes) {
     const ssize_t count = write(m_master.Get(), front.data(), front.size());
     if (count > 0)
         bytes.Take(static_cast<std::size_t>(count));
+}
+
+bool CPseudoTerminal::AwaitMaster(short events) const {
+    pollfd polled = {m_master.Get(), events, 0};
+    return poll(&polled, 1, kPatience) == 1;
+}
+
+void CPseudoTerminal::Say(std::string_view text) const {
+    while (!text.empty() && AwaitMaster(POLLOUT)) {
+        const ssize_t count = write(m_master.Get(), text.data(), text.size());
+        if (count < 0 && errno != EAGAIN)
+            break;
+        text.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    EXPECT_TRUE(text.empty()) << text.size() << " bytes have not been taken";
+}
+
+std::string CPseudoTerminal::Hear(std::size_t least, std::size_t most) {
+    std::string heard;
+    while (heard.size() < least && AwaitMaster(POLLIN)) {
+        const std::string some = Read(most - heard.size());
+        if (some.empty())
+            break;
+        heard += some;
+    }
+    return heard;
 }
 
 bool operator==(const termios& left, const termios& right) {
