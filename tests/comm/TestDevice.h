@@ -21,6 +21,11 @@ inline std::string MakePattern(std::size_t count) {
 
 class CTestDevice {
   public:
+    CTestDevice() : m_device(OpenMaster(m_path)) {}
+    // One that is there, with the far end of its cable.
+    CTestDevice(const char* path, const char* farEnd)
+        : m_path(path), m_device(OpenFarEnd(farEnd)) {}
+
     int Get() const { return m_device.Get(); }
     const char* Path() const { return m_path.c_str(); }
     void Close() { m_device.Reset(); }
@@ -54,5 +59,5 @@ class CTestDevice {
 
   private:
     std::string m_path;
-    CDescriptor m_device = OpenMaster(m_path);
+    CDescriptor m_device;
 };

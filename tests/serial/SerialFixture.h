@@ -20,7 +20,7 @@ using Entries = std::set<std::string>;
 
 class CSerialTest : public testing::Test {
   protected:
-    CSerialTest() {
+    explicit CSerialTest(CTestDevice device = {}) : m_device(std::move(device)) {
         EXPECT_EQ(CreateSerial(m_serial.Receive(), nullptr), S_OK);
         m_wait = m_serial.Query<ISerialWait>(IID_ISerialWait);
     }

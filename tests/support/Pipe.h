@@ -23,3 +23,5 @@ struct Pipe {
 
 // The master of a new pseudo-terminal, blocking, and the path of its slave.
 CDescriptor OpenMaster(std::string& slavePath);
+// The far end of a serial device's cable, raw and not blocking. What was left at it is discarded.
+CDescriptor OpenFarEnd(const std::string& path);

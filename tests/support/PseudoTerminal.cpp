@@ -16,6 +16,26 @@ CDescriptor OpenMaster(std::string& slavePath) {
     return master;
 }
 
+CDescriptor OpenFarEnd(const std::string& path) {
+    CDescriptor end(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    EXPECT_TRUE(end) << path;
+    termios settings{};
+    if (tcgetattr(end.Get(), &settings) == 0) {
+        cfmakeraw(&settings);
+        tcsetattr(end.Get(), TCSANOW, &settings);
+    }
+    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
+    // now. And what another program sent may still be on its way.
+    constexpr int kSilence = 200; // milliseconds
+    const int discipline = N_TTY;
+    ioctl(end.Get(), TIOCSETD, &discipline);
+    pollfd polled = {end.Get(), POLLIN, 0};
+    char bytes[4096];
+    while (poll(&polled, 1, kSilence) > 0 && read(end.Get(), bytes, sizeof bytes) > 0)
+        continue;
+    return end;
+}
+
 CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
     fcntl(m_master.Get(), F_SETFL, O_RDWR | O_NONBLOCK);
     m_slave = CDescriptor(open(m_path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
@@ -23,22 +43,7 @@ CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
 }
 
 CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
-    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
-    EXPECT_TRUE(m_master) << farEnd;
-    termios settings{};
-    if (tcgetattr(m_master.Get(), &settings) == 0) {
-        cfmakeraw(&settings);
-        tcsetattr(m_master.Get(), TCSANOW, &settings);
-    }
-    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
-    // now. And what another program sent may still be on its way.
-    constexpr int kSilence = 200; // milliseconds
-    const int discipline = N_TTY;
-    ioctl(m_master.Get(), TIOCSETD, &discipline);
-    pollfd polled = {m_master.Get(), POLLIN, 0};
-    while (poll(&polled, 1, kSilence) > 0 && !Read(4096).empty())
-        continue;
-}
+    : m_path(path), m_master(OpenFarEnd(farEnd)) {}
 
 termios CPseudoTerminal::GetSettings() const {
     termios settings{};
@@ -48,6 +53,12 @@ termios CPseudoTerminal::GetSettings() const {
 
 void CPseudoTerminal::ApplySettings(const termios& settings) {
     EXPECT_EQ(tcsetattr(m_slave.Get(), TCSANOW, &settings), 0);
+}
+
+int CPseudoTerminal::CountUnread() const {
+    int unread = 0;
+    EXPECT_TRUE(!m_slave || ioctl(m_slave.Get(), FIONREAD, &unread) == 0);
+    return unread;
 }
 
 void CPseudoTerminal::SetSize(int rows, int columns) {
