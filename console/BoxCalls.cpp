@@ -5,6 +5,7 @@
 #include "console/BoxPager.h"
 #include "console/ConsoleVisit.h"
 #include "platform/Error.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/EndRequest.h"
 #include "platform/terminal/CharacterSet.h"
 
@@ -19,10 +20,10 @@
 namespace platform {
 namespace {
 
-constexpr UINT ICONS = 0xF0;
+constexpr UINT kIcons = 0xF0;
 
 char SignOf(UINT type) {
-    switch (type & ICONS) {
+    switch (type & kIcons) {
     case MB_ICONEXCLAMATION:
         return '!';
     case MB_ICONINFORMATION:
@@ -98,7 +99,7 @@ int MessageBoxA(HWND, LPCSTR lpText, LPCSTR lpCaption, UINT uType) {
 }
 
 BOOL MessageBeep(UINT) {
-    constexpr char BELL = '\a';
+    constexpr char kBell = '\a';
     CConsoleSession* const session = TheConsoleSession();
     if (session != nullptr && session->IsMine()) {
         session->Output().Ring();
@@ -107,7 +108,7 @@ BOOL MessageBeep(UINT) {
     // A terminal that takes nothing now can do without a bell.
     pollfd terminal = {STDOUT_FILENO, POLLOUT, 0};
     if (IsTerminal(STDOUT_FILENO) && poll(&terminal, 1, 0) > 0) {
-        const ssize_t written = write(STDOUT_FILENO, &BELL, 1);
+        const ssize_t written = write(STDOUT_FILENO, &kBell, 1);
         static_cast<void>(written);
     }
     return TRUE;

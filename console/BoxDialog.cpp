@@ -1,23 +1,14 @@
 #include "console/BoxDialog.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace platform {
 namespace {
 
-// The longest of everything that goes with a row: to its place, reversed and back, the rest erased.
-constexpr std::size_t MOST_SEQUENCE_BYTES = sizeof "\x1b[32767;32767H\x1b[7m\x1b[0m\x1b[K";
-static_assert(CBoxLayout::MOST_ROW_BYTES + MOST_SEQUENCE_BYTES <= CConsoleGather::UNIT);
-
-std::string To(int column, int row) {
-    char sequence[32]; // with any numbers
-    std::snprintf(sequence, sizeof sequence, "\x1b[%d;%dH", row + 1, column + 1);
-    return sequence;
-}
+static_assert(CBoxLayout::kMostRowBytes <= CConsoleAlternate::kMostText);
 
 bool Closes(BoxKey key) {
-    return key == BoxKey::ACCEPT || key == BoxKey::CANCEL || key == BoxKey::CLOSED;
+    return key == BoxKey::Accept || key == BoxKey::Cancel || key == BoxKey::Closed;
 }
 
 } // namespace
@@ -30,7 +21,7 @@ bool CBoxDialog::Run() {
         const BoxKey key = m_keys.Next();
         if (Closes(key))
             break;
-        if (key == BoxKey::REDRAW)
+        if (key == BoxKey::Redraw)
             isShown = Show();
         else
             Scroll(key);
@@ -48,27 +39,19 @@ bool CBoxDialog::Show() {
     output.GetInfo(info);
     m_layout.emplace(m_content, info.dwSize.X, info.dwSize.Y);
     m_nTop = std::min(m_nTop, m_layout->LastTop());
-    output.Alternate().Put("\x1b[0m\x1b[H\x1b[J");
+    output.Alternate().Clear();
     Draw();
     return true;
 }
 
 // Ends early when the screen is left meanwhile: what shows it again is an event that follows.
 void CBoxDialog::Draw() {
+    CConsoleAlternate& screen = m_session.Output().Alternate();
     for (const BoxRow& row : m_layout->Rows(m_nTop)) {
-        if (!DrawRow(row))
+        if (!screen.Draw(row.row, row.column, row.text, row.reversed))
             return;
     }
-    m_session.Output().Alternate().Put(To(m_layout->ButtonColumn(), m_layout->ButtonRow()));
-}
-
-bool CBoxDialog::DrawRow(const BoxRow& row) {
-    std::string unit = To(row.column, row.row);
-    if (row.reversed)
-        unit += "\x1b[7m";
-    unit += row.text;
-    unit += row.reversed ? "\x1b[0m" : "\x1b[K";
-    return m_session.Output().Alternate().Put(unit);
+    screen.PlaceCursor(m_layout->ButtonRow(), m_layout->ButtonColumn());
 }
 
 void CBoxDialog::Scroll(BoxKey key) {
@@ -78,8 +61,8 @@ void CBoxDialog::Scroll(BoxKey key) {
         BoxKey key;
         int lines;
     };
-    const Way ways[] = {{BoxKey::UP, -1},          {BoxKey::DOWN, 1},     {BoxKey::PAGE_UP, -page},
-                        {BoxKey::PAGE_DOWN, page}, {BoxKey::HOME, -last}, {BoxKey::END, last}};
+    const Way ways[] = {{BoxKey::Up, -1},         {BoxKey::Down, 1},     {BoxKey::PageUp, -page},
+                        {BoxKey::PageDown, page}, {BoxKey::Home, -last}, {BoxKey::End, last}};
     int top = m_nTop;
     for (const Way& way : ways)
         top += way.key == key ? way.lines : 0;

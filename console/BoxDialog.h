@@ -23,7 +23,6 @@ class CBoxDialog {
   private:
     bool Show();
     void Draw();
-    bool DrawRow(const BoxRow& row);
     void Scroll(BoxKey key);
 
     CConsoleSession& m_session;

@@ -10,12 +10,12 @@ struct NamedKey {
     BoxKey key;
 };
 
-constexpr NamedKey SPECIAL_KEYS[] = {
-    {VK_UP, BoxKey::UP},          {VK_DOWN, BoxKey::DOWN}, {VK_PRIOR, BoxKey::PAGE_UP},
-    {VK_NEXT, BoxKey::PAGE_DOWN}, {VK_HOME, BoxKey::HOME}, {VK_END, BoxKey::END},
+constexpr NamedKey kSpecialKeys[] = {
+    {VK_UP, BoxKey::Up},         {VK_DOWN, BoxKey::Down}, {VK_PRIOR, BoxKey::PageUp},
+    {VK_NEXT, BoxKey::PageDown}, {VK_HOME, BoxKey::Home}, {VK_END, BoxKey::End},
 };
 
-constexpr char ESC = static_cast<char>(CConsoleKeys::ESCAPE);
+constexpr char kEsc = static_cast<char>(CConsoleKeys::kEscape);
 
 } // namespace
 
@@ -39,18 +39,18 @@ BoxKey CBoxKeys::Next() {
     while (m_session.IsTakenOver()) {
         INPUT_RECORD record{};
         const CConsoleInput::Taken taken = m_session.Input().Take(record);
-        if (taken == CConsoleInput::Taken::END)
+        if (taken == CConsoleInput::Taken::End)
             break;
-        if (taken == CConsoleInput::Taken::NOTHING) {
+        if (taken == CConsoleInput::Taken::Nothing) {
             if (WaitForSingleObject(hInput, INFINITE) != WAIT_OBJECT_0)
                 break;
             continue;
         }
         const BoxKey key = KeyOf(record);
-        if (key != BoxKey::NONE)
+        if (key != BoxKey::None)
             return key;
     }
-    return BoxKey::CLOSED;
+    return BoxKey::Closed;
 }
 
 BoxKey CBoxKeys::KeyOf(const INPUT_RECORD& record) {
@@ -60,24 +60,24 @@ BoxKey CBoxKeys::KeyOf(const INPUT_RECORD& record) {
     case WINDOW_BUFFER_SIZE_EVENT:
         m_bSizeEvent = true;
         m_size = record.Event.WindowBufferSizeEvent;
-        return BoxKey::REDRAW;
+        return BoxKey::Redraw;
     default:
         m_bControlEvent = true;
-        return BoxKey::CLOSED;
+        return BoxKey::Closed;
     }
 }
 
 BoxKey CBoxKeys::KeyOf(const KEY_EVENT_RECORD& key) {
     const char character = key.uChar.AsciiChar;
     if (character == '\r' || character == '\n' || character == ' ')
-        return BoxKey::ACCEPT;
-    if (character == ESC)
-        return BoxKey::CANCEL;
-    for (const NamedKey& special : SPECIAL_KEYS) {
+        return BoxKey::Accept;
+    if (character == kEsc)
+        return BoxKey::Cancel;
+    for (const NamedKey& special : kSpecialKeys) {
         if (character == 0 && key.wVirtualKeyCode == special.virtualKey)
             return special.key;
     }
-    return BoxKey::NONE;
+    return BoxKey::None;
 }
 
 } // namespace platform

@@ -10,17 +10,17 @@
 namespace platform {
 
 enum class BoxKey {
-    NONE,
-    ACCEPT, // Enter, Space
-    CANCEL, // Esc
-    UP,
-    DOWN,
-    PAGE_UP,
-    PAGE_DOWN,
-    HOME,
-    END,
-    REDRAW, // the window has another size, or shows something else since the process was stopped
-    CLOSED, // a control event, the end of the input, the thread's end
+    None,
+    Accept, // Enter, Space
+    Cancel, // Esc
+    Up,
+    Down,
+    PageUp,
+    PageDown,
+    Home,
+    End,
+    Redraw, // the window has another size, or shows something else since the process was stopped
+    Closed, // a control event, the end of the input, the thread's end
 };
 
 class CBoxKeys {
@@ -30,7 +30,7 @@ class CBoxKeys {
     CBoxKeys& operator=(const CBoxKeys&) = delete;
     ~CBoxKeys();
 
-    // Waits for the next one, never NONE.
+    // Waits for the next one, never None.
     BoxKey Next();
 
   private:

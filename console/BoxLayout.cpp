@@ -7,25 +7,25 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view BUTTON = "[ OK ]";
-constexpr int BUTTON_COLUMNS = static_cast<int>(BUTTON.size());
-constexpr int BUTTON_WORD = 2; // where its word begins
-constexpr std::string_view HINTS[] = {"Enter, Space or Esc", "Enter or Esc"};
+constexpr std::string_view kButton = "[ OK ]";
+constexpr int kButtonColumns = static_cast<int>(kButton.size());
+constexpr int kButtonWord = 2; // where its word begins
+constexpr std::string_view kHints[] = {"Enter, Space or Esc", "Enter or Esc"};
 
-constexpr int LEAST_COLUMNS_WITH_PADDING = 8;
-constexpr int LEAST_COLUMNS_WITH_INDENT = 12;
-constexpr int LEAST_ROWS_WITH_CAPTION_BAR = 4;
-constexpr int LEAST_ROWS_WITH_BUTTON = 2;
-constexpr int INDENT = 2;
-constexpr int USUAL_COLUMNS = 30; // a box is not narrower where there is room
+constexpr int kLeastColumnsWithPadding = 8;
+constexpr int kLeastColumnsWithIndent = 12;
+constexpr int kLeastRowsWithCaptionBar = 4;
+constexpr int kLeastRowsWithButton = 2;
+constexpr int kIndent = 2;
+constexpr int kUsualColumns = 30; // a box is not narrower where there is room
 
 // With blank rows and both bars: rows besides the text, and from how many rows of the window on a
 // text that has to be scrolled gets them, too.
-constexpr int ROOMY_ROWS = 5;
-constexpr int ROOMY_WINDOW = 12;
+constexpr int kRoomyRows = 5;
+constexpr int kRoomyWindow = 12;
 
 // What is shown of a text that has to be scrolled, the most telling first.
-constexpr const char* NOTES[] = {
+constexpr const char* kNotes[] = {
     "Lines %d-%d of %d: Up, Down, PageUp, PageDown",
     "%d-%d of %d, Up/Down",
     "%d-%d/%d Up/Dn",
@@ -33,7 +33,7 @@ constexpr const char* NOTES[] = {
 };
 
 std::string HintFor(int columns) {
-    for (const std::string_view hint : HINTS) {
+    for (const std::string_view hint : kHints) {
         if (hint.size() <= static_cast<std::size_t>(columns))
             return std::string(hint);
     }
@@ -51,19 +51,19 @@ int WidestOf(const std::vector<BoxLine>& lines) {
 } // namespace
 
 CBoxLayout::CBoxLayout(const BoxContent& content, int columns, int rows) {
-    m_nPadding = columns >= LEAST_COLUMNS_WITH_PADDING ? 1 : 0;
-    FillBody(content, std::min(MOST_COLUMNS, columns - 2 * m_nPadding), rows);
+    m_nPadding = columns >= kLeastColumnsWithPadding ? 1 : 0;
+    FillBody(content, std::min(kMostColumns, columns - 2 * m_nPadding), rows);
     Place(columns, rows);
 }
 
 void CBoxLayout::FillBody(const BoxContent& content, int columns, int rows) {
-    const bool indents = content.sign != 0 && columns >= LEAST_COLUMNS_WITH_INDENT;
-    m_nIndent = indents ? INDENT : 0;
+    const bool indents = content.sign != 0 && columns >= kLeastColumnsWithIndent;
+    m_nIndent = indents ? kIndent : 0;
     m_chSign = indents ? content.sign : '\0';
     if (content.sign != 0 && !indents)
         m_body.push_back({std::string(1, content.sign), 1});
 
-    m_bCaptionBar = rows >= LEAST_ROWS_WITH_CAPTION_BAR;
+    m_bCaptionBar = rows >= kLeastRowsWithCaptionBar;
     std::vector<BoxLine> caption = WrapText(content.caption, columns - m_nIndent);
     if (m_bCaptionBar && caption.size() == 1)
         m_caption = std::move(caption[0]);
@@ -76,13 +76,13 @@ void CBoxLayout::FillBody(const BoxContent& content, int columns, int rows) {
 
 void CBoxLayout::Place(int columns, int rows) {
     const int lines = static_cast<int>(m_body.size());
-    const bool hasButton = rows >= LEAST_ROWS_WITH_BUTTON;
-    m_bRoomy = lines + ROOMY_ROWS <= rows || rows >= ROOMY_WINDOW;
-    const int others = m_bRoomy ? ROOMY_ROWS : (m_bCaptionBar ? 1 : 0) + (hasButton ? 1 : 0);
+    const bool hasButton = rows >= kLeastRowsWithButton;
+    m_bRoomy = lines + kRoomyRows <= rows || rows >= kRoomyWindow;
+    const int others = m_bRoomy ? kRoomyRows : (m_bCaptionBar ? 1 : 0) + (hasButton ? 1 : 0);
     m_nPage = std::min(lines, rows - others);
     if (LastTop() == 0) {
         const int widest = std::max(WidestOf(m_body) + m_nIndent, m_caption.columns);
-        m_nInner = std::min(m_nInner, std::max(widest, USUAL_COLUMNS));
+        m_nInner = std::min(m_nInner, std::max(widest, kUsualColumns));
     }
     m_nLeft = (columns - m_nInner) / 2 - m_nPadding;
     m_nFirstRow = (rows - others - m_nPage) / 2;
@@ -90,8 +90,8 @@ void CBoxLayout::Place(int columns, int rows) {
     m_nButtonRow = hasButton ? m_nTextRow + m_nPage + (m_bRoomy ? 1 : 0) : m_nTextRow;
     // Beside the button there is a note when there is no bar for it.
     const bool centred = m_bRoomy || LastTop() == 0;
-    const int before = centred ? std::max(0, (m_nInner - BUTTON_COLUMNS) / 2) : 0;
-    m_nButtonColumn = m_nLeft + m_nPadding + before + BUTTON_WORD;
+    const int before = centred ? std::max(0, (m_nInner - kButtonColumns) / 2) : 0;
+    m_nButtonColumn = m_nLeft + m_nPadding + before + kButtonWord;
     m_nButtonColumn = std::min(m_nButtonColumn, columns - 1);
 }
 
@@ -105,11 +105,11 @@ std::vector<BoxRow> CBoxLayout::Rows(int top) const {
     if (m_nButtonRow == m_nTextRow)
         return rows;
 
-    const int room = m_nInner - BUTTON_COLUMNS - 1;
+    const int room = m_nInner - kButtonColumns - 1;
     const std::string note = LastTop() == 0 ? "" : Note(top, m_bRoomy ? m_nInner : room);
-    const int buttonColumn = std::max(column, m_nButtonColumn - BUTTON_WORD);
+    const int buttonColumn = std::max(column, m_nButtonColumn - kButtonWord);
     std::string button(
-        BUTTON.substr(0, static_cast<std::size_t>(std::min(m_nInner, BUTTON_COLUMNS))));
+        kButton.substr(0, static_cast<std::size_t>(std::min(m_nInner, kButtonColumns))));
     if (!m_bRoomy && !note.empty())
         button += ' ' + note;
     rows.push_back({m_nButtonRow, buttonColumn, false, std::move(button)});
@@ -134,7 +134,7 @@ std::string CBoxLayout::LineText(int line) const {
 }
 
 std::string CBoxLayout::Note(int top, int columns) const {
-    for (const char* const format : NOTES) {
+    for (const char* const format : kNotes) {
         char note[80];
         const int length = std::snprintf(note, sizeof note, format, top + 1, top + m_nPage,
                                          static_cast<int>(m_body.size()));

@@ -22,15 +22,15 @@ struct BoxRow {
     int row = 0;
     int column = 0;
     bool reversed = false;
-    std::string text; // at most CBoxLayout::MOST_ROW_BYTES
+    std::string text; // at most CBoxLayout::kMostRowBytes
 };
 
 class CBoxLayout {
   public:
     // What is comfortable to read.
-    static constexpr int MOST_COLUMNS = 76;
+    static constexpr int kMostColumns = 76;
     // A full line, its indentation and the blanks that make a bar of it.
-    static constexpr std::size_t MOST_ROW_BYTES = MOST_BOX_LINE_BYTES + MOST_COLUMNS + 8;
+    static constexpr std::size_t kMostRowBytes = kMostBoxLineBytes + kMostColumns + 8;
 
     // A window of at least one column and one row.
     CBoxLayout(const BoxContent& content, int columns, int rows);

@@ -6,9 +6,9 @@
 namespace platform {
 namespace {
 
-constexpr char LINE_END[] = "\r\n";
-constexpr char PROMPT[] = "[ OK ] Enter, Space or Esc";
-constexpr char PROMPT_FOR_MORE[] = "[ More ] Enter or Space; Esc: OK";
+constexpr char kLineEnd[] = "\r\n";
+constexpr char kPrompt[] = "[ OK ] Enter, Space or Esc";
+constexpr char kPromptForMore[] = "[ More ] Enter or Space; Esc: OK";
 
 std::string CaptionOf(const BoxContent& content) {
     return content.sign != 0 ? std::string{content.sign, ' '} + content.caption : content.caption;
@@ -28,22 +28,20 @@ std::string LinesOf(const BoxContent& content, const char* lineEnd) {
 void CBoxPager::Run(const BoxContent& content, bool knowsColumn) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
     m_output.GetInfo(info);
-    m_output.SetAttribute(CConsoleColours::DEFAULT);
+    m_output.SetAttribute(CConsoleColours::kDefault);
     GoBelow(knowsColumn);
 
-    int columns = 0;
-    int rows = 0;
-    m_output.ReadSize(columns, rows);
-    std::vector<BoxLine> lines = WrapText(CaptionOf(content), std::max(columns - 1, 1));
-    std::vector<BoxLine> text = WrapText(content.text, std::max(columns - 1, 1));
+    const COORD size = m_output.ReadSize();
+    std::vector<BoxLine> lines = WrapText(CaptionOf(content), std::max(size.X - 1, 1));
+    std::vector<BoxLine> text = WrapText(content.text, std::max(size.X - 1, 1));
     std::move(text.begin(), text.end(), std::back_inserter(lines));
-    const auto page = static_cast<std::size_t>(std::max(rows - 1, 1)); // and the prompt
+    const auto page = static_cast<std::size_t>(std::max(size.Y - 1, 1)); // and the prompt
     bool goesOn = true;
     for (std::size_t shown = 0; shown < lines.size() && goesOn;) {
         const std::size_t end = std::min(shown + page, lines.size());
         for (; shown < end; ++shown)
-            Write(lines[shown].text + LINE_END);
-        goesOn = Confirm(shown < lines.size() ? PROMPT_FOR_MORE : PROMPT);
+            Write(lines[shown].text + kLineEnd);
+        goesOn = Confirm(shown < lines.size() ? kPromptForMore : kPrompt);
     }
     m_output.SetAttribute(info.wAttributes);
 }
@@ -52,24 +50,24 @@ void CBoxPager::GoBelow(bool knowsColumn) {
     if (knowsColumn && m_output.IsTerminal())
         m_output.GoBelow();
     else
-        Write(LINE_END);
+        Write(kLineEnd);
 }
 
 // FALSE when no more is wanted.
 bool CBoxPager::Confirm(const char* prompt) {
     Write(prompt);
     BoxKey key = m_keys.Next();
-    while (key != BoxKey::ACCEPT && key != BoxKey::CANCEL && key != BoxKey::CLOSED) {
-        if (key == BoxKey::REDRAW) {
+    while (key != BoxKey::Accept && key != BoxKey::Cancel && key != BoxKey::Closed) {
+        if (key == BoxKey::Redraw) {
             GoBelow(true);
             Write(prompt);
         }
         key = m_keys.Next();
     }
-    if (key == BoxKey::CLOSED)
+    if (key == BoxKey::Closed)
         return false;
-    Write(LINE_END);
-    return key == BoxKey::ACCEPT;
+    Write(kLineEnd);
+    return key == BoxKey::Accept;
 }
 
 void CBoxPager::Write(const std::string& text) {

@@ -1,8 +1,6 @@
 #include "console/BoxText.h"
 
 #include "console/ConsoleGlyphs.h"
-#include "platform/terminal/Characters.h"
-#include "platform/terminal/Utf8.h"
 
 #include <limits>
 #include <utility>
@@ -10,14 +8,14 @@
 namespace platform {
 namespace {
 
-constexpr int TAB_COLUMNS = 8;
+constexpr int kTabColumns = 8;
 
 // Fills lines with characters; knows nothing of what they mean, but for the blank.
 class CLineFiller {
   public:
     CLineFiller(int columns, std::size_t bytes) : m_nMostColumns(columns), m_nMostBytes(bytes) {}
 
-    void Put(std::string_view character, int width);
+    void Put(const Glyph& glyph);
     void PutTab();
     // Ends a line of the text.
     void EndLine();
@@ -46,18 +44,20 @@ class CLineFiller {
     bool m_bWrapped = false; // blanks at the start of this line only separated it from the last one
 };
 
-void CLineFiller::Put(std::string_view character, int width) {
-    if (character == " ")
+void CLineFiller::Put(const Glyph& glyph) {
+    if (glyph.text == " ")
         return PutBlank();
-    if (width > m_nMostColumns)
-        return Put(REPLACEMENT, 1);
-    while (!Fits(character.size(), width))
+    if (glyph.columns > m_nMostColumns)
+        return Put(kReplacement);
+    if (glyph.text.empty())
+        return;
+    while (!Fits(glyph.text.size(), glyph.columns))
         Wrap();
-    if (width == 0 && m_line.text.empty()) { // it joins a character before it
+    if (glyph.columns == 0 && m_line.text.empty()) { // it joins a character before it
         m_line = {" ", 1};
     }
-    m_line.text += character;
-    m_line.columns += width;
+    m_line.text += glyph.text;
+    m_line.columns += glyph.columns;
     m_bInWord = true;
     m_bWrapped = false;
 }
@@ -74,7 +74,7 @@ void CLineFiller::PutBlank() {
 }
 
 void CLineFiller::PutTab() {
-    const int next = m_line.columns / TAB_COLUMNS * TAB_COLUMNS + TAB_COLUMNS;
+    const int next = m_line.columns / kTabColumns * kTabColumns + kTabColumns;
     for (int blanks = next - m_line.columns; blanks > 0; --blanks)
         PutBlank();
 }
@@ -120,34 +120,13 @@ void CLineFiller::FinishLine() {
     m_bWrapped = false;
 }
 
-void PutAscii(CLineFiller& lines, std::uint8_t byte) {
-    if (byte == '\n')
+void PutCharacter(CLineFiller& lines, const CUtf8Decoder& character) {
+    if (character.Code() == '\n')
         lines.EndLine();
-    else if (byte == '\t')
+    else if (character.Code() == '\t')
         lines.PutTab();
     else
-        lines.Put(PictureOf(byte), 1);
-}
-
-void PutCharacter(CLineFiller& lines, const CUtf8Decoder& decoder) {
-    if (decoder.Code() < 0x80)
-        return PutAscii(lines, static_cast<std::uint8_t>(decoder.Code()));
-    switch (KindOf(decoder, CCharacterSet::OfLocale())) {
-    case CharacterKind::NARROW:
-        return lines.Put(decoder.Bytes(), 1);
-    case CharacterKind::WIDE:
-        return lines.Put(decoder.Bytes(), 2);
-    case CharacterKind::COMBINING:
-        return lines.Put(decoder.Bytes(), 0);
-    case CharacterKind::CONTROL:
-        return lines.Put(PictureOf(static_cast<std::uint8_t>(decoder.Code())), 1);
-    case CharacterKind::REPLACED:
-        return lines.Put(REPLACEMENT, 1);
-    case CharacterKind::LACKING:
-        return lines.Put(LACKING, 1);
-    case CharacterKind::OMITTED:
-        return;
-    }
+        lines.Put(GlyphOf(character, CCharacterSet::OfLocale()));
 }
 
 std::string WithoutReturns(std::string_view text) {
@@ -166,7 +145,7 @@ std::vector<BoxLine> WrapText(std::string_view text, int columns, std::size_t by
     ReadUtf8(
         WithoutReturns(text),
         [&](const CUtf8Decoder& character) { PutCharacter(lines, character); },
-        [&](std::uint8_t byte) { lines.Put(PictureOf(byte), 1); });
+        [&](std::uint8_t byte) { lines.Put(GlyphOf(byte)); });
     lines.EndLine();
     return lines.TakeLines();
 }

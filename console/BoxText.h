@@ -20,12 +20,12 @@ struct BoxLine {
 };
 
 // A wrapped line takes at most this many bytes, however many characters share a column.
-inline constexpr std::size_t MOST_BOX_LINE_BYTES = 384;
+inline constexpr std::size_t kMostBoxLineBytes = 384;
 
 // The lines of a text, at least one, wrapped at blanks where the words allow it. Columns: at least
 // 1. A character wider than a line is U+FFFD.
 std::vector<BoxLine> WrapText(std::string_view text, int columns,
-                              std::size_t bytes = MOST_BOX_LINE_BYTES);
+                              std::size_t bytes = kMostBoxLineBytes);
 // The lines of a text as it has them.
 std::vector<BoxLine> LinesOf(std::string_view text);
 

@@ -20,7 +20,7 @@ struct CConsoleAlternate::Way {
     const char* leave;
 };
 
-const CConsoleAlternate::Way CConsoleAlternate::WAYS[] = {
+const CConsoleAlternate::Way CConsoleAlternate::kWays[] = {
     {"?1049h", "\033[?1049h", "\033[0m\033[?1049l"},
     {"?1047h", "\0337\033[?1047h", "\033[0m\033[?1047l\0338"},
     {"?47h", "\0337\033[?47h", "\033[0m\033[H\033[J\033[?47l\0338"},
@@ -44,7 +44,7 @@ const CConsoleAlternate::Way* CConsoleAlternate::WayOf(std::string_view terminal
     const char* const enter = entry ? unibi_get_str(entry.get(), unibi_enter_ca_mode) : nullptr;
     if (enter == nullptr)
         return nullptr;
-    for (const Way& way : WAYS) {
+    for (const Way& way : kWays) {
         if (std::string_view(enter).find(way.mode) != std::string_view::npos)
             return &way;
     }
@@ -65,7 +65,7 @@ const char* CConsoleAlternate::LeavingSequence() {
 
 bool CConsoleAlternate::Enter() {
     const Way* const way = FindWay();
-    if (way == nullptr || !EnsureRoom())
+    if (way == nullptr || !m_gather.EnsureRoom())
         return false;
     m_gather.Put(way->enter);
     m_gather.Put("\x1b[0m\x1b[?25h"); // whatever the first screen has: default colours, a cursor
@@ -73,10 +73,27 @@ bool CConsoleAlternate::Enter() {
     return true;
 }
 
-bool CConsoleAlternate::Put(std::string_view unit) {
-    if (!m_bEntered || !EnsureRoom() || !m_bEntered)
+bool CConsoleAlternate::Clear() {
+    if (!EnsureRoom())
         return false;
-    m_gather.PutText(unit);
+    m_gather.Put("\x1b[0m\x1b[H\x1b[J");
+    return true;
+}
+
+bool CConsoleAlternate::Draw(int row, int column, std::string_view text, bool reversed) {
+    if (!PlaceCursor(row, column))
+        return false;
+    if (reversed)
+        m_gather.Put("\x1b[7m");
+    m_gather.PutText(text);
+    m_gather.Put(reversed ? "\x1b[0m" : "\x1b[K");
+    return true;
+}
+
+bool CConsoleAlternate::PlaceCursor(int row, int column) {
+    if (!EnsureRoom())
+        return false;
+    m_gather.PutSequence(row + 1, column + 1, 'H');
     return true;
 }
 

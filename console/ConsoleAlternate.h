@@ -20,6 +20,11 @@ class CConsoleAlternate {
     // The terminal's type (TERM), which must stay valid; null: none.
     void Use(const char* terminalType) { m_terminalType = terminalType; }
 
+    // The room of a unit without the longest of everything that goes with a row: to its place,
+    // reversed and back, the rest erased.
+    static constexpr std::size_t kMostText =
+        CConsoleGather::kUnit - sizeof "\x1b[32767;32767H\x1b[7m\x1b[0m\x1b[K";
+
     // What leaves the alternate screen; null when the terminal's terminfo entry has none.
     const char* LeavingSequence();
 
@@ -28,21 +33,23 @@ class CConsoleAlternate {
     bool Enter();
     // True until it is left, which may happen while a wait serves the console.
     bool IsEntered() const { return m_bEntered; }
-    // A unit of output, at most CConsoleGather::UNIT bytes, that goes to the terminal as it is, but
-    // for its character set.
-    // FALSE, and nothing put, when the alternate screen was left or output is gone.
-    bool Put(std::string_view unit);
+    // Blanks the screen, places the cursor, and draws a text (at most kMostText bytes of glyphs)
+    // from a cell on, reversed or with the rest of the row erased; cells are counted from 0. FALSE,
+    // and nothing drawn, when the alternate screen was left or output is gone.
+    bool Clear();
+    bool PlaceCursor(int row, int column);
+    bool Draw(int row, int column, std::string_view text, bool reversed);
     // Never waits in a way that serves the console; a terminal that makes no progress for two
     // seconds loses what was gathered. Without effect when it is not entered.
     void Leave();
 
   private:
     struct Way;
-    static const Way WAYS[];
+    static const Way kWays[];
 
     const Way* FindWay();
     static const Way* WayOf(std::string_view terminalType);
-    bool EnsureRoom() { return m_gather.HasRoom() || m_gather.MakeRoom(); }
+    bool EnsureRoom() { return m_bEntered && m_gather.EnsureRoom() && m_bEntered; }
 
     CConsoleGather& m_gather;
     CConsoleCursor& m_cursor;

@@ -5,6 +5,7 @@
 #include "console/ConsoleSignals.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
+#include "platform/objects/HandleTable.h"
 
 #include <cstdlib>
 #include <new>
@@ -39,8 +40,8 @@ CImmortal<CConsoleSession> g_session;
 constinit HANDLE g_hInput = &g_hInput;
 constinit HANDLE g_hOutput = &g_hOutput;
 
-constexpr DWORD MODE_TAKEN_OVER = 0;
-constexpr DWORD MODE_SHELL = 7; // line by line, echoed, with keys that are signals
+constexpr DWORD kModeTakenOver = 0;
+constexpr DWORD kModeShell = 7; // line by line, echoed, with keys that are signals
 
 bool RegisterBoth() {
     static const bool registered = [] {
@@ -60,21 +61,9 @@ bool RegisterBoth() {
     return registered;
 }
 
-// Not inlined: the way of a single byte stays free of what this one needs.
-[[gnu::noinline]] BOOL WriteBytes(HANDLE hConsoleOutput, const BYTE* bytes, DWORD count,
-                                  LPDWORD written) {
-    if (hConsoleOutput != g_hOutput)
-        return FailWith(ERROR_INVALID_HANDLE);
-    if (!g_output.Get().Write(bytes, count))
-        return FailWith(ERROR_WRITE_FAULT);
-    if (written != nullptr)
-        *written = count;
-    return TRUE;
-}
-
-BOOL Report(LPDWORD counter, int count) {
+BOOL Report(LPDWORD counter, DWORD count) {
     if (counter != nullptr)
-        *counter = static_cast<DWORD>(count);
+        *counter = count;
     return TRUE;
 }
 
@@ -120,16 +109,16 @@ BOOL GetConsoleMode(HANDLE hConsoleHandle, LPDWORD lpMode) {
         return FailWith(ERROR_INVALID_HANDLE);
     if (lpMode == nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
-    *lpMode = g_session.Get().IsTakenOver() ? MODE_TAKEN_OVER : MODE_SHELL;
+    *lpMode = g_session.Get().IsTakenOver() ? kModeTakenOver : kModeShell;
     return TRUE;
 }
 
 BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode) {
     if (hConsoleHandle != g_hInput)
         return FailWith(ERROR_INVALID_HANDLE);
-    if (dwMode != MODE_TAKEN_OVER && dwMode != MODE_SHELL)
+    if (dwMode != kModeTakenOver && dwMode != kModeShell)
         return FailWith(ERROR_INVALID_PARAMETER);
-    if (dwMode == MODE_TAKEN_OVER)
+    if (dwMode == kModeTakenOver)
         g_session.Get().TakeOver();
     else
         g_session.Get().GiveBack();
@@ -165,9 +154,9 @@ BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLeng
         return FailWith(ERROR_INVALID_PARAMETER);
     for (;;) {
         const CConsoleInput::Taken taken = g_input.Get().Take(*lpBuffer);
-        if (taken == CConsoleInput::Taken::RECORD)
+        if (taken == CConsoleInput::Taken::Record)
             return Report(lpNumberOfEventsRead, 1);
-        if (taken == CConsoleInput::Taken::END)
+        if (taken == CConsoleInput::Taken::End)
             return FailWith(ERROR_HANDLE_EOF);
         if (WaitForSingleObject(hConsoleInput, INFINITE) != WAIT_OBJECT_0)
             return FALSE;
@@ -176,14 +165,11 @@ BOOL ReadConsoleInputA(HANDLE hConsoleInput, INPUT_RECORD* lpBuffer, DWORD nLeng
 
 BOOL WriteConsoleA(HANDLE hConsoleOutput, LPCVOID lpBuffer, DWORD nNumberOfCharsToWrite,
                    LPDWORD lpNumberOfCharsWritten, LPVOID) {
-    const auto* const bytes = static_cast<const BYTE*>(lpBuffer);
-    if (hConsoleOutput == g_hOutput && nNumberOfCharsToWrite == 1 &&
-        g_output.Get().WriteEasy(*bytes)) {
-        if (lpNumberOfCharsWritten != nullptr)
-            *lpNumberOfCharsWritten = 1;
-        return TRUE;
-    }
-    return WriteBytes(hConsoleOutput, bytes, nNumberOfCharsToWrite, lpNumberOfCharsWritten);
+    if (hConsoleOutput != g_hOutput)
+        return FailWith(ERROR_INVALID_HANDLE);
+    if (!g_output.Get().Write(static_cast<const BYTE*>(lpBuffer), nNumberOfCharsToWrite))
+        return FailWith(ERROR_WRITE_FAULT);
+    return Report(lpNumberOfCharsWritten, nNumberOfCharsToWrite);
 }
 
 BOOL GetConsoleScreenBufferInfo(HANDLE hConsoleOutput, CONSOLE_SCREEN_BUFFER_INFO* lpInfo) {
@@ -214,7 +200,8 @@ BOOL FillConsoleOutputCharacterA(HANDLE hConsoleOutput, char cCharacter, DWORD n
     if (hConsoleOutput != g_hOutput)
         return FailWith(ERROR_INVALID_HANDLE);
     const int count = g_output.Get().Fill(cCharacter, nLength, dwWriteCoord);
-    return count < 0 ? FailWith(ERROR_INVALID_PARAMETER) : Report(lpNumberOfCharsWritten, count);
+    return count < 0 ? FailWith(ERROR_INVALID_PARAMETER)
+                     : Report(lpNumberOfCharsWritten, static_cast<DWORD>(count));
 }
 
 BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nLength,
@@ -223,7 +210,7 @@ BOOL FillConsoleOutputAttribute(HANDLE hConsoleOutput, WORD wAttribute, DWORD nL
         return FailWith(ERROR_INVALID_HANDLE);
     if (!g_output.Get().ColourFill(wAttribute, nLength, dwWriteCoord))
         return FailWith(ERROR_NOT_SUPPORTED);
-    return Report(lpNumberOfAttrsWritten, static_cast<int>(nLength));
+    return Report(lpNumberOfAttrsWritten, nLength);
 }
 
 BOOL SetConsoleTextAttribute(HANDLE hConsoleOutput, WORD wAttributes) {

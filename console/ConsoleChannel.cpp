@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <limits.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,7 +18,7 @@ void CConsoleChannel::Open() {
 
 void CConsoleChannel::Close() {
     m_own.Reset();
-    m_way = Way::BLOCKING;
+    m_way = Way::Blocking;
 }
 
 // A non-blocking description of our own comes from opening the file anew. A regular file is left
@@ -25,17 +26,17 @@ void CConsoleChannel::Close() {
 CConsoleChannel::Way CConsoleChannel::ChooseWay() {
     struct stat status {};
     if (fstat(m_nInherited, &status) != 0 || S_ISREG(status.st_mode))
-        return Way::BLOCKING;
+        return Way::Blocking;
     if (S_ISSOCK(status.st_mode))
-        return Way::SOCKET;
+        return Way::Socket;
     char path[32];
     std::snprintf(path, sizeof path, "/proc/self/fd/%d", m_nInherited);
     m_own.Reset(open(path, O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    return m_own ? Way::NONBLOCKING : Way::GUARDED;
+    return m_own ? Way::Nonblocking : Way::Guarded;
 }
 
 ssize_t CConsoleChannel::Write(const void* bytes, std::size_t count) {
-    if (m_way == Way::GUARDED && !HasRoom())
+    if (m_way == Way::Guarded && !HasRoom())
         return 0;
     ssize_t written;
     do
@@ -48,9 +49,9 @@ ssize_t CConsoleChannel::Write(const void* bytes, std::size_t count) {
 
 ssize_t CConsoleChannel::WriteOnce(const void* bytes, std::size_t count) const {
     switch (m_way) {
-    case Way::SOCKET:
+    case Way::Socket:
         return send(m_nInherited, bytes, count, MSG_DONTWAIT | MSG_NOSIGNAL);
-    case Way::GUARDED:
+    case Way::Guarded:
         // What a pipe that polls writable takes at least.
         return write(m_nInherited, bytes, std::min<std::size_t>(count, PIPE_BUF));
     default:

@@ -5,7 +5,7 @@
 // and after Close it writes to the inherited descriptor and blocks.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <cstddef>
 #include <sys/types.h>
@@ -30,7 +30,7 @@ class CConsoleChannel {
     ssize_t Write(const void* bytes, std::size_t count);
 
   private:
-    enum class Way { BLOCKING, NONBLOCKING, SOCKET, GUARDED };
+    enum class Way { Blocking, Nonblocking, Socket, Guarded };
 
     Way ChooseWay();
     ssize_t WriteOnce(const void* bytes, std::size_t count) const;
@@ -38,7 +38,7 @@ class CConsoleChannel {
 
     int m_nInherited = -1;
     CDescriptor m_own; // the same file, opened anew
-    Way m_way = Way::BLOCKING;
+    Way m_way = Way::Blocking;
 };
 
 } // namespace platform

@@ -6,13 +6,13 @@ namespace platform {
 namespace {
 
 // The console counts blue 1, green 2, red 4; the sequences count red 1, green 2, blue 4.
-constexpr int SEQUENCE_COLOUR[8] = {0, 4, 2, 6, 1, 5, 3, 7};
-constexpr int FOREGROUND = 30;
-constexpr int BACKGROUND = 40;
-constexpr int BRIGHT = 60; // from 30-37 to 90-97, from 40-47 to 100-107
-constexpr int OWN = 9;     // 39, 49
-constexpr int BOLD = 1;
-constexpr int NOT_BOLD = 22;
+constexpr int kSequenceColour[8] = {0, 4, 2, 6, 1, 5, 3, 7};
+constexpr int kForeground = 30;
+constexpr int kBackground = 40;
+constexpr int kBright = 60; // from 30-37 to 90-97, from 40-47 to 100-107
+constexpr int kOwn = 9;     // 39, 49
+constexpr int kBold = 1;
+constexpr int kNotBold = 22;
 
 int ForegroundOf(int attribute) {
     return attribute & 0x0F;
@@ -27,7 +27,7 @@ bool HasOwnForeground(int attribute) {
 }
 
 int NumberOf(int base, int colour) {
-    return base + SEQUENCE_COLOUR[colour & 7] + ((colour & 8) != 0 ? BRIGHT : 0);
+    return base + kSequenceColour[colour & 7] + ((colour & 8) != 0 ? kBright : 0);
 }
 
 // What a terminal is told for an attribute.
@@ -40,11 +40,11 @@ struct Rendition {
 Rendition RenditionOf(int attribute) {
     const int foreground = ForegroundOf(attribute);
     const bool own = HasOwnForeground(attribute);
-    return {own && foreground == 0x0F ? BOLD : NOT_BOLD,
-            own ? FOREGROUND + OWN : NumberOf(FOREGROUND, foreground),
+    return {own && foreground == 0x0F ? kBold : kNotBold,
+            own ? kForeground + kOwn : NumberOf(kForeground, foreground),
             CConsoleColours::HasOwnBackground(attribute)
-                ? BACKGROUND + OWN
-                : NumberOf(BACKGROUND, BackgroundOf(attribute))};
+                ? kBackground + kOwn
+                : NumberOf(kBackground, BackgroundOf(attribute))};
 }
 
 } // namespace
@@ -64,11 +64,11 @@ WORD CConsoleColours::Normal(WORD attribute) {
 void CConsoleColours::Sync(int attribute) {
     if (m_nTerminal == attribute)
         return;
-    const int old = m_nTerminal == UNKNOWN ? DEFAULT : m_nTerminal;
-    if (m_nTerminal == UNKNOWN || attribute == DEFAULT)
+    const int old = m_nTerminal == kUnknown ? kDefault : m_nTerminal;
+    if (m_nTerminal == kUnknown || attribute == kDefault)
         m_gather.Put("\x1b[0m");
     m_nTerminal = attribute;
-    if (attribute == DEFAULT)
+    if (attribute == kDefault)
         return;
     const Rendition from = RenditionOf(old);
     const Rendition to = RenditionOf(attribute);
@@ -83,7 +83,7 @@ void CConsoleColours::Sync(int attribute) {
 }
 
 void CConsoleColours::SyncBackground() {
-    if (m_nTerminal == UNKNOWN ||
+    if (m_nTerminal == kUnknown ||
         RenditionOf(m_nTerminal).background != RenditionOf(m_wWanted).background)
         Sync();
 }

@@ -12,7 +12,7 @@ namespace platform {
 class CConsoleColours {
   public:
     // The terminal's own default colours.
-    static constexpr WORD DEFAULT = 0x07;
+    static constexpr WORD kDefault = 0x07;
     // Blanks of this attribute are those that an erasure leaves.
     static bool HasOwnBackground(int attribute);
 
@@ -23,7 +23,7 @@ class CConsoleColours {
     // The attribute with only those bits beside the colours that tell something.
     static WORD Normal(WORD attribute);
     // The terminal has the wanted attribute.
-    bool IsEasy() const { return m_nTerminal == m_wWanted; }
+    bool AreSet() const { return m_nTerminal == m_wWanted; }
 
     // Gives the terminal the wanted attribute, or a given normal one; at most 17 bytes.
     void Sync() { Sync(m_wWanted); }
@@ -32,16 +32,16 @@ class CConsoleColours {
     void SyncBackground();
 
     // Somebody else has used the terminal.
-    void Forget() { m_nTerminal = UNKNOWN; }
+    void Forget() { m_nTerminal = kUnknown; }
     // The terminal has its default colours, unless it has brought back those that it had.
-    void NoteReset() { m_nTerminal = m_nTerminal == DEFAULT ? DEFAULT : UNKNOWN; }
+    void NoteReset() { m_nTerminal = m_nTerminal == kDefault ? kDefault : kUnknown; }
 
   private:
-    static constexpr int UNKNOWN = -1;
+    static constexpr int kUnknown = -1;
 
     CConsoleGather& m_gather;
-    WORD m_wWanted = DEFAULT;
-    int m_nTerminal = DEFAULT;
+    WORD m_wWanted = kDefault;
+    int m_nTerminal = kDefault;
 };
 
 } // namespace platform

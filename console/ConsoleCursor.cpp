@@ -7,14 +7,14 @@ namespace platform {
 
 // Most often a shell's user works in the bottom row. The guess matters little: until the window is
 // cleared or a position is set, everything is relative to it.
-void CConsoleCursor::Begin(int columns, int rows) {
-    m_nColumns = columns;
-    m_nRows = rows;
+void CConsoleCursor::Begin(COORD size) {
+    m_nColumns = size.X;
+    m_nRows = size.Y;
     m_nColumn = 0;
-    m_nRow = rows - 1;
+    m_nRow = m_nRows - 1;
     m_nLowest = m_nRow - 1;
     m_bSure = false;
-    m_nState = FRESH;
+    m_nState = kFresh;
 }
 
 void CConsoleCursor::BeginPlain() {
@@ -23,19 +23,21 @@ void CConsoleCursor::BeginPlain() {
     m_nState = 0;
 }
 
-void CConsoleCursor::Resize(int columns, int rows) {
+void CConsoleCursor::Resize(COORD size) {
+    const int columns = size.X;
+    const int rows = size.Y;
     Leave();
-    if ((m_nState & WRAP) != 0 && columns > m_nColumns) {
-        m_nState &= ~static_cast<unsigned>(WRAP | HAND);
+    if ((m_nState & kWrap) != 0 && columns > m_nColumns) {
+        m_nState &= ~static_cast<unsigned>(kWrap | kHand);
         m_nColumn = m_nColumns;
-    } else if ((m_nState & WRAP) != 0) {
+    } else if ((m_nState & kWrap) != 0) {
         m_nColumn = columns - 1;
     }
     m_nColumn = std::min(m_nColumn, columns - 1);
     const int lost = std::max(0, m_nRow - (rows - 1)); // the terminal drops rows at the top
     m_nRow -= lost;
     m_nLowest = std::clamp(m_nLowest - lost, -1, rows - 1);
-    m_terminal = {UNKNOWN, m_terminal.row - lost, false};
+    m_terminal = {kUnknown, m_terminal.row - lost, false};
     m_nColumns = columns;
     m_nRows = rows;
     NoteRow();
@@ -43,39 +45,39 @@ void CConsoleCursor::Resize(int columns, int rows) {
 
 void CConsoleCursor::Forget() {
     Leave();
-    m_terminal = {UNKNOWN, m_terminal.row, false};
+    m_terminal = {kUnknown, m_terminal.row, false};
 }
 
 void CConsoleCursor::NoteReturn() {
-    if ((m_nState & WRAP) == 0)
+    if ((m_nState & kWrap) == 0)
         return;
-    if ((m_nState & MOVED) != 0)
+    if ((m_nState & kMoved) != 0)
         m_terminal.wraps = false;
     else
-        m_nState |= HAND;
+        m_nState |= kHand;
 }
 
 // The model and the terminal part: from here on m_terminal tells where the terminal's cursor is.
 void CConsoleCursor::Leave() {
-    if ((m_nState & MOVED) != 0)
+    if ((m_nState & kMoved) != 0)
         return;
-    m_terminal = {m_nColumn, m_nRow, (m_nState & (WRAP | HAND)) == WRAP};
-    m_nState |= MOVED;
+    m_terminal = {m_nColumn, m_nRow, (m_nState & (kWrap | kHand)) == kWrap};
+    m_nState |= kMoved;
 }
 
 void CConsoleCursor::Settle() {
-    if ((m_nState & MOVED) == 0 || m_terminal.column != m_nColumn || m_terminal.row != m_nRow)
+    if ((m_nState & kMoved) == 0 || m_terminal.column != m_nColumn || m_terminal.row != m_nRow)
         return;
-    if ((m_nState & WRAP) == 0 && m_terminal.wraps)
+    if ((m_nState & kWrap) == 0 && m_terminal.wraps)
         return;
-    m_nState &= ~static_cast<unsigned>(MOVED | HAND);
-    if ((m_nState & WRAP) != 0 && !m_terminal.wraps)
-        m_nState |= HAND;
+    m_nState &= ~static_cast<unsigned>(kMoved | kHand);
+    if ((m_nState & kWrap) != 0 && !m_terminal.wraps)
+        m_nState |= kHand;
 }
 
 void CConsoleCursor::Sync() {
     Settle();
-    if ((m_nState & MOVED) == 0)
+    if ((m_nState & kMoved) == 0)
         return;
     MoveTerminal(m_nColumn, m_nRow);
     Settle();
@@ -113,15 +115,15 @@ void CConsoleCursor::TerminalIsAt(int column, int row) {
 
 void CConsoleCursor::BeforeCharacter(int width) {
     Sync();
-    if ((m_nState & HAND) != 0)
+    if ((m_nState & kHand) != 0)
         m_gather.Put("\r\n");
     // A wide character that does not fit wraps without having been pending; the terminal does it.
-    if ((m_nState & WRAP) != 0 || (m_nColumn + width > m_nColumns && m_nColumn > 0)) {
-        m_nState &= ~static_cast<unsigned>(WRAP | HAND);
+    if ((m_nState & kWrap) != 0 || (m_nColumn + width > m_nColumns && m_nColumn > 0)) {
+        m_nState &= ~static_cast<unsigned>(kWrap | kHand);
         m_nColumn = 0;
         NextRow();
     }
-    if ((m_nState & FRESH) != 0)
+    if ((m_nState & kFresh) != 0)
         NoteReached(m_nRow);
 }
 
@@ -130,15 +132,15 @@ void CConsoleCursor::AfterCharacter(int width) {
     if (m_nColumn < m_nColumns)
         return;
     m_nColumn = m_nColumns - 1;
-    m_nState |= WRAP;
+    m_nState |= kWrap;
 }
 
 void CConsoleCursor::CarriageReturn() {
-    m_nState &= ~static_cast<unsigned>(WRAP | HAND);
+    m_nState &= ~static_cast<unsigned>(kWrap | kHand);
     m_nColumn = 0;
-    if ((m_nState & MOVED) != 0 && m_terminal.row != m_nRow)
+    if ((m_nState & kMoved) != 0 && m_terminal.row != m_nRow)
         return;
-    m_nState &= ~static_cast<unsigned>(MOVED);
+    m_nState &= ~static_cast<unsigned>(kMoved);
     m_bSure = true;
     m_gather.Put('\r');
 }
@@ -149,14 +151,14 @@ void CConsoleCursor::LineFeed() {
         m_gather.Put('\r');
     m_gather.Put('\n');
     m_bSure = true;
-    m_nState &= ~static_cast<unsigned>(WRAP | HAND);
+    m_nState &= ~static_cast<unsigned>(kWrap | kHand);
     m_nColumn = 0;
     NextRow();
 }
 
 // Terminals disagree on a backspace while a wrap is pending, so the column is sent then.
 void CConsoleCursor::Backspace() {
-    if ((m_nState & (WRAP | MOVED)) != 0) {
+    if ((m_nState & (kWrap | kMoved)) != 0) {
         Place(std::max(m_nColumn - 1, 0), m_nRow);
         return;
     }
@@ -170,7 +172,7 @@ void CConsoleCursor::Place(int column, int row) {
     Leave();
     m_nColumn = column;
     m_nRow = row;
-    m_nState &= ~static_cast<unsigned>(WRAP | HAND);
+    m_nState &= ~static_cast<unsigned>(kWrap | kHand);
     NoteRow();
     Settle();
 }
@@ -184,7 +186,7 @@ void CConsoleCursor::NextRow() {
 }
 
 void CConsoleCursor::NoteRow() {
-    m_nState = m_nRow > m_nLowest ? m_nState | FRESH : m_nState & ~static_cast<unsigned>(FRESH);
+    m_nState = m_nRow > m_nLowest ? m_nState | kFresh : m_nState & ~static_cast<unsigned>(kFresh);
 }
 
 void CConsoleCursor::NoteCleared() {
@@ -207,13 +209,13 @@ void CConsoleCursor::GoBelow() {
     } else {
         if (below < m_nRow)
             m_gather.PutSequence(m_nRow - below, 'A');
-        if (m_nColumn != 0 || (m_nState & WRAP) != 0)
+        if (m_nColumn != 0 || (m_nState & kWrap) != 0)
             m_gather.Put('\r');
     }
     m_nRow = std::min(below, m_nRows - 1);
     m_nLowest = std::min(m_nLowest, m_nRow - 1);
     m_nColumn = 0;
-    m_nState = FRESH;
+    m_nState = kFresh;
 }
 
 } // namespace platform

@@ -8,6 +8,7 @@
 // console over; the callers see to the room in the buffer.
 #pragma once
 
+#include "console/Console.h"
 #include "console/ConsoleGather.h"
 
 namespace platform {
@@ -17,11 +18,11 @@ class CConsoleCursor {
     explicit CConsoleCursor(CConsoleGather& gather) : m_gather(gather) {}
 
     // A terminal of this size, its cursor in the first column of an unknown row.
-    void Begin(int columns, int rows);
+    void Begin(COORD size);
     // No terminal: columns without end, rows without meaning.
     void BeginPlain();
     // The terminal has another size now.
-    void Resize(int columns, int rows);
+    void Resize(COORD size);
     // Somebody else may have moved the terminal's cursor.
     void Forget();
     // The terminal has been elsewhere and is back where it was; not all of them bring a pending
@@ -33,10 +34,8 @@ class CConsoleCursor {
     int Columns() const { return m_nColumns; }
     int Rows() const { return m_nRows; }
 
-    // The short way: without obstacles (0), a character of one column needs no more than Advance,
-    // EasyColumns times.
-    unsigned Obstacles() const { return m_nState; }
-    int EasyColumns() const { return m_nColumns - 1 - m_nColumn; }
+    // How many characters of one column, from here on, need no more than Advance.
+    int RunColumns() const { return m_nState == 0 ? m_nColumns - 1 - m_nColumn : 0; }
     void Advance(int columns) { m_nColumn += columns; }
 
     // Around a character of 1 or 2 columns.
@@ -44,7 +43,7 @@ class CConsoleCursor {
     void AfterCharacter(int width);
     // Before a character without a width.
     void Sync();
-    bool NeedsSync() const { return (m_nState & MOVED) != 0; }
+    bool NeedsSync() const { return (m_nState & kMoved) != 0; }
 
     void CarriageReturn();
     void LineFeed();
@@ -67,12 +66,12 @@ class CConsoleCursor {
 
   private:
     enum State : unsigned {
-        WRAP = 1,  // in the last column, wraps before the next character
-        HAND = 2,  // with WRAP: the terminal does not know and will not wrap by itself
-        MOVED = 4, // the terminal's cursor is at m_terminal
-        FRESH = 8, // no text has reached this row yet
+        kWrap = 1,  // in the last column, wraps before the next character
+        kHand = 2,  // with kWrap: the terminal does not know and will not wrap by itself
+        kMoved = 4, // the terminal's cursor is at m_terminal
+        kFresh = 8, // no text has reached this row yet
     };
-    static constexpr int UNKNOWN = -1;
+    static constexpr int kUnknown = -1;
 
     struct Spot {
         int column;

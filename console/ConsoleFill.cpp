@@ -3,6 +3,7 @@
 #include "console/ConsoleGlyphs.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace platform {
 
@@ -15,10 +16,10 @@ void CConsoleFill::Remember(int first, int count, std::uint8_t byte) {
 void CConsoleFill::Draw(WORD attribute) {
     const int cells = m_cursor.Columns() * m_cursor.Rows();
     const int first = m_nFirst;
-    const int end = std::min(first + m_nCount, cells);
+    const int end = std::min(first + std::exchange(m_nCount, 0), cells);
     const bool whole = first == 0 && end == cells;
     const bool blank = m_byte == ' ' || m_byte == 0;
-    if (first >= end || !EnsureRoom() || (whole && m_bKeepScreen && !KeepScreen()))
+    if (first >= end || !m_gather.EnsureRoom() || (whole && m_bKeepScreen && !KeepScreen()))
         return;
     m_colours.Sync(attribute);
     const bool drawn = blank && CConsoleColours::HasOwnBackground(attribute)
@@ -36,11 +37,11 @@ void CConsoleFill::Draw(WORD attribute) {
 // A line feed in the bottom row is the one way of every terminal into its scrollback.
 bool CConsoleFill::KeepScreen() {
     m_bKeepScreen = false;
-    m_colours.Sync(CConsoleColours::DEFAULT);
+    m_colours.Sync(CConsoleColours::kDefault);
     m_gather.PutSequence(m_cursor.Rows(), 1, 'H');
     m_cursor.TerminalIsAt(0, m_cursor.Rows() - 1);
     for (int row = 0; row < m_cursor.Rows(); ++row) {
-        if (!EnsureRoom())
+        if (!m_gather.EnsureRoom())
             return false;
         m_gather.Put('\n');
     }
@@ -57,7 +58,7 @@ bool CConsoleFill::Erase(int first, int end) {
         return true;
     }
     while (first < end) {
-        if (!EnsureRoom())
+        if (!m_gather.EnsureRoom())
             return false;
         const int row = first / columns;
         const int column = first % columns;
@@ -90,12 +91,12 @@ bool CConsoleFill::DrawCells(int first, int end) {
 }
 
 bool CConsoleFill::DrawRow(int row, int column, int endColumn) {
-    constexpr int CELLS_AT_ONCE = 64; // at most 3 bytes each, in one unit of room
-    const std::string_view picture = PictureOf(m_byte);
+    constexpr int kCellsAtOnce = 64; // at most 3 bytes each, in one unit of room
+    const std::string_view picture = GlyphOf(m_byte).text;
     while (column < endColumn) {
-        if (!EnsureRoom())
+        if (!m_gather.EnsureRoom())
             return false;
-        const int cells = std::min(CELLS_AT_ONCE, endColumn - column);
+        const int cells = std::min(kCellsAtOnce, endColumn - column);
         m_cursor.MoveTerminal(column, row);
         for (int cell = 0; cell < cells; ++cell)
             m_gather.PutText(picture);

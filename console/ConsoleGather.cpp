@@ -2,6 +2,7 @@
 
 #include "platform/Wait.h"
 #include "platform/objects/Deadline.h"
+#include "platform/objects/DescriptorWait.h"
 
 #include <cerrno>
 #include <charconv>
@@ -13,8 +14,8 @@ namespace {
 // a borrow, by a carry, or from the start. A borrow or a carry into a neighbour comes only from a
 // byte that is itself one.
 constexpr bool HoldsUnprintable(std::uint64_t eight) {
-    constexpr std::uint64_t EACH = 0x0101010101010101;
-    return (((eight - EACH * 0x20) | (eight + EACH) | eight) & EACH * 0x80) != 0;
+    constexpr std::uint64_t kEach = 0x0101010101010101;
+    return (((eight - kEach * 0x20) | (eight + kEach) | eight) & kEach * 0x80) != 0;
 }
 static_assert(!HoldsUnprintable(0x7E207E207E207E20));
 static_assert(HoldsUnprintable(0x7E207E207E207E1F) && HoldsUnprintable(0x7F20202020202020));
@@ -41,10 +42,10 @@ std::size_t CConsoleGather::PutPrintable(const std::uint8_t* bytes, std::size_t 
 }
 
 void CConsoleGather::PutNumber(int number) {
-    constexpr std::size_t MOST_DIGITS = 11;
+    constexpr std::size_t kMostDigits = 11;
     char* const begin = reinterpret_cast<char*>(m_bytes + m_nEnd);
     m_nEnd +=
-        static_cast<std::size_t>(std::to_chars(begin, begin + MOST_DIGITS, number).ptr - begin);
+        static_cast<std::size_t>(std::to_chars(begin, begin + kMostDigits, number).ptr - begin);
 }
 
 void CConsoleGather::PutSequence(int first, char final) {
@@ -84,7 +85,7 @@ void CConsoleGather::TryWrite() {
 
 void CConsoleGather::Empty() {
     m_nBegin = m_nEnd = 0;
-    m_nLimit = m_bGone ? 0 : HIGH_WATER; // once output is gone nobody gets past MakeRoom
+    m_nLimit = m_bGone ? 0 : kHighWater; // once output is gone nobody gets past MakeRoom
     m_bStalled = false;
 }
 
@@ -98,9 +99,9 @@ bool CConsoleGather::MakeRoom() {
     if (HasRoom())
         return true;
     Compact();
-    if (Count() + UNIT > sizeof m_bytes && !WaitForRoom())
+    if (Count() + kUnit > sizeof m_bytes && !WaitForRoom())
         return false;
-    m_nLimit = Count() + UNIT > HIGH_WATER ? sizeof m_bytes : HIGH_WATER;
+    m_nLimit = Count() + kUnit > kHighWater ? sizeof m_bytes : kHighWater;
     return true;
 }
 
@@ -114,7 +115,7 @@ void CConsoleGather::Compact() {
 
 bool CConsoleGather::WaitForRoom() {
     const unsigned abandoned = m_nAbandoned;
-    while (Count() + UNIT > HIGH_WATER) {
+    while (Count() + kUnit > kHighWater) {
         const int shown = WaitForDescriptor(m_channel.Descriptor(), POLLOUT, INFINITE);
         if (shown < 0 || abandoned != m_nAbandoned)
             return false;
@@ -131,7 +132,7 @@ bool CConsoleGather::Drain(int milliseconds) {
     CDeadline deadline(static_cast<DWORD>(milliseconds));
     while (Count() != 0) {
         pollfd descriptor = {m_channel.Descriptor(), POLLOUT, 0};
-        const auto left = static_cast<int>(deadline.Remaining() / NANOSECONDS_PER_MILLISECOND);
+        const auto left = static_cast<int>(deadline.Remaining());
         const int shown = poll(&descriptor, 1, m_bStuck ? 0 : left);
         if (shown == 0 || (shown < 0 && errno != EINTR)) {
             m_bStuck = true;

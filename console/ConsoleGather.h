@@ -1,8 +1,8 @@
 // Gathers the console's output so that it leaves in few large writes, and holds it while the
 // terminal takes none.
 //
-// Up to HIGH_WATER bytes gather before a write is tried; a terminal that does not take them has
-// SLACK more, which is what a turn of the session's loop adds at most in ordinary use. Only then
+// Up to kHighWater bytes gather before a write is tried; a terminal that does not take them has
+// kSlack more, which is what a turn of the session's loop adds at most in ordinary use. Only then
 // does a producer block, in a wait that serves the console. Used by the thread that has taken the
 // console over. The bytes lie at the start of the buffer whenever they can, so that normal use
 // touches few pages of it.
@@ -20,11 +20,11 @@ namespace platform {
 
 class CConsoleGather {
   public:
-    static constexpr std::size_t HIGH_WATER = std::size_t{64} * 1024;
-    static constexpr std::size_t SLACK = std::size_t{32} * 1024;
-    // Room that one call of HasRoom or MakeRoom vouches for: more than any unit of output (a
+    static constexpr std::size_t kHighWater = std::size_t{64} * 1024;
+    static constexpr std::size_t kSlack = std::size_t{32} * 1024;
+    // Room that one call of HasRoom or EnsureRoom vouches for: more than any unit of output (a
     // character with the colours and the movement before it, a title) takes.
-    static constexpr std::size_t UNIT = 512;
+    static constexpr std::size_t kUnit = 512;
 
     CConsoleChannel& Channel() { return m_channel; }
     const CConsoleChannel& Channel() const { return m_channel; }
@@ -34,13 +34,13 @@ class CConsoleGather {
     const CCharacterSet& Set() const { return *m_set; }
 
     std::size_t Count() const { return m_nEnd - m_nBegin; }
-    // The room of the short way, which needs no further look.
-    std::size_t EasyRoom() const { return m_nLimit > m_nEnd ? m_nLimit - m_nEnd : 0; }
-    bool HasRoom() const { return m_nEnd + UNIT <= m_nLimit; }
-    // Makes room for a unit, blocking while the terminal holds back more than the buffer takes.
+    // How many bytes a run of characters can take without a further look.
+    std::size_t RunBytes() const { return m_nLimit > m_nEnd ? m_nLimit - m_nEnd : 0; }
+    bool HasRoom() const { return m_nEnd + kUnit <= m_nLimit; }
+    // Sees to room for a unit, blocking while the terminal holds back more than the buffer takes.
     // FALSE when output is gone, when the console was given back meanwhile, or when the thread was
     // ended: what was to be written is then dropped.
-    bool MakeRoom();
+    bool EnsureRoom() { return HasRoom() || MakeRoom(); }
 
     // Append; the caller has seen to the room.
     void Put(std::uint8_t byte) { m_bytes[m_nEnd++] = byte; }
@@ -74,10 +74,11 @@ class CConsoleGather {
 
     // Output is gone: bytes are dropped from now on.
     bool IsGone() const { return m_bGone; }
-    // Forgets what is gathered, and ends a MakeRoom in progress further up this thread's stack.
+    // Forgets what is gathered, and ends an EnsureRoom in progress further up this thread's stack.
     void Abandon();
 
   private:
+    bool MakeRoom();
     void PutNumber(int number);
     void Compact();
     void Empty();
@@ -87,12 +88,12 @@ class CConsoleGather {
     const CCharacterSet* m_set = &CCharacterSet::Utf8();
     std::size_t m_nBegin = 0;
     std::size_t m_nEnd = 0;
-    std::size_t m_nLimit = HIGH_WATER;
+    std::size_t m_nLimit = kHighWater;
     unsigned m_nAbandoned = 0; // how often the console was given back
     bool m_bStalled = false;
     bool m_bStuck = false; // nothing was taken since a drain has given up
     bool m_bGone = false;
-    std::uint8_t m_bytes[HIGH_WATER + SLACK]; // not cleared: its pages are used as they are needed
+    std::uint8_t m_bytes[kHighWater + kSlack]; // not cleared: its pages are used as they are needed
 };
 
 } // namespace platform

@@ -45,22 +45,22 @@ void CConsoleInput::Use(int descriptor, const char* terminalType) {
 }
 
 void CConsoleInput::AddMenuEvent() {
-    m_nEvents |= MENU;
+    m_nEvents |= kMenu;
 }
 
 void CConsoleInput::AddSizeEvent(COORD size) {
-    m_nEvents |= SIZE;
+    m_nEvents |= kSize;
     m_size = size;
 }
 
 void CConsoleInput::TakeEvent(INPUT_RECORD& record) {
     record = {};
-    if ((m_nEvents & MENU) != 0) {
-        m_nEvents &= ~static_cast<unsigned>(MENU);
+    if ((m_nEvents & kMenu) != 0) {
+        m_nEvents &= ~static_cast<unsigned>(kMenu);
         record.EventType = MENU_EVENT;
         return;
     }
-    m_nEvents &= ~static_cast<unsigned>(SIZE);
+    m_nEvents &= ~static_cast<unsigned>(kSize);
     record.EventType = WINDOW_BUFFER_SIZE_EVENT;
     record.Event.WindowBufferSizeEvent = m_size;
 }
@@ -68,14 +68,14 @@ void CConsoleInput::TakeEvent(INPUT_RECORD& record) {
 // Ctrl+@ is the one character that is no character to who reads the record: it is told by its key,
 // the 2 on which it lies.
 void CConsoleInput::FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD controlKeys) {
-    constexpr WORD KEY_2 = 0x32;
+    constexpr WORD kKey2 = 0x32;
     record.EventType = KEY_EVENT;
     KEY_EVENT_RECORD& key = record.Event.KeyEvent;
     key.bKeyDown = TRUE;
     key.wRepeatCount = GoesOn(byte) ? 0 : 1;
-    key.wVirtualKeyCode = byte == 0 ? KEY_2 : WORD{0};
+    key.wVirtualKeyCode = byte == 0 ? kKey2 : WORD{0};
     key.wVirtualScanCode = 0;
-    key.uChar.AsciiChar = static_cast<char>(byte == m_byErase ? BACKSPACE : byte);
+    key.uChar.AsciiChar = static_cast<char>(byte == m_byErase ? kBackspace : byte);
     key.dwControlKeyState = controlKeys | (byte == 0 ? LEFT_CTRL_PRESSED : 0);
 }
 
@@ -84,7 +84,7 @@ bool CConsoleInput::GoesOn(std::uint8_t byte) {
     if ((byte < 0x80 && m_character.IsIdle()) || !m_bUtf8)
         return false;
     const bool isInside = !m_character.IsIdle();
-    if (m_character.Feed(byte) != CUtf8Decoder::Result::BROKEN)
+    if (m_character.Feed(byte) != CUtf8Decoder::Result::Broken)
         return isInside;
     m_character.Feed(byte);
     return false;
@@ -104,27 +104,27 @@ void CConsoleInput::FillKey(INPUT_RECORD& record, const CConsoleKeys::Match& mat
 CConsoleInput::Taken CConsoleInput::TakeSlow(INPUT_RECORD& record) {
     if (m_nEvents != 0) {
         TakeEvent(record);
-        return Taken::RECORD;
+        return Taken::Record;
     }
     if (m_nBegin == m_nEnd)
-        return m_bEnd ? Taken::END : Taken::NOTHING;
+        return m_bEnd ? Taken::End : Taken::Nothing;
     CConsoleKeys::Match match = Look(m_bEnd);
-    if (match.kind == CConsoleKeys::Kind::MORE && !m_bEnd) {
+    if (match.kind == CConsoleKeys::Kind::More && !m_bEnd) {
         // The rest may have come long ago and only not have been read.
         if (IsReadable(m_nDescriptor))
             Read();
         match = Look(m_bEnd || IsTimeUp());
-        if (match.kind == CConsoleKeys::Kind::MORE)
-            return Taken::NOTHING;
+        if (match.kind == CConsoleKeys::Kind::More)
+            return Taken::Nothing;
     }
     m_nBegin += match.length;
-    if (match.kind == CConsoleKeys::Kind::KEY)
+    if (match.kind == CConsoleKeys::Kind::Key)
         FillKey(record, match);
-    else if (match.kind == CConsoleKeys::Kind::ALT)
+    else if (match.kind == CConsoleKeys::Kind::Alt)
         FillCharacter(record, m_bytes[m_nBegin++], LEFT_ALT_PRESSED);
     else
         FillCharacter(record, m_bytes[m_nBegin - 1], 0);
-    return Taken::RECORD;
+    return Taken::Record;
 }
 
 CConsoleKeys::Match CConsoleInput::Look(bool final) const {
@@ -134,9 +134,9 @@ CConsoleKeys::Match CConsoleInput::Look(bool final) const {
 }
 
 std::int64_t CConsoleInput::Deadline() const {
-    if (m_bytes[m_nEnd - 1] != CConsoleKeys::ESCAPE)
-        return m_nReadTime + SEQUENCE_MILLISECONDS;
-    return (m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime) + ESCAPE_MILLISECONDS;
+    if (m_bytes[m_nEnd - 1] != CConsoleKeys::kEscape)
+        return m_nReadTime + kSequenceMilliseconds;
+    return (m_nBegin < m_nCarried ? m_nCarriedTime : m_nReadTime) + kEscapeMilliseconds;
 }
 
 bool CConsoleInput::IsTimeUp() const {
@@ -146,7 +146,7 @@ bool CConsoleInput::IsTimeUp() const {
 bool CConsoleInput::IsReady() const {
     if (m_nEvents != 0 || m_bEnd)
         return true;
-    return m_nBegin < m_nEnd && Look(false).kind != CConsoleKeys::Kind::MORE;
+    return m_nBegin < m_nEnd && Look(false).kind != CConsoleKeys::Kind::More;
 }
 
 int CConsoleInput::ReadyInMilliseconds() const {
@@ -168,9 +168,9 @@ bool CConsoleInput::TryAcquire(short events) {
 void CConsoleInput::Hold() {
     m_nHeldEvents = std::exchange(m_nEvents, 0);
     KeepUnfinished();
-    while (m_nEnd < MOST_HELD && !m_bEnd && IsReadable(m_nDescriptor))
-        Fill(MOST_HELD);
-    m_nHeld = m_nBegin = std::min(m_nEnd, MOST_HELD);
+    while (m_nEnd < kMostHeld && !m_bEnd && IsReadable(m_nDescriptor))
+        Fill(kMostHeld);
+    m_nHeld = m_nBegin = std::min(m_nEnd, kMostHeld);
 }
 
 void CConsoleInput::Release() {
@@ -183,7 +183,7 @@ void CConsoleInput::Release() {
 
 void CConsoleInput::Read() {
     KeepUnfinished();
-    Fill(m_nHeld + MOST_READ);
+    Fill(m_nHeld + kMostRead);
 }
 
 // Reads up to an end in the buffer.
@@ -197,7 +197,7 @@ void CConsoleInput::Fill(std::size_t end) {
         return;
     }
     BringEnterBack(static_cast<std::size_t>(length));
-    if (!m_bKeysLoaded && std::memchr(m_bytes + m_nEnd, CConsoleKeys::ESCAPE,
+    if (!m_bKeysLoaded && std::memchr(m_bytes + m_nEnd, CConsoleKeys::kEscape,
                                       static_cast<std::size_t>(length)) != nullptr)
         LoadKeys();
     m_nEnd += static_cast<std::size_t>(length);

@@ -14,6 +14,7 @@
 #include "console/Console.h"
 #include "console/ConsoleKeys.h"
 #include "console/ConsoleMode.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/HandleObject.h"
 #include "platform/terminal/Utf8.h"
 
@@ -30,30 +31,30 @@ class CConsoleInput final : public CHandleObject {
     // must stay valid.
     void Use(int descriptor, const char* terminalType);
 
-    enum class Taken { RECORD, NOTHING, END };
+    enum class Taken { Record, Nothing, End };
     // Takes the next record if there is one, without blocking; END at the end of the input.
     Taken Take(INPUT_RECORD& record) {
-        if (m_nBegin < m_nEnd && m_bytes[m_nBegin] != CConsoleKeys::ESCAPE && m_nEvents == 0) {
+        if (m_nBegin < m_nEnd && m_bytes[m_nBegin] != CConsoleKeys::kEscape && m_nEvents == 0) {
             FillCharacter(record, m_bytes[m_nBegin++], 0);
-            return Taken::RECORD;
+            return Taken::Record;
         }
         return TakeSlow(record);
     }
 
     // How many of the bytes that are read next were typed while Enter was made LF: they arrive with
-    // CR in its place. CConsoleMode::EVERY: the terminal is in somebody else's hands.
+    // CR in its place. CConsoleMode::kEvery: the terminal is in somebody else's hands.
     void SetTypedBefore(std::size_t count) { m_nTypedBefore = count; }
     bool WasTypedBefore() const { return m_nTypedBefore != 0; }
-    bool IsSomebodyElses() const { return m_nTypedBefore == CConsoleMode::EVERY; }
+    bool IsSomebodyElses() const { return m_nTypedBefore == CConsoleMode::kEvery; }
 
-    // The character that the terminal's Backspace key sends; it is delivered as BACKSPACE.
+    // The character that the terminal's Backspace key sends; it is delivered as kBackspace.
     void SetErase(std::uint8_t byte) { m_byErase = byte; }
 
     // Whether anything was ever read from the keyboard.
     bool WasRead() const { return m_nReadTime != 0; }
 
     // Sets aside what has been typed and what has happened until now, so that Take begins with what
-    // comes later; of what was typed, at most MOST_HELD bytes. Release puts it back in front of
+    // comes later; of what was typed, at most kMostHeld bytes. Release puts it back in front of
     // what was not taken meanwhile.
     void Hold();
     void Release();
@@ -67,15 +68,15 @@ class CConsoleInput final : public CHandleObject {
     int ReadyInMilliseconds() const override;
     bool TryAcquire(short events) override;
 
-    static constexpr std::uint8_t BACKSPACE = 8;
+    static constexpr std::uint8_t kBackspace = 8;
     // Programs that tell Esc from a key by time wait about as long as this.
-    static constexpr int ESCAPE_MILLISECONDS = 100;
-    static constexpr int SEQUENCE_MILLISECONDS = 500;
-    static constexpr std::size_t MOST_READ = 4096; // as much as a terminal holds in its own queue
-    static constexpr std::size_t MOST_HELD = 2 * MOST_READ;
+    static constexpr int kEscapeMilliseconds = 100;
+    static constexpr int kSequenceMilliseconds = 500;
+    static constexpr std::size_t kMostRead = 4096; // as much as a terminal holds in its own queue
+    static constexpr std::size_t kMostHeld = 2 * kMostRead;
 
   private:
-    enum Event : unsigned { MENU = 1, SIZE = 2 };
+    enum Event : unsigned { kMenu = 1, kSize = 2 };
 
     void FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD controlKeys);
     bool GoesOn(std::uint8_t byte);
@@ -109,11 +110,11 @@ class CConsoleInput final : public CHandleObject {
     bool m_bKeysLoaded = false;
     bool m_bKeyboard = false;
     bool m_bUtf8 = true;
-    std::uint8_t m_byErase = BACKSPACE;
+    std::uint8_t m_byErase = kBackspace;
     CUtf8Decoder m_character; // as far as it was delivered
     COORD m_size = {0, 0};
     const char* m_terminalType = nullptr;
-    std::uint8_t m_bytes[MOST_HELD + MOST_READ];
+    std::uint8_t m_bytes[kMostHeld + kMostRead];
     CConsoleKeys m_keys; // loaded when the first ESC is typed: starting up needs none of it
 };
 

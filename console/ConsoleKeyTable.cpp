@@ -13,7 +13,7 @@ extern "C" { // the header does not say so itself
 namespace platform {
 namespace {
 
-constexpr char NONE = 0;
+constexpr char kNone = 0;
 
 // One key of every family. Sequences are: CSI letter and SS3 letter (xterm and most others), CSI
 // number ~ (the VT220's editing keypad and function keys; Home and End have other numbers on rxvt),
@@ -30,28 +30,28 @@ struct KeyOfFamilies {
     char rxvtLetter;  // after CSI with Shift, after SS3 with Ctrl
 };
 
-constexpr KeyOfFamilies KEYS[] = {
-    {VK_UP, 0x48, 0, 0, unibi_key_up, 'A', NONE, 'a'},
-    {VK_DOWN, 0x50, 0, 0, unibi_key_down, 'B', NONE, 'b'},
-    {VK_RIGHT, 0x4D, 0, 0, unibi_key_right, 'C', NONE, 'c'},
-    {VK_LEFT, 0x4B, 0, 0, unibi_key_left, 'D', NONE, 'd'},
-    {VK_HOME, 0x47, 1, 7, unibi_key_home, 'H', NONE, NONE},
-    {VK_END, 0x4F, 4, 8, unibi_key_end, 'F', NONE, NONE},
-    {VK_INSERT, 0x52, 2, 0, unibi_key_ic, NONE, NONE, NONE},
-    {VK_DELETE, 0x53, 3, 0, unibi_key_dc, NONE, NONE, NONE},
-    {VK_PRIOR, 0x49, 5, 0, unibi_key_ppage, NONE, NONE, NONE},
-    {VK_NEXT, 0x51, 6, 0, unibi_key_npage, NONE, NONE, NONE},
-    {VK_F1, 0x3B, 11, 0, unibi_key_f1, 'P', 'A', NONE},
-    {VK_F2, 0x3C, 12, 0, unibi_key_f2, 'Q', 'B', NONE},
-    {VK_F3, 0x3D, 13, 0, unibi_key_f3, 'R', 'C', NONE},
-    {VK_F4, 0x3E, 14, 0, unibi_key_f4, 'S', 'D', NONE},
-    {VK_F5, 0x3F, 15, 0, unibi_key_f5, NONE, 'E', NONE},
-    {VK_F6, 0x40, 17, 0, unibi_key_f6, NONE, NONE, NONE},
+constexpr KeyOfFamilies kKeys[] = {
+    {VK_UP, 0x48, 0, 0, unibi_key_up, 'A', kNone, 'a'},
+    {VK_DOWN, 0x50, 0, 0, unibi_key_down, 'B', kNone, 'b'},
+    {VK_RIGHT, 0x4D, 0, 0, unibi_key_right, 'C', kNone, 'c'},
+    {VK_LEFT, 0x4B, 0, 0, unibi_key_left, 'D', kNone, 'd'},
+    {VK_HOME, 0x47, 1, 7, unibi_key_home, 'H', kNone, kNone},
+    {VK_END, 0x4F, 4, 8, unibi_key_end, 'F', kNone, kNone},
+    {VK_INSERT, 0x52, 2, 0, unibi_key_ic, kNone, kNone, kNone},
+    {VK_DELETE, 0x53, 3, 0, unibi_key_dc, kNone, kNone, kNone},
+    {VK_PRIOR, 0x49, 5, 0, unibi_key_ppage, kNone, kNone, kNone},
+    {VK_NEXT, 0x51, 6, 0, unibi_key_npage, kNone, kNone, kNone},
+    {VK_F1, 0x3B, 11, 0, unibi_key_f1, 'P', 'A', kNone},
+    {VK_F2, 0x3C, 12, 0, unibi_key_f2, 'Q', 'B', kNone},
+    {VK_F3, 0x3D, 13, 0, unibi_key_f3, 'R', 'C', kNone},
+    {VK_F4, 0x3E, 14, 0, unibi_key_f4, 'S', 'D', kNone},
+    {VK_F5, 0x3F, 15, 0, unibi_key_f5, kNone, 'E', kNone},
+    {VK_F6, 0x40, 17, 0, unibi_key_f6, kNone, kNone, kNone},
 };
 
 // xterm adds 1 to the sum of Shift 1, Alt 2, Ctrl 4, Meta 8.
-constexpr int FIRST_MODIFIER = 2;
-constexpr int LAST_MODIFIER = 16;
+constexpr int kFirstModifier = 2;
+constexpr int kLastModifier = 16;
 
 DWORD ControlKeysOf(int modifier) {
     const int held = modifier - 1;
@@ -64,13 +64,13 @@ struct RxvtEnd {
     char end;
     DWORD controlKeys;
 };
-constexpr RxvtEnd RXVT_ENDS[] = {
+constexpr RxvtEnd kRxvtEnds[] = {
     {'^', LEFT_CTRL_PRESSED}, {'$', SHIFT_PRESSED}, {'@', LEFT_CTRL_PRESSED | SHIFT_PRESSED}};
 
 template <class... Parts>
 void Add(CConsoleKeys& keys, WORD virtualKey, DWORD controlKeys, const char* format,
          Parts... parts) {
-    char sequence[CConsoleKeys::LONGEST + 1];
+    char sequence[CConsoleKeys::kLongest + 1];
     std::snprintf(sequence, sizeof sequence, format, parts...);
     keys.Add(sequence, virtualKey, controlKeys);
 }
@@ -79,18 +79,18 @@ void AddNumber(CConsoleKeys& keys, const KeyOfFamilies& key, int number) {
     if (number == 0)
         return;
     Add(keys, key.virtualKey, 0, "\x1b[%d~", number);
-    for (const RxvtEnd& end : RXVT_ENDS)
+    for (const RxvtEnd& end : kRxvtEnds)
         Add(keys, key.virtualKey, end.controlKeys, "\x1b[%d%c", number, end.end);
-    for (int modifier = FIRST_MODIFIER; modifier <= LAST_MODIFIER; ++modifier)
+    for (int modifier = kFirstModifier; modifier <= kLastModifier; ++modifier)
         Add(keys, key.virtualKey, ControlKeysOf(modifier), "\x1b[%d;%d~", number, modifier);
 }
 
 void AddLetter(CConsoleKeys& keys, const KeyOfFamilies& key) {
-    if (key.letter == NONE)
+    if (key.letter == kNone)
         return;
     Add(keys, key.virtualKey, 0, "\x1b[%c", key.letter);
     Add(keys, key.virtualKey, 0, "\x1bO%c", key.letter);
-    for (int modifier = FIRST_MODIFIER; modifier <= LAST_MODIFIER; ++modifier) {
+    for (int modifier = kFirstModifier; modifier <= kLastModifier; ++modifier) {
         const DWORD controlKeys = ControlKeysOf(modifier);
         Add(keys, key.virtualKey, controlKeys, "\x1b[1;%d%c", modifier, key.letter);
         // As older versions of several terminals have it.
@@ -101,9 +101,9 @@ void AddLetter(CConsoleKeys& keys, const KeyOfFamilies& key) {
 }
 
 void AddLetterOfOne(CConsoleKeys& keys, const KeyOfFamilies& key) {
-    if (key.linuxLetter != NONE)
+    if (key.linuxLetter != kNone)
         Add(keys, key.virtualKey, 0, "\x1b[[%c", key.linuxLetter);
-    if (key.rxvtLetter == NONE)
+    if (key.rxvtLetter == kNone)
         return;
     Add(keys, key.virtualKey, SHIFT_PRESSED, "\x1b[%c", key.rxvtLetter);
     Add(keys, key.virtualKey, LEFT_CTRL_PRESSED, "\x1bO%c", key.rxvtLetter);
@@ -121,15 +121,15 @@ void AddOtherKeys(CConsoleKeys& keys, const unibi_term* entry) {
         if (sequence.size() < 2 || sequence[1] == '[' || sequence[1] == 'O')
             continue;
         const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text);
-        if (keys.Find(bytes, sequence.size(), true).kind == CConsoleKeys::Kind::BYTE)
-            keys.Add(sequence, CConsoleKeys::OTHER, 0);
+        if (keys.Find(bytes, sequence.size(), true).kind == CConsoleKeys::Kind::Byte)
+            keys.Add(sequence, CConsoleKeys::kOther, 0);
     }
 }
 
 } // namespace
 
 void AddKnownKeys(CConsoleKeys& keys) {
-    for (const KeyOfFamilies& key : KEYS) {
+    for (const KeyOfFamilies& key : kKeys) {
         AddLetter(keys, key);
         AddNumber(keys, key, key.number);
         AddNumber(keys, key, key.otherNumber);
@@ -144,7 +144,7 @@ void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType) {
                                                                       &unibi_destroy);
     if (!entry)
         return;
-    for (const KeyOfFamilies& key : KEYS) {
+    for (const KeyOfFamilies& key : kKeys) {
         const char* const sequence =
             unibi_get_str(entry.get(), static_cast<unibi_string>(key.terminfo));
         if (sequence != nullptr)
@@ -154,7 +154,7 @@ void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType) {
 }
 
 WORD ScanCodeOf(WORD virtualKey) {
-    for (const KeyOfFamilies& key : KEYS) {
+    for (const KeyOfFamilies& key : kKeys) {
         if (key.virtualKey == virtualKey)
             return key.scanCode;
     }

@@ -14,7 +14,7 @@
 namespace platform {
 namespace {
 
-constexpr cc_t CTRL_BACKSLASH = 0x1C;
+constexpr cc_t kCtrlBackslash = 0x1C;
 
 bool Say(int output, const char* text) {
     return write(output, text, std::strlen(text)) > 0;
@@ -36,7 +36,7 @@ termios RawInput(termios mode) {
     mode.c_cflag |= CS8;
     mode.c_cc[VINTR] = _POSIX_VDISABLE;
     mode.c_cc[VSUSP] = _POSIX_VDISABLE;
-    mode.c_cc[VQUIT] = CTRL_BACKSLASH;
+    mode.c_cc[VQUIT] = kCtrlBackslash;
     mode.c_cc[VMIN] = 1;
     mode.c_cc[VTIME] = 0;
     return mode;
@@ -71,7 +71,7 @@ void CConsoleMode::GiveBack() {
 }
 
 std::uint8_t CConsoleMode::EraseCharacter() const {
-    constexpr cc_t BACKSPACE = 8;
+    constexpr cc_t kBackspace = 8;
     for (int index = 0; index < m_nTerminals; ++index) {
         const Terminal& terminal = m_terminals[index];
         const cc_t erase = terminal.found.c_cc[VERASE];
@@ -79,7 +79,7 @@ std::uint8_t CConsoleMode::EraseCharacter() const {
         if (terminal.isInput && terminal.isFound && isControl)
             return erase;
     }
-    return BACKSPACE;
+    return kBackspace;
 }
 
 void CConsoleMode::DiscardInput() {
@@ -108,7 +108,7 @@ std::size_t CConsoleMode::TakeAgain() {
 std::size_t CConsoleMode::Take(Terminal& terminal) {
     if (!IsForeground(terminal)) {
         m_bInBackground = true;
-        return terminal.isInput ? EVERY : 0;
+        return terminal.isInput ? kEvery : 0;
     }
     termios present{};
     if (tcgetattr(terminal.descriptor, &present) != 0)
@@ -157,9 +157,9 @@ void CConsoleMode::Apply(const Terminal& terminal, const termios& mode) {
 
 void CConsoleMode::Rescue() {
     // CAN ends a sequence that was cut off; row 999 is below the last row of any terminal.
-    static constexpr char CANCEL[] = "\x18";
-    static constexpr char SANE[] = "\x1b[0m\x1b[999;1H\r\n";
-    static constexpr char TITLE_BACK[] = "\x1b[23;0t";
+    static constexpr char kCancel[] = "\x18";
+    static constexpr char kSane[] = "\x1b[0m\x1b[999;1H\r\n";
+    static constexpr char kTitleBack[] = "\x1b[23;0t";
 
     int process = getpid();
     if (!m_nProcess.compare_exchange_strong(process, 0))
@@ -169,8 +169,8 @@ void CConsoleMode::Rescue() {
     pollfd descriptor = {output, POLLOUT, 0};
     if (output < 0 || poll(&descriptor, 1, 0) <= 0)
         return;
-    const char* const parts[] = {CANCEL, m_screenBack.load(), SANE,
-                                 m_bTitleChanged.load() ? TITLE_BACK : nullptr};
+    const char* const parts[] = {kCancel, m_screenBack.load(), kSane,
+                                 m_bTitleChanged.load() ? kTitleBack : nullptr};
     for (const char* const part : parts) {
         if (part != nullptr && !Say(output, part))
             return;

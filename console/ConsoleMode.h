@@ -15,14 +15,14 @@ namespace platform {
 class CConsoleMode {
   public:
     // Of the keys: all, until the terminal is taken again.
-    static constexpr std::size_t EVERY = SIZE_MAX;
+    static constexpr std::size_t kEvery = SIZE_MAX;
 
     // Makes the terminals behind the two descriptors raw: keys as they are typed, no echo,
     // Ctrl+\ the only key that is a signal; output unprocessed if the output is drawn on as a
     // terminal. What is no terminal is left alone.
     //
     // Returns how many bytes wait to be read that were typed before, while Enter was made LF. In
-    // the background the terminals belong to somebody else and stay as they are; EVERY then.
+    // the background the terminals belong to somebody else and stay as they are; kEvery then.
     std::size_t TakeOver(int input, int output, bool drawsOnOutput);
     // Brings the modes back that were found when the terminals were first in the foreground, and
     // makes the terminals raw again after that; returns as TakeOver.
@@ -59,7 +59,7 @@ class CConsoleMode {
         termios found = {};
         termios raw = {};
     };
-    static constexpr int MOST_TERMINALS = 2;
+    static constexpr int kMostTerminals = 2;
 
     void Add(int descriptor, bool isInput, bool isDrawnOn);
     std::size_t Take(Terminal& terminal);
@@ -67,7 +67,7 @@ class CConsoleMode {
     static bool IsForeground(const Terminal& terminal);
     static void Apply(const Terminal& terminal, const termios& mode);
 
-    Terminal m_terminals[MOST_TERMINALS];
+    Terminal m_terminals[kMostTerminals];
     int m_nTerminals = 0;
     bool m_bInBackground = false;
     std::atomic<int> m_nProcess = 0; // the process that has taken the console over; 0: none

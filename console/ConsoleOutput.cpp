@@ -1,247 +1,163 @@
+// The parts of the screen share one buffer, one cursor and one state of the colours; here is what
+// concerns several of them: the beginning and the end, what must be settled before a part is used,
+// and what the waits ask. The text itself is ConsoleText.cpp.
 #include "console/ConsoleOutput.h"
 
-#include "console/ConsoleGlyphs.h"
-#include "platform/terminal/Characters.h"
+#include "platform/objects/EndRequest.h"
 
 #include <algorithm>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace platform {
-namespace {
 
-constexpr std::uint8_t BELL = 0x07;
-constexpr std::uint8_t BACKSPACE = 0x08;
-constexpr std::uint8_t TAB = 0x09;
-constexpr std::uint8_t LINE_FEED = 0x0A;
-constexpr std::uint8_t CARRIAGE_RETURN = 0x0D;
-constexpr int TAB_COLUMNS = 8;
-
-bool IsPrintable(std::uint8_t byte) {
-    return byte >= 0x20 && byte < 0x7F;
+// A locale without a character set of its own is as likely one that nobody has set up, and a file
+// or a program can do with UTF-8: only a terminal is kept from it.
+void CConsoleOutput::Use(int descriptor, const char* terminalType, const CCharacterSet& set) {
+    const bool isTerminal = isatty(descriptor) != 0;
+    m_gather.Use(set.IsAscii() && !isTerminal ? CCharacterSet::Utf8() : set);
+    const std::string_view type = terminalType != nullptr ? terminalType : "";
+    m_bTerminal = isTerminal && !type.empty() && type != "dumb";
+    m_bTitle = m_bTerminal && CConsoleTitle::IsPossible(terminalType);
+    m_text.Use(m_bTerminal);
+    m_alternate.Use(m_bTerminal ? terminalType : nullptr);
+    m_gather.Channel().Use(descriptor);
+    if (m_bTerminal)
+        m_cursor.Begin(ReadSize());
+    else
+        m_cursor.BeginPlain();
 }
 
-} // namespace
-
-std::size_t CConsoleOutput::EasyRoom() const {
-    const int columns = m_cursor.EasyColumns();
-    if ((m_dwObstacles | m_cursor.Obstacles()) != 0 || !m_colours.IsEasy() || columns <= 0)
-        return 0;
-    return std::min(static_cast<std::size_t>(columns), m_gather.EasyRoom());
+COORD CConsoleOutput::ReadSize() const {
+    constexpr COORD kWithoutSize = {80, 25};
+    winsize size{};
+    if (ioctl(m_gather.Channel().Descriptor(), TIOCGWINSZ, &size) != 0)
+        size = {};
+    const auto orUsual = [](int told, SHORT usual) {
+        return told != 0 ? static_cast<SHORT>(std::min<int>(told, INT16_MAX)) : usual;
+    };
+    return {orUsual(size.ws_col, kWithoutSize.X), orUsual(size.ws_row, kWithoutSize.Y)};
 }
 
-bool CConsoleOutput::Write(const std::uint8_t* bytes, std::size_t count) {
-    EndEasy();
-    const std::uint8_t* const end = bytes + count;
-    while (bytes != end) {
-        if (IsPrintable(*bytes))
-            bytes = WriteRun(bytes, end);
-        if (bytes != end && !WriteByte(*bytes++))
-            return false;
-    }
-    m_nEasy = EasyRoom();
-    if ((m_dwObstacles & DIRECT) != 0)
-        return m_gather.Drain(-1);
+bool CConsoleOutput::FollowSize() {
+    const COORD size = ReadSize();
+    if (!m_bTerminal || (size.X == m_cursor.Columns() && size.Y == m_cursor.Rows()))
+        return false;
+    m_fill.End();
+    m_cursor.Resize(size);
     return true;
 }
 
-const std::uint8_t* CConsoleOutput::WriteRun(const std::uint8_t* bytes, const std::uint8_t* end) {
-    // A change of colours alone is no reason for the long way.
-    if (!m_colours.IsEasy() && (m_dwObstacles | m_cursor.Obstacles()) == 0 && EnsureRoom())
-        m_colours.Sync();
-    const auto most = std::min(EasyRoom(), static_cast<std::size_t>(end - bytes));
-    const std::size_t run = m_gather.PutPrintable(bytes, most);
-    m_cursor.Advance(static_cast<int>(run));
-    return bytes + run;
+void CConsoleOutput::Begin() {
+    m_gather.Channel().Open();
+    m_bDirect = false;
+    m_fill.KeepScreenOnce();
+    if (m_bTerminal)
+        m_cursor.Begin(ReadSize());
 }
 
-bool CConsoleOutput::WriteByte(std::uint8_t byte) {
-    EndFill();
-    if (!EnsureRoom())
+int CConsoleOutput::MostMillisecondsWithoutProgress() {
+    return IsEndRequested() ? 1000 : 2000;
+}
+
+void CConsoleOutput::End() {
+    if (m_bDirect)
+        return;
+    if (LeaveTerminal())
+        m_title.Restore();
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress())) {
+        m_colours.Forget();
+        m_bLost = true;
+    }
+    m_gather.Abandon();
+    m_text.Forget();
+    m_fill.Forget();
+    m_gather.Channel().Close();
+    m_bDirect = true;
+}
+
+void CConsoleOutput::Suspend() {
+    if (LeaveTerminal())
+        m_gather.Drain(MostMillisecondsWithoutProgress());
+}
+
+bool CConsoleOutput::Resume() {
+    if (!m_bTerminal)
         return false;
-    if (m_decoder.IsIdle() && byte < 0x80) {
-        if (IsPrintable(byte)) {
-            const char character = static_cast<char>(byte);
-            Draw({&character, 1}, 1);
-        } else {
-            WriteControl(byte);
-        }
-        return true;
-    }
-    switch (m_decoder.Feed(byte)) {
-    case CUtf8Decoder::Result::MORE:
-        m_dwObstacles |= SEQUENCE;
-        return true;
-    case CUtf8Decoder::Result::CHARACTER:
-        m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
-        WriteCharacter();
-        return true;
-    case CUtf8Decoder::Result::INVALID:
-        Draw(PictureOf(byte), 1);
-        return true;
-    case CUtf8Decoder::Result::BROKEN:
-        break;
-    }
-    DrawBroken();
-    return WriteByte(byte);
+    const bool hasChanged = FollowSize();
+    m_colours.Forget();
+    m_cursor.Forget();
+    return hasChanged;
 }
 
-// The bytes of a sequence that has come to nothing.
-void CConsoleOutput::DrawBroken() {
-    m_dwObstacles &= ~static_cast<unsigned>(SEQUENCE);
-    m_decoder.Drop();
-    for (const char byte : m_decoder.Bytes())
-        Draw(PictureOf(static_cast<std::uint8_t>(byte)), 1);
-}
-
-void CConsoleOutput::WriteControl(std::uint8_t byte) {
-    if (byte == BELL) {
-        EndHeldReturn();
-        m_gather.Put(BELL);
-        return;
-    }
+// Begins with an empty buffer, so that nothing here waits in a way that serves the console: this
+// may be part of serving it. FALSE when the terminal takes nothing any more.
+bool CConsoleOutput::LeaveTerminal() {
+    m_alternate.Leave();
+    if (!m_gather.Drain(MostMillisecondsWithoutProgress()))
+        return false;
+    m_text.Settle();
+    m_text.EndHeldReturn();
     if (!m_bTerminal) {
-        WritePlainControl(byte);
-        return;
+        // A terminal that gets plain text needs its shell's prompt on a line of its own as well.
+        if (isatty(m_gather.Channel().Descriptor()) != 0)
+            m_gather.Put('\n');
+        return true;
     }
-    switch (byte) {
-    case BACKSPACE:
-        m_cursor.Backspace();
-        break;
-    case TAB:
-        DrawTab();
-        break;
-    case LINE_FEED:
-        LineFeed();
-        break;
-    case CARRIAGE_RETURN:
-        m_cursor.CarriageReturn();
-        break;
-    default:
-        Draw(PictureOf(byte), 1);
-    }
+    m_colours.Sync(CConsoleColours::kDefault);
+    m_cursor.GoBelow();
+    return true;
 }
 
-void CConsoleOutput::WritePlainControl(std::uint8_t byte) {
-    if (byte == CARRIAGE_RETURN) { // several of them, as modems echo one, do what one does
-        m_dwObstacles |= HELD_RETURN;
+bool CConsoleOutput::EnterAlternate() {
+    LetOut();
+    return m_alternate.Enter();
+}
+
+void CConsoleOutput::GoBelow() {
+    if (!m_bTerminal || !m_gather.EnsureRoom())
         return;
-    }
-    if (byte == LINE_FEED) // takes the place of a CR before it
-        m_dwObstacles &= ~static_cast<unsigned>(HELD_RETURN);
-    EndHeldReturn();
-    if (byte == LINE_FEED || byte == BACKSPACE || byte == TAB)
-        m_gather.Put(byte);
-    else
-        Draw(PictureOf(byte), 1);
+    m_text.Settle();
+    m_colours.Sync(CConsoleColours::kDefault);
+    m_cursor.GoBelow();
 }
 
-void CConsoleOutput::WriteCharacter() {
-    switch (KindOf(m_decoder, m_gather.Set())) {
-    case CharacterKind::NARROW:
-        return Draw(m_decoder.Bytes(), 1);
-    case CharacterKind::WIDE:
-        return m_cursor.Columns() < 2 ? Draw(REPLACEMENT, 1) : Draw(m_decoder.Bytes(), 2);
-    case CharacterKind::COMBINING:
-        return Draw(m_decoder.Bytes(), 0);
-    case CharacterKind::CONTROL:
-        return Draw(PictureOf(static_cast<std::uint8_t>(m_decoder.Code())), 1);
-    case CharacterKind::REPLACED:
-        return Draw(REPLACEMENT, 1);
-    case CharacterKind::LACKING:
-        return Draw(LACKING, 1);
-    case CharacterKind::OMITTED:
-        return;
-    }
-}
-
-void CConsoleOutput::Draw(std::string_view character, int width) {
-    if (!m_bTerminal) {
-        EndHeldReturn();
-        m_cursor.BeginPlain(); // before the columns come to their end
-        m_gather.PutText(character);
-        return;
-    }
-    m_colours.Sync();
-    if (width == 0)
-        m_cursor.Sync();
-    else
-        m_cursor.BeforeCharacter(width);
-    m_gather.PutText(character);
-    if (width != 0)
-        m_cursor.AfterCharacter(width);
-}
-
-void CConsoleOutput::DrawTab() {
-    const int next = m_cursor.Column() / TAB_COLUMNS * TAB_COLUMNS + TAB_COLUMNS;
-    for (int column = std::min(next, m_cursor.Columns() - 1); column > m_cursor.Column();)
-        Draw(" ", 1);
-}
-
-void CConsoleOutput::LineFeed() {
-    FollowSize();
-    m_colours.SyncBackground();
-    m_cursor.LineFeed();
-}
-
-void CConsoleOutput::EndSequence() {
-    if ((m_dwObstacles & SEQUENCE) != 0 && EnsureRoom())
-        DrawBroken();
-}
-
-void CConsoleOutput::EndFill() {
-    if ((m_dwObstacles & FILL) == 0)
-        return;
-    m_dwObstacles &= ~static_cast<unsigned>(FILL);
-    m_fill.Draw(m_colours.Wanted());
-}
-
-void CConsoleOutput::EndHeldReturn() {
-    if ((m_dwObstacles & HELD_RETURN) == 0)
-        return;
-    m_dwObstacles &= ~static_cast<unsigned>(HELD_RETURN);
-    m_gather.Put(CARRIAGE_RETURN);
+bool CConsoleOutput::Write(const std::uint8_t* bytes, std::size_t count) {
+    const bool isTaken = m_text.Write(bytes, count);
+    return isTaken && m_bDirect ? m_gather.Drain(-1) : isTaken;
 }
 
 void CConsoleOutput::SetAttribute(WORD attribute) {
-    EndEasy();
     if (!m_bTerminal)
         return;
-    EndSequence();
-    EndFill();
+    m_text.Settle();
     m_colours.Want(attribute);
 }
 
 void CConsoleOutput::Ring() {
-    EndEasy();
-    if (isatty(m_gather.Channel().Descriptor()) == 0 || !EnsureRoom())
+    if (isatty(m_gather.Channel().Descriptor()) == 0 || !m_gather.EnsureRoom())
         return;
-    EndHeldReturn();
-    m_gather.Put(BELL);
+    m_text.EndHeldReturn();
+    m_gather.Put('\a');
 }
 
 void CConsoleOutput::SetTitle(std::string_view title) {
-    EndEasy();
-    if (m_bTitle && (m_dwObstacles & DIRECT) == 0 && EnsureRoom())
+    if (m_bTitle && !m_bDirect && m_gather.EnsureRoom())
         m_title.Set(title);
 }
 
 bool CConsoleOutput::SetPosition(COORD position) {
-    EndEasy();
     if (!m_bTerminal)
         return true;
-    FollowSize();
-    EndSequence();
-    EndFill();
-    if (position.X < 0 || position.Y < 0 || position.X >= m_cursor.Columns() ||
-        position.Y >= m_cursor.Rows())
+    m_text.Settle();
+    if (!IsInWindow(position))
         return false;
     m_cursor.Place(position.X, position.Y);
     return true;
 }
 
 void CConsoleOutput::GetInfo(CONSOLE_SCREEN_BUFFER_INFO& info) {
-    FollowSize();
     const auto columns = static_cast<SHORT>(m_cursor.Columns());
     const auto rows = static_cast<SHORT>(m_cursor.Rows());
     info.dwSize = {columns, rows};
@@ -252,36 +168,70 @@ void CConsoleOutput::GetInfo(CONSOLE_SCREEN_BUFFER_INFO& info) {
     info.dwMaximumWindowSize = {columns, rows};
 }
 
+bool CConsoleOutput::IsInWindow(COORD position) const {
+    return position.X >= 0 && position.Y >= 0 && position.X < m_cursor.Columns() &&
+           position.Y < m_cursor.Rows();
+}
+
+// As many as the window has.
+CConsoleOutput::Cells CConsoleOutput::CellsFrom(COORD start, DWORD length) const {
+    const int first = start.Y * m_cursor.Columns() + start.X;
+    const int room = std::max(m_cursor.Columns() * m_cursor.Rows() - first, 0);
+    return {first, static_cast<int>(std::min(length, static_cast<DWORD>(room)))};
+}
+
 int CConsoleOutput::Fill(char character, DWORD length, COORD start) {
-    EndEasy();
     if (!m_bTerminal)
         return static_cast<int>(std::min<DWORD>(length, INT32_MAX));
-    FollowSize();
-    EndSequence();
-    EndFill();
-    if (start.X < 0 || start.Y < 0 || start.X >= m_cursor.Columns() || start.Y >= m_cursor.Rows())
+    m_text.Settle();
+    if (!IsInWindow(start))
         return -1;
-    const int first = start.Y * m_cursor.Columns() + start.X;
-    const int room = m_cursor.Columns() * m_cursor.Rows() - first;
-    const int count = static_cast<int>(std::min(length, static_cast<DWORD>(room)));
-    m_fill.Remember(first, count, static_cast<std::uint8_t>(character));
-    if (count != 0)
-        m_dwObstacles |= FILL;
-    return count;
+    const Cells cells = CellsFrom(start, length);
+    m_fill.Remember(cells.first, cells.count, static_cast<std::uint8_t>(character));
+    return cells.count;
 }
 
 bool CConsoleOutput::ColourFill(WORD attribute, DWORD length, COORD start) {
-    EndEasy();
     if (!m_bTerminal || length == 0)
         return true;
-    const int first = start.Y * m_cursor.Columns() + start.X;
-    const int room = m_cursor.Columns() * m_cursor.Rows() - first;
-    const int count = static_cast<int>(std::min(length, static_cast<DWORD>(std::max(room, 0))));
-    if ((m_dwObstacles & FILL) == 0 || !m_fill.IsRemembered(first, count))
+    const Cells cells = CellsFrom(start, length);
+    if (!m_fill.IsPending(cells.first, cells.count))
         return false;
-    m_dwObstacles &= ~static_cast<unsigned>(FILL);
     m_fill.Draw(CConsoleColours::Normal(attribute));
     return true;
+}
+
+bool CConsoleOutput::HasWork() const {
+    if (m_gather.IsStalled() || m_gather.IsGone())
+        return false;
+    return m_gather.Count() != 0 || NeedsSync() || m_fill.IsPending();
+}
+
+void CConsoleOutput::LetOut() {
+    m_fill.End();
+    if (NeedsSync() && m_gather.HasRoom())
+        m_cursor.Sync();
+    if (!m_gather.IsStalled())
+        m_gather.TryWrite();
+}
+
+void CConsoleOutput::ContinueAfterStall() {
+    m_gather.EndStall();
+    m_gather.TryWrite();
+}
+
+int CConsoleOutput::WaitDescriptor() const {
+    return m_gather.IsGone() ? -1 : m_gather.Channel().Descriptor();
+}
+
+bool CConsoleOutput::IsReady() const {
+    return m_gather.IsGone() || m_gather.Count() < CConsoleGather::kHighWater;
+}
+
+bool CConsoleOutput::TryAcquire(short events) {
+    if (events != 0 && !IsReady())
+        ContinueAfterStall();
+    return IsReady();
 }
 
 } // namespace platform

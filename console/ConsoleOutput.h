@@ -1,6 +1,6 @@
-// The console's screen: turns written bytes into what the terminal draws, and keeps the cursor, the
-// colours, fills and the title on the way. Nothing that is written reaches the terminal as a
-// control function. On an output that is no terminal, text goes out plain.
+// The console's screen: text, cursor, colours, fills, the title and the alternate screen, and how
+// all of that leaves for the terminal. On an output that is no terminal, text goes out plain, and
+// everything else has no effect.
 //
 // One object lives as long as the process; it is used by the thread that has taken the console
 // over. As a handle object it is signalled while less than 64 KiB wait for the terminal. Before
@@ -12,10 +12,9 @@
 #include "console/ConsoleColours.h"
 #include "console/ConsoleCursor.h"
 #include "console/ConsoleFill.h"
+#include "console/ConsoleText.h"
 #include "console/ConsoleTitle.h"
-#include "platform/terminal/Utf8.h"
-
-#include <atomic>
+#include "platform/objects/HandleObject.h"
 
 namespace platform {
 
@@ -33,19 +32,11 @@ class CConsoleOutput final : public CHandleObject {
     // leaves the terminal with its own colours and title and the cursor below the text.
     void Begin();
     void End();
-    // Leaves the terminal as End does while the process is stopped; Resume goes on afterwards.
+    // Leaves the terminal as End does while the process is stopped; Resume goes on afterwards and
+    // returns as FollowSize.
     void Suspend();
-    void Resume();
+    bool Resume();
 
-    // The short way of a single byte: FALSE, and nothing done, when it does not go that way.
-    bool WriteEasy(std::uint8_t byte) {
-        if (byte - 0x20U >= 0x5FU || m_nEasy == 0)
-            return false;
-        --m_nEasy;
-        m_gather.Put(byte);
-        m_cursor.Advance(1);
-        return true;
-    }
     // FALSE once output is gone.
     bool Write(const std::uint8_t* bytes, std::size_t count);
     void SetAttribute(WORD attribute);
@@ -63,7 +54,7 @@ class CConsoleOutput final : public CHandleObject {
     // Moves to the first column of the row below all text.
     void GoBelow();
     // The terminal's size, 80 by 25 where it tells none.
-    void ReadSize(int& columns, int& rows) const;
+    COORD ReadSize() const;
 
     // The screen that is shown in place of this one for a while; on it there is only what is put
     // there. Leaving the terminal in any way, End included, leaves it first.
@@ -71,11 +62,8 @@ class CConsoleOutput final : public CHandleObject {
     // As Alternate().Enter(), from a terminal that has all that was written before.
     bool EnterAlternate();
 
-    // The terminal has changed its size; the only operation that a signal handler may call.
-    void NoteSizeChange() { m_bSizeChanged.store(true, std::memory_order_relaxed); }
-    // Looks at the new size, if there is one. Returns whether the size has changed since the last
-    // call; output notices a change by itself meanwhile.
-    bool TakeSizeChange();
+    // Looks at the terminal's size; whether it has changed.
+    bool FollowSize();
 
     // For the thread's waits: what still has to go out.
     bool HasWork() const;
@@ -95,52 +83,28 @@ class CConsoleOutput final : public CHandleObject {
     static int MostMillisecondsWithoutProgress();
 
   private:
-    enum Obstacle : unsigned {
-        SEQUENCE = 1,    // a UTF-8 sequence is in progress
-        FILL = 2,        // a fill is remembered
-        HELD_RETURN = 4, // plain text: a CR that may belong to a CR LF
-        DIRECT = 8,      // nothing is gathered
+    struct Cells {
+        int first;
+        int count;
     };
 
-    std::size_t EasyRoom() const;
-    // Everything that touches the screen, but for Write, ends the short way.
-    void EndEasy() { m_nEasy = 0; }
-    // Writes printable characters from the front as far as they need nothing else; returns where it
-    // stopped.
-    const std::uint8_t* WriteRun(const std::uint8_t* bytes, const std::uint8_t* end);
-    bool WriteByte(std::uint8_t byte);
-    void WriteControl(std::uint8_t byte);
-    void WritePlainControl(std::uint8_t byte);
-    void WriteCharacter();
-    void DrawBroken();
-    void Draw(std::string_view character, int width);
-    void DrawTab();
-    void LineFeed();
-    // What was left undecided is decided: another kind of output comes.
-    void EndSequence();
-    void EndFill();
-    void EndHeldReturn();
-    bool EnsureRoom() { return m_gather.HasRoom() || m_gather.MakeRoom(); }
+    Cells CellsFrom(COORD start, DWORD length) const;
+    bool IsInWindow(COORD position) const;
     // On the alternate screen the terminal's cursor is not this screen's.
     bool NeedsSync() const { return m_cursor.NeedsSync() && !m_alternate.IsEntered(); }
-    void FollowSize();
     bool LeaveTerminal();
 
-    std::atomic<bool> m_bSizeChanged = false;
     bool m_bTerminal = false;
     bool m_bTitle = false;
     bool m_bLost = false;
-    bool m_bSizeNews = false;
-    unsigned m_dwObstacles = DIRECT;
-    // How many printable characters need nothing but their byte in the buffer and the next column.
-    std::size_t m_nEasy = 0;
+    bool m_bDirect = true; // nothing is gathered
     CConsoleGather m_gather;
     CConsoleCursor m_cursor{m_gather};
     CConsoleColours m_colours{m_gather};
     CConsoleFill m_fill{m_gather, m_cursor, m_colours};
+    CConsoleText m_text{m_gather, m_cursor, m_colours, m_fill};
     CConsoleTitle m_title{m_gather};
     CConsoleAlternate m_alternate{m_gather, m_cursor, m_colours};
-    CUtf8Decoder m_decoder;
 };
 
 } // namespace platform

@@ -13,11 +13,11 @@ struct ControlEvent {
 };
 
 // The end of the session goes before a key.
-constexpr ControlEvent CONTROL_EVENTS[] = {
-    {SIGNAL_CLOSE, CTRL_CLOSE_EVENT},
-    {SIGNAL_SHUTDOWN, CTRL_SHUTDOWN_EVENT},
-    {SIGNAL_BREAK, CTRL_BREAK_EVENT},
-    {SIGNAL_CTRL_C, CTRL_C_EVENT},
+constexpr ControlEvent kControlEvents[] = {
+    {kSignalClose, CTRL_CLOSE_EVENT},
+    {kSignalShutdown, CTRL_SHUTDOWN_EVENT},
+    {kSignalBreak, CTRL_BREAK_EVENT},
+    {kSignalCtrlC, CTRL_C_EVENT},
 };
 
 } // namespace
@@ -49,7 +49,7 @@ void CConsoleSession::GiveBack(Typed typed) {
     m_bTakenOver = false;
     m_mode.SetRescueOutput(m_output.IsTerminal() ? m_nOutput : -1); // the other one is closed now
     m_output.End();
-    if (typed == Typed::DROPPED && (m_input.WasRead() || !m_input.WasTypedBefore()))
+    if (typed == Typed::Dropped && (m_input.WasRead() || !m_input.WasTypedBefore()))
         m_mode.DiscardInput();
     // Whoever sees the terminal as it was may send the next signal, which must not be lost.
     consolesignals::NoteControlEvents(false);
@@ -139,13 +139,11 @@ void CConsoleSession::ContinueOutput() {
 
 void CConsoleSession::ServeSignals() {
     const unsigned signals = consolesignals::Take();
-    if ((signals & SIGNAL_SIZE) != 0)
-        m_output.NoteSizeChange();
-    if ((signals & SIGNAL_STOP) != 0)
+    if ((signals & kSignalStop) != 0)
         Stop();
-    if ((signals & SIGNAL_CONTINUE) != 0)
+    if ((signals & kSignalContinue) != 0)
         Continue();
-    if (m_output.TakeSizeChange())
+    if ((signals & kSignalSize) != 0 && m_output.FollowSize())
         AddSizeEvent();
     ServeControlEvents(signals);
 }
@@ -157,7 +155,7 @@ void CConsoleSession::AddSizeEvent() {
 }
 
 void CConsoleSession::ServeControlEvents(unsigned signals) {
-    for (const ControlEvent& control : CONTROL_EVENTS) {
+    for (const ControlEvent& control : kControlEvents) {
         if ((signals & control.signal) == 0 || m_handler == nullptr)
             continue;
         LeaveAlternate(); // what the handler writes belongs on the other screen
@@ -183,8 +181,7 @@ void CConsoleSession::Continue() {
     if (const std::size_t typed = m_mode.TakeAgain(); typed != 0 || m_input.IsSomebodyElses())
         m_input.SetTypedBefore(typed);
     m_input.SetErase(m_mode.EraseCharacter());
-    m_output.Resume();
-    if (m_bRedraws)
+    if (m_output.Resume() || m_bRedraws)
         AddSizeEvent();
 }
 

@@ -9,6 +9,7 @@
 #include "console/ConsoleInput.h"
 #include "console/ConsoleMode.h"
 #include "console/ConsoleOutput.h"
+#include "platform/objects/WaitCompanion.h"
 
 #include <atomic>
 #include <pthread.h>
@@ -35,8 +36,8 @@ class CConsoleSession final : public IWaitCompanion {
     // Typed: what becomes of the keys that were typed and not taken. They were meant for whoever
     // had the console: a shell would carry the rest of a paste out. Only where no key was taken,
     // and the first were typed before, are they the shell's.
-    enum class Typed { DROPPED, KEPT };
-    void GiveBack(Typed typed = Typed::DROPPED);
+    enum class Typed { Dropped, Kept };
+    void GiveBack(Typed typed = Typed::Dropped);
     // As GiveBack, when the process ends by exit() on whichever thread.
     void GiveBackAtExit();
 

@@ -1,8 +1,8 @@
 #include "console/ConsoleSignals.h"
 
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/EndRequest.h"
 #include "platform/objects/EndWatch.h"
-#include "platform/objects/HandleObject.h"
 
 #include <atomic>
 #include <cerrno>
@@ -16,10 +16,10 @@ namespace platform::consolesignals {
 namespace {
 
 enum class Role {
-    NOTICE,  // noted, always
-    CONTROL, // noted while there is a control handler, else the end
-    END,     // its usual effect is the end
-    CRASH,   // the same, on a stack of its own
+    Notice,  // noted, always
+    Control, // noted while there is a control handler, else the end
+    End,     // its usual effect is the end
+    Crash,   // the same, on a stack of its own
 };
 
 struct Entry {
@@ -28,45 +28,45 @@ struct Entry {
     unsigned noted;
 };
 
-constexpr Entry SIGNALS[] = {
-    {SIGINT, Role::CONTROL, SIGNAL_CTRL_C},
-    {SIGQUIT, Role::CONTROL, SIGNAL_BREAK},
-    {SIGHUP, Role::CONTROL, SIGNAL_CLOSE},
-    {SIGTERM, Role::CONTROL, SIGNAL_SHUTDOWN},
-    {SIGWINCH, Role::NOTICE, SIGNAL_SIZE},
-    {SIGTSTP, Role::NOTICE, SIGNAL_STOP},
-    {SIGCONT, Role::NOTICE, SIGNAL_CONTINUE},
-    {SIGSEGV, Role::CRASH, 0},
-    {SIGBUS, Role::CRASH, 0},
-    {SIGFPE, Role::CRASH, 0},
-    {SIGILL, Role::CRASH, 0},
-    {SIGABRT, Role::CRASH, 0},
-    {SIGTRAP, Role::CRASH, 0},
-    {SIGSYS, Role::CRASH, 0},
-    {SIGALRM, Role::END, 0},
-    {SIGVTALRM, Role::END, 0},
-    {SIGPROF, Role::END, 0},
-    {SIGUSR1, Role::END, 0},
-    {SIGUSR2, Role::END, 0},
-    {SIGXCPU, Role::END, 0},
-    {SIGXFSZ, Role::END, 0},
-    {SIGIO, Role::END, 0},
-    {SIGPWR, Role::END, 0},
-    {SIGSTKFLT, Role::END, 0},
+constexpr Entry kSignals[] = {
+    {SIGINT, Role::Control, kSignalCtrlC},
+    {SIGQUIT, Role::Control, kSignalBreak},
+    {SIGHUP, Role::Control, kSignalClose},
+    {SIGTERM, Role::Control, kSignalShutdown},
+    {SIGWINCH, Role::Notice, kSignalSize},
+    {SIGTSTP, Role::Notice, kSignalStop},
+    {SIGCONT, Role::Notice, kSignalContinue},
+    {SIGSEGV, Role::Crash, 0},
+    {SIGBUS, Role::Crash, 0},
+    {SIGFPE, Role::Crash, 0},
+    {SIGILL, Role::Crash, 0},
+    {SIGABRT, Role::Crash, 0},
+    {SIGTRAP, Role::Crash, 0},
+    {SIGSYS, Role::Crash, 0},
+    {SIGALRM, Role::End, 0},
+    {SIGVTALRM, Role::End, 0},
+    {SIGPROF, Role::End, 0},
+    {SIGUSR1, Role::End, 0},
+    {SIGUSR2, Role::End, 0},
+    {SIGXCPU, Role::End, 0},
+    {SIGXFSZ, Role::End, 0},
+    {SIGIO, Role::End, 0},
+    {SIGPWR, Role::End, 0},
+    {SIGSTKFLT, Role::End, 0},
 };
-constexpr int SIGNAL_COUNT = sizeof SIGNALS / sizeof *SIGNALS;
+constexpr int kSignalCount = sizeof kSignals / sizeof *kSignals;
 
 // A thread that does not get to its next wait for this long does not answer: the next signal ends
 // the process.
-constexpr time_t PATIENCE_SECONDS = 2;
+constexpr time_t kPatienceSeconds = 2;
 
 // From a control event that is not acted on, or from the request for the end, to the process's end
 // come what may: within the three seconds that a system allows a program for its end, with room for
 // the ending itself.
-constexpr itimerspec LAST_MOMENT = {{0, 0}, {2, 800'000'000}};
-constexpr itimerspec NO_MOMENT = {};
+constexpr itimerspec kLastMoment = {{0, 0}, {2, 800'000'000}};
+constexpr itimerspec kNoMoment = {};
 
-constexpr std::size_t CRASH_STACK_BYTES = std::size_t{32} * 1024;
+constexpr std::size_t kCrashStackBytes = std::size_t{32} * 1024;
 
 struct State {
     CConsoleMode* mode = nullptr;
@@ -76,8 +76,8 @@ struct State {
     std::atomic<bool> notesControlEvents = false;
     std::atomic<time_t> controlSince =
         0; // when the oldest control event not looked at came; 0: none
-    struct sigaction before[SIGNAL_COUNT] = {};
-    bool installed[SIGNAL_COUNT] = {};
+    struct sigaction before[kSignalCount] = {};
+    bool installed[kSignalCount] = {};
     struct sigaction beforePipe = {};
     bool active = false;
     bool hasStack = false;
@@ -88,11 +88,11 @@ struct State {
 };
 
 State g_state;
-alignas(16) unsigned char g_crashStack[CRASH_STACK_BYTES];
+alignas(16) unsigned char g_crashStack[kCrashStackBytes];
 
 int IndexOf(int number) {
     int index = 0;
-    while (SIGNALS[index].number != number)
+    while (kSignals[index].number != number)
         ++index;
     return index;
 }
@@ -114,31 +114,31 @@ void EndProcess(int index, const siginfo_t* information) {
     if (IsIgnored(last))
         last.sa_handler = SIG_DFL;
     g_state.mode->Rescue();
-    sigaction(SIGNALS[index].number, &last, nullptr);
-    const bool happensAgain = SIGNALS[index].role == Role::CRASH && information->si_code > 0;
+    sigaction(kSignals[index].number, &last, nullptr);
+    const bool happensAgain = kSignals[index].role == Role::Crash && information->si_code > 0;
     if (!happensAgain)
-        raise(SIGNALS[index].number);
+        raise(kSignals[index].number);
 }
 
 bool IsUnanswered(time_t now) {
     time_t none = 0;
     if (g_state.controlSince.compare_exchange_strong(none, now))
         return false;
-    return now - none >= PATIENCE_SECONDS;
+    return now - none >= kPatienceSeconds;
 }
 
-enum class Answer { NOTE, REQUEST, END, NONE };
+enum class Answer { Note, Request, End, None };
 
 Answer AnswerTo(int index) {
-    if (SIGNALS[index].role == Role::NOTICE)
-        return Answer::NOTE;
-    if (SIGNALS[index].role != Role::CONTROL)
-        return Answer::END;
+    if (kSignals[index].role == Role::Notice)
+        return Answer::Note;
+    if (kSignals[index].role != Role::Control)
+        return Answer::End;
     if (!g_state.notesControlEvents.load() || g_state.wakeNumber.load() < 0)
-        return IsIgnored(g_state.before[index]) ? Answer::NONE
-               : g_state.isKept                 ? Answer::REQUEST
-                                                : Answer::END;
-    return IsUnanswered(Seconds()) ? Answer::END : Answer::NOTE;
+        return IsIgnored(g_state.before[index]) ? Answer::None
+               : g_state.isKept                 ? Answer::Request
+                                                : Answer::End;
+    return IsUnanswered(Seconds()) ? Answer::End : Answer::Note;
 }
 
 void Note(unsigned bits) {
@@ -150,7 +150,7 @@ void Note(unsigned bits) {
 
 // An interrupt may be a key for the device.
 bool MayEnd(const Entry& entry) {
-    return entry.role == Role::CONTROL && entry.number != SIGINT;
+    return entry.role == Role::Control && entry.number != SIGINT;
 }
 
 void EndByLastControl() {
@@ -174,15 +174,15 @@ void OnSignal(int number, siginfo_t* information, void*) {
     const int savedError = errno;
     const int index = IndexOf(number);
     const Answer answer = AnswerTo(index);
-    if (SIGNALS[index].role == Role::CONTROL && answer != Answer::NONE)
+    if (kSignals[index].role == Role::Control && answer != Answer::None)
         g_state.lastControl.store(number);
-    if (answer == Answer::NOTE && MayEnd(SIGNALS[index]))
+    if (answer == Answer::Note && MayEnd(kSignals[index]))
         StartLastMoment();
-    if (answer == Answer::END)
+    if (answer == Answer::End)
         EndProcess(index, information);
-    else if (answer == Answer::NOTE)
-        Note(SIGNALS[index].noted);
-    else if (answer == Answer::REQUEST)
+    else if (answer == Answer::Note)
+        Note(kSignals[index].noted);
+    else if (answer == Answer::Request)
         RequestEndAtOnce();
     errno = savedError;
 }
@@ -190,23 +190,23 @@ void OnSignal(int number, siginfo_t* information, void*) {
 // A signal that somebody has set aside keeps that; so does hang-up under nohup. The keys and the
 // session's end are the console's even in a process that a shell started in the background.
 bool IsWanted(const Entry& entry, const struct sigaction& before) {
-    if (entry.role == Role::CONTROL && entry.number != SIGHUP)
+    if (entry.role == Role::Control && entry.number != SIGHUP)
         return true;
     if (IsIgnored(before))
         return entry.number == SIGCONT || entry.number == SIGWINCH;
-    return entry.role != Role::END || before.sa_handler == SIG_DFL;
+    return entry.role != Role::End || before.sa_handler == SIG_DFL;
 }
 
 void InstallOne(int index) {
-    const Entry& entry = SIGNALS[index];
+    const Entry& entry = kSignals[index];
     if (g_state.installed[index])
         return; // kept since the last time
     struct sigaction action {};
     action.sa_sigaction = OnSignal;
-    action.sa_flags = SA_SIGINFO | (entry.role == Role::CRASH ? SA_ONSTACK : 0);
+    action.sa_flags = SA_SIGINFO | (entry.role == Role::Crash ? SA_ONSTACK : 0);
     // A read of the keyboard in the background, begun again, would stop the process before anybody
     // has looked at what was noted.
-    if (entry.role != Role::CONTROL && entry.number != SIGCONT)
+    if (entry.role != Role::Control && entry.number != SIGCONT)
         action.sa_flags |= SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(entry.number, &action, &g_state.before[index]);
@@ -246,7 +246,7 @@ void Install(CConsoleMode& mode) {
     g_state.noted.store(0);
     g_state.controlSince.store(0);
     UseCrashStack();
-    for (int index = 0; index < SIGNAL_COUNT; ++index)
+    for (int index = 0; index < kSignalCount; ++index)
         InstallOne(index);
     struct sigaction ignore {};
     ignore.sa_handler = SIG_IGN;
@@ -258,12 +258,12 @@ void Remove() {
     if (!g_state.active)
         return;
     g_state.active = false;
-    for (int index = 0; index < SIGNAL_COUNT; ++index) {
-        const bool isKept = g_state.isKept && SIGNALS[index].role == Role::CONTROL &&
+    for (int index = 0; index < kSignalCount; ++index) {
+        const bool isKept = g_state.isKept && kSignals[index].role == Role::Control &&
                             !IsIgnored(g_state.before[index]);
         if (!g_state.installed[index] || isKept)
             continue;
-        sigaction(SIGNALS[index].number, &g_state.before[index], nullptr);
+        sigaction(kSignals[index].number, &g_state.before[index], nullptr);
         g_state.installed[index] = false;
     }
     sigaction(SIGPIPE, &g_state.beforePipe, nullptr);
@@ -271,8 +271,8 @@ void Remove() {
     g_state.wakeNumber.store(-1);
     g_state.wake.Reset();
     // Giving a stuck terminal back takes seconds, in which its window may be closed.
-    constexpr unsigned ENDS = SIGNAL_BREAK | SIGNAL_CLOSE | SIGNAL_SHUTDOWN;
-    if (g_state.isKept && (g_state.noted.exchange(0) & ENDS) != 0)
+    constexpr unsigned kEnds = kSignalBreak | kSignalClose | kSignalShutdown;
+    if (g_state.isKept && (g_state.noted.exchange(0) & kEnds) != 0)
         RequestEndAtOnce();
 }
 
@@ -297,12 +297,12 @@ void KeepForEnd() {
 
 void StartLastMoment() {
     if (g_state.isKept && !g_state.isTimed.exchange(true))
-        timer_settime(g_state.lastMoment, 0, &LAST_MOMENT, nullptr);
+        timer_settime(g_state.lastMoment, 0, &kLastMoment, nullptr);
 }
 
 void StandDown() {
     if (!IsEndRequested() && g_state.isTimed.exchange(false))
-        timer_settime(g_state.lastMoment, 0, &NO_MOMENT, nullptr);
+        timer_settime(g_state.lastMoment, 0, &kNoMoment, nullptr);
 }
 
 void EndBySignal() {

@@ -13,13 +13,13 @@ namespace platform {
 
 // What has happened since the last look, one bit each.
 enum ConsoleSignal : unsigned {
-    SIGNAL_CTRL_C = 1,
-    SIGNAL_BREAK = 2,
-    SIGNAL_CLOSE = 4,
-    SIGNAL_SHUTDOWN = 8,
-    SIGNAL_SIZE = 16,
-    SIGNAL_STOP = 32,
-    SIGNAL_CONTINUE = 64,
+    kSignalCtrlC = 1,
+    kSignalBreak = 2,
+    kSignalClose = 4,
+    kSignalShutdown = 8,
+    kSignalSize = 16,
+    kSignalStop = 32,
+    kSignalContinue = 64,
 };
 
 namespace consolesignals {

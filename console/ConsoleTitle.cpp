@@ -13,7 +13,7 @@ namespace platform {
 namespace {
 
 // What the types of terminals begin with that have a title whether or not terminfo knows them.
-constexpr std::string_view WITH_TITLE[] = {
+constexpr std::string_view kWithTitle[] = {
     "xterm", "rxvt",    "screen",  "tmux",    "vte",   "gnome", "konsole", "alacritty", "kitty",
     "foot",  "contour", "wezterm", "ghostty", "putty", "st-",   "mlterm",  "mintty",    "Eterm"};
 
@@ -30,13 +30,13 @@ bool IsShown(char32_t character) {
     if (character < 0x80)
         return character >= 0x20 && character != 0x7F;
     const CharacterKind kind = KindOf(character);
-    return kind != CharacterKind::CONTROL && kind != CharacterKind::REPLACED;
+    return kind != CharacterKind::Control && kind != CharacterKind::Replaced;
 }
 
 } // namespace
 
 bool CConsoleTitle::IsPossible(const char* terminalType) {
-    for (const std::string_view type : WITH_TITLE) {
+    for (const std::string_view type : kWithTitle) {
         if (std::string_view(terminalType).starts_with(type))
             return true;
     }
@@ -55,7 +55,7 @@ void CConsoleTitle::Set(std::string_view title) {
         m_gather.Put("\x1b[22;0t");
     m_bChanged = true;
     m_gather.Put("\x1b]2;");
-    std::size_t room = MOST_BYTES;
+    std::size_t room = kMostBytes;
     const auto put = [&](const CUtf8Decoder& character) {
         const std::string_view bytes = character.Bytes();
         if (!IsShown(character.Code()))

@@ -15,14 +15,14 @@ class CConsoleTitle {
     // Whether a terminal of this type is known to have a title; others would show the sequence.
     static bool IsPossible(const char* terminalType);
 
-    // Sets the title: well-formed characters other than controls, at most MOST_BYTES. The caller
+    // Sets the title: well-formed characters other than controls, at most kMostBytes. The caller
     // sees to the room.
     void Set(std::string_view title);
     // Brings the user's title back if Set changed it.
     void Restore();
     bool IsChanged() const { return m_bChanged; }
 
-    static constexpr std::size_t MOST_BYTES = 256;
+    static constexpr std::size_t kMostBytes = 256;
 
   private:
     CConsoleGather& m_gather;

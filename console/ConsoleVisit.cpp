@@ -29,7 +29,7 @@ CConsoleVisit::CConsoleVisit(CConsoleSession& session) : m_session(session) {
 
 CConsoleVisit::~CConsoleVisit() {
     if (m_bTakesOver)
-        m_session.GiveBack(CConsoleSession::Typed::KEPT);
+        m_session.GiveBack(CConsoleSession::Typed::Kept);
     if (!m_bHasTurn)
         return;
     t_bVisits = false;

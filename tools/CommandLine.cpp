@@ -1,15 +1,13 @@
 #include "tools/CommandLine.h"
 
+#include "common/Ascii.h"
+
 #include <charconv>
 
 namespace modemsim {
 namespace {
 
 constexpr std::size_t kParameterLimit = 16;
-
-bool IsDigit(char byte) {
-    return byte >= '0' && byte <= '9';
-}
 
 bool IsLetter(char byte) {
     return byte >= 'A' && byte <= 'Z';

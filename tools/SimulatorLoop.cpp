@@ -44,10 +44,10 @@ bool CSimulatorLoop::CatchSignals(std::string& error) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
         sigaddset(&signals, number);
     if (sigprocmask(SIG_BLOCK, &signals, nullptr) == 0)
-        m_hSignals = CDescriptor(signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
-    if (!m_hSignals.IsOpen())
+        m_hSignals = platform::CDescriptor(signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
+    if (!m_hSignals)
         error = std::string("cannot watch for signals: ") + std::strerror(errno);
-    return m_hSignals.IsOpen();
+    return static_cast<bool>(m_hSignals);
 }
 
 bool CSimulatorLoop::SignalCame() const {

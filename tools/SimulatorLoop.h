@@ -39,7 +39,7 @@ class CSimulatorLoop {
 
     CModemSimulator m_Modem;
     CPtyDevice& m_Device;
-    CDescriptor m_hSignals;
+    platform::CDescriptor m_hSignals;
     std::string m_strPending; // read, but not yet taken by the modem
     bool m_bOnce;
     EState m_eState = EState::Running;

@@ -3,6 +3,7 @@
 
 #include "platform/Error.h"
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleTable.h"
 
 #include <sys/ioctl.h>
 

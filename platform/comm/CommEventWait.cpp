@@ -1,8 +1,12 @@
+// Bytes show on the device's own descriptor, but lines and error counters do not: a thread that
+// sleeps in the driver's wait for a line wakes this one, and where the driver has no such wait the
+// lines are read at intervals. Every waking looks at everything; only a difference ends the wait.
 #include "platform/comm/CommEventWait.h"
 
 #include "platform/Error.h"
 #include "platform/comm/CommErrors.h"
 #include "platform/comm/CommPort.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/objects/TransferRecord.h"
 

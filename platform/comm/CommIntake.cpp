@@ -1,6 +1,7 @@
 #include "platform/comm/CommIntake.h"
 
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/WaitLoop.h"
 
 #include <memory>
@@ -18,8 +19,8 @@ class CIntake final : public CHandleObject {
         if (events == 0 || !m_bTakes)
             return false;
         const CCommPort::Intake intake = m_port.TakeIn();
-        m_bDiscarded = m_bDiscarded || intake == CCommPort::Intake::DISCARDED;
-        m_bTakes = intake != CCommPort::Intake::ENDED && intake != CCommPort::Intake::HELD;
+        m_bDiscarded = m_bDiscarded || intake == CCommPort::Intake::Discarded;
+        m_bTakes = intake != CCommPort::Intake::Ended && intake != CCommPort::Intake::Held;
         return false;
     }
     bool IsDiscarded() const { return m_bDiscarded; }

@@ -4,6 +4,7 @@
 #include "platform/comm/CommOutput.h"
 
 #include "platform/Error.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/TransferRecord.h"
 
 #include <utility>

@@ -1,7 +1,11 @@
+// Bytes reach the reader by way of the queue, which one large read fills, so that a reader of small
+// pieces costs no system call each. Whoever asks how many there are fills it too: it then takes the
+// bytes from where other waiters look for them, who must be woken.
 #include "platform/comm/CommPort.h"
 
 #include "platform/Error.h"
 #include "platform/comm/CommHangup.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/objects/TransferRecord.h"
 
@@ -110,10 +114,10 @@ int CCommPort::FillQueue() {
 CCommPort::Intake CCommPort::TakeIn() {
     const std::lock_guard lock(m_receiveMutex);
     if (m_bReceiveClosed)
-        return Intake::ENDED;
-    Intake result = Intake::HELD;
+        return Intake::Ended;
+    Intake result = Intake::Held;
     if (m_queue.Free() > 0 || m_queue.Extend())
-        result = FillQueue() < 0 ? Intake::ENDED : Intake::TAKEN;
+        result = FillQueue() < 0 ? Intake::Ended : Intake::Taken;
     else if (!m_driver.HoldsSender())
         result = DiscardReceived();
     m_bAskDriver = true;
@@ -124,8 +128,8 @@ CCommPort::Intake CCommPort::DiscardReceived() {
     BYTE unwanted[kQueueSizeAtOpening];
     const int received = ReceiveFromDriver(unwanted, sizeof unwanted);
     if (received < 0)
-        return Intake::ENDED;
-    return received > 0 ? Intake::DISCARDED : Intake::TAKEN;
+        return Intake::Ended;
+    return received > 0 ? Intake::Discarded : Intake::Taken;
 }
 
 // The queue's bytes first, then the driver's: large pieces straight into the buffer, small ones by

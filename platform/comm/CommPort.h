@@ -14,6 +14,7 @@
 #include "platform/comm/CommOutput.h"
 #include "platform/comm/CommQueue.h"
 #include "platform/comm/CommWaiters.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/TransferObject.h"
 
 #include <atomic>
@@ -45,9 +46,9 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     BOOL Purge(DWORD flags);
 
     // Takes what the driver holds into the receive queue while nobody reads it, up to 1 MiB. What
-    // finds no room is left in the driver when that can hold the sender (HELD), else discarded.
-    // ENDED once nothing more can come.
-    enum class Intake { TAKEN, HELD, DISCARDED, ENDED };
+    // finds no room is left in the driver when that can hold the sender (Held), else discarded.
+    // Ended once nothing more can come.
+    enum class Intake { Taken, Held, Discarded, Ended };
     Intake TakeIn();
 
     // For what is the driver's alone: lines and line settings.

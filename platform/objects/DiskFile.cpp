@@ -1,6 +1,7 @@
 #include "platform/objects/DiskFile.h"
 
 #include "platform/Error.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/objects/TransferRecord.h"
 

@@ -6,7 +6,7 @@
 
 namespace platform {
 
-// The nanoseconds until the calling thread's timer is due; CDeadline::NEVER without one.
+// The nanoseconds until the calling thread's timer is due; CDeadline::kNever without one.
 std::int64_t ThreadTimerRemaining();
 
 // Makes the call of a timer that is due, which is then no longer set. Keeps the last error.

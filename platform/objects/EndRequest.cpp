@@ -65,8 +65,8 @@ CEndGrace::~CEndGrace() {
 std::int64_t EndRemaining() {
     const std::int64_t requestedAt = g_requestedAt;
     if (t_dwGrace == INFINITE || requestedAt == 0)
-        return CDeadline::NEVER;
-    const std::int64_t end = requestedAt + t_dwGrace * NANOSECONDS_PER_MILLISECOND;
+        return CDeadline::kNever;
+    const std::int64_t end = requestedAt + t_dwGrace * kNanosecondsPerMillisecond;
     return t_dwGrace == 0 ? 0 : std::max<std::int64_t>(end - MonotonicNanoseconds(), 0);
 }
 

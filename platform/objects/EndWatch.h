@@ -6,7 +6,7 @@
 
 namespace platform {
 
-// The nanoseconds until the calling thread's waits fail; CDeadline::NEVER while the end is not
+// The nanoseconds until the calling thread's waits fail; CDeadline::kNever while the end is not
 // asked for or the thread does not heed it.
 std::int64_t EndRemaining();
 

@@ -2,6 +2,7 @@
 
 #include "platform/Error.h"
 #include "platform/objects/DiskFile.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/TransferObject.h"
 
 using platform::CTransferObject;

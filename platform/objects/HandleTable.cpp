@@ -1,6 +1,6 @@
+#include "platform/objects/HandleTable.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
-#include "platform/objects/HandleObject.h"
 #include "platform/objects/SlotTable.h"
 
 #include <atomic>
@@ -103,8 +103,3 @@ void SetInvalidHandleError() {
 }
 
 } // namespace platform
-
-BOOL CloseHandle(HANDLE hObject) {
-    const auto object = platform::RemoveHandle(hObject);
-    return object ? object->Close() : FALSE;
-}

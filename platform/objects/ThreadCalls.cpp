@@ -1,6 +1,7 @@
 #include "platform/Thread.h"
 
 #include "platform/Error.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/MakeObject.h"
 #include "platform/objects/ThreadObject.h"
 

@@ -153,10 +153,6 @@ int CThreadObject::CurrentTerminationDescriptor() {
     return t_current != nullptr ? t_current->m_termination.Get() : -1;
 }
 
-int TerminationDescriptor() {
-    return CThreadObject::CurrentTerminationDescriptor();
-}
-
 BOOL SetThreadNice(pid_t thread, int nice) {
     if (setpriority(PRIO_PROCESS, static_cast<id_t>(thread), nice) == 0)
         return TRUE;

@@ -7,11 +7,13 @@
 #pragma once
 
 #include "platform/Thread.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/HandleObject.h"
 
 #include <sys/types.h>
 
 #include <atomic>
+#include <memory>
 #include <mutex>
 
 namespace platform {
@@ -49,7 +51,8 @@ class CThreadObject final : public CHandleObject {
     bool IsReady() const override { return m_bEnded.load(std::memory_order_acquire); }
     bool TryAcquire(short) override { return IsReady(); }
 
-    // Of the calling thread; false and -1 on one that CreateThread did not start.
+    // Of the calling thread: whether TerminateThread has named it, and the descriptor that shows
+    // POLLIN from then on. False and -1 on a thread that CreateThread did not start.
     static bool IsCurrentTerminated();
     static int CurrentTerminationDescriptor();
 

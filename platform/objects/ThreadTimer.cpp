@@ -26,11 +26,11 @@ void StopThreadTimer() {
 }
 
 std::int64_t ThreadTimerRemaining() {
-    return t_timer.due.Remaining();
+    return t_timer.due.RemainingNanoseconds();
 }
 
 void RunDueThreadTimer() {
-    if (t_timer.due.Remaining() != 0)
+    if (t_timer.due.RemainingNanoseconds() != 0)
         return;
     const Timer timer = t_timer;
     StopThreadTimer();

@@ -3,7 +3,9 @@
 #include "platform/Error.h"
 #include "platform/objects/DueTimer.h"
 #include "platform/objects/EndWatch.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/ThreadObject.h"
+#include "platform/objects/WaitCompanion.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -47,10 +49,10 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
     if (AcquireFirst())
         return Turn::DONE;
 
-    const std::int64_t remaining = m_deadline.Remaining();
+    const std::int64_t remaining = m_deadline.RemainingNanoseconds();
     const std::int64_t patience =
         std::min({PatienceOf(remaining), ThreadTimerRemaining(), untilEnd});
-    m_bWatchesEnd = untilEnd == CDeadline::NEVER;
+    m_bWatchesEnd = untilEnd == CDeadline::kNever;
     const bool looksOnly =
         patience != 0 && !m_bWorkTried && t_companion != nullptr && t_companion->HasWork();
     const int shown = Poll(looksOnly ? 0 : patience);
@@ -102,7 +104,7 @@ std::int64_t CWaitLoop::PatienceOf(std::int64_t remaining) const {
             return 0;
         const int readyIn = m_objects[index]->ReadyInMilliseconds();
         if (readyIn >= 0)
-            patience = std::min(patience, readyIn * NANOSECONDS_PER_MILLISECOND);
+            patience = std::min(patience, readyIn * kNanosecondsPerMillisecond);
     }
     return patience;
 }
@@ -115,13 +117,14 @@ int CWaitLoop::Poll(std::int64_t patience) {
     pollfd* const watched = m_polled + m_dwCount;
     m_dwWatched = t_companion != nullptr ? static_cast<DWORD>(t_companion->Watch(watched)) : 0;
     nfds_t count = m_dwCount + m_dwWatched;
-    if (patience != 0 && TerminationDescriptor() >= 0)
-        m_polled[count++] = {TerminationDescriptor(), POLLIN, 0};
+    const int termination = CThreadObject::CurrentTerminationDescriptor();
+    if (patience != 0 && termination >= 0)
+        m_polled[count++] = {termination, POLLIN, 0};
     if (patience != 0 && m_bWatchesEnd && EndDescriptor() >= 0)
         m_polled[count++] = {EndDescriptor(), POLLIN, 0};
 
-    const timespec limit = {patience / NANOSECONDS_PER_SECOND, patience % NANOSECONDS_PER_SECOND};
-    return ppoll(m_polled, count, patience == CDeadline::NEVER ? nullptr : &limit, nullptr);
+    const timespec limit = {patience / kNanosecondsPerSecond, patience % kNanosecondsPerSecond};
+    return ppoll(m_polled, count, patience == CDeadline::kNever ? nullptr : &limit, nullptr);
 }
 
 void CWaitLoop::ServeCompanion() {

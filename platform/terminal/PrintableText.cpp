@@ -10,13 +10,13 @@ void Append(std::string& text, const CUtf8Decoder& character) {
     const std::string_view bytes = character.Bytes();
     const char32_t code = character.Code();
     const CharacterKind ascii =
-        code < 0x20 || code == 0x7F ? CharacterKind::CONTROL : CharacterKind::NARROW;
+        code < 0x20 || code == 0x7F ? CharacterKind::Control : CharacterKind::Narrow;
     switch (code < 0x80 ? ascii : KindOf(code)) {
-    case CharacterKind::CONTROL:
-    case CharacterKind::REPLACED:
+    case CharacterKind::Control:
+    case CharacterKind::Replaced:
         text.append(bytes.size(), '?');
         break;
-    case CharacterKind::OMITTED:
+    case CharacterKind::Omitted:
         break;
     default:
         text += bytes;

@@ -7,13 +7,13 @@ CUtf8Decoder::Result CUtf8Decoder::Feed(std::uint8_t byte) {
         return Begin(byte);
     if (byte < m_lowest || byte > m_highest) {
         m_nMissing = 0;
-        return Result::BROKEN;
+        return Result::Broken;
     }
     m_bytes[m_nLength++] = static_cast<char>(byte);
     m_code = (m_code << 6) | (byte & 0x3F);
     m_lowest = 0x80;
     m_highest = 0xBF;
-    return --m_nMissing == 0 ? Result::CHARACTER : Result::MORE;
+    return --m_nMissing == 0 ? Result::Character : Result::More;
 }
 
 // The bounds of the second byte keep overlong forms, surrogates and too large values out.
@@ -21,10 +21,10 @@ CUtf8Decoder::Result CUtf8Decoder::Begin(std::uint8_t byte) {
     if (byte < 0x80) {
         Open(byte, 0, 0, 0);
         m_code = byte;
-        return Result::CHARACTER;
+        return Result::Character;
     }
     if (byte < 0xC2 || byte > 0xF4)
-        return Result::INVALID;
+        return Result::Invalid;
     if (byte < 0xE0)
         return Open(byte, 1, 0x80, 0xBF);
     if (byte < 0xF0)
@@ -40,7 +40,7 @@ CUtf8Decoder::Result CUtf8Decoder::Open(std::uint8_t byte, std::uint8_t missing,
     m_lowest = lowest;
     m_highest = highest;
     m_code = byte & (0x3FU >> missing);
-    return Result::MORE;
+    return Result::More;
 }
 
 } // namespace platform

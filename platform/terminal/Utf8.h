@@ -11,18 +11,39 @@ namespace platform {
 class CUtf8Decoder {
   public:
     enum class Result {
-        MORE,      // the byte was taken, the character is not complete
-        CHARACTER, // the byte completed the character of Code() and Bytes()
-        INVALID,   // the byte cannot begin a character; it was taken
-        BROKEN,    // the sequence before this byte, Bytes(), is broken; give the byte again
+        More,      // the byte was taken, the character is not complete
+        Character, // the byte completed the character of Code() and Bytes()
+        Invalid,   // the byte cannot begin a character; it was taken
+        Broken,    // the sequence before this byte, Bytes(), is broken; give the byte again
     };
 
-    // Takes the next byte; after every result but MORE the decoder is idle again.
+    // Takes the next byte; after every result but More the decoder is idle again.
     Result Feed(std::uint8_t byte);
+
+    // Takes the next byte and tells what it ends: a character goes to one function, as the decoder
+    // that has it, each byte that belongs to none to the other one, in order.
+    template <class OnCharacter, class OnByte>
+    void Read(std::uint8_t byte, const OnCharacter& onCharacter, const OnByte& onByte) {
+        Result result = Feed(byte);
+        if (result == Result::Broken) {
+            GiveUp(onByte);
+            result = Feed(byte);
+        }
+        if (result == Result::Character)
+            onCharacter(*this);
+        else if (result == Result::Invalid)
+            onByte(byte);
+    }
+    // Ends the sequence in progress; its bytes go to the function.
+    template <class OnByte> void GiveUp(const OnByte& onByte) {
+        m_nMissing = 0;
+        for (const char byte : Bytes())
+            onByte(static_cast<std::uint8_t>(byte));
+    }
 
     // No sequence is in progress.
     bool IsIdle() const { return m_nMissing == 0; }
-    // Gives the sequence in progress up.
+    // Forgets the sequence in progress.
     void Drop() { m_nMissing = 0; }
 
     char32_t Code() const { return m_code; }
@@ -40,30 +61,14 @@ class CUtf8Decoder {
     std::uint8_t m_highest = 0;
 };
 
-// Reads a whole text: every character goes to one function, as the decoder that has it, every byte
-// that belongs to none to the other one, in order.
+// Reads a whole text in this way.
 template <class OnCharacter, class OnByte>
-void ReadUtf8(std::string_view text, OnCharacter onCharacter, OnByte onByte) {
+void ReadUtf8(std::string_view text, const OnCharacter& onCharacter, const OnByte& onByte) {
     CUtf8Decoder decoder;
-    const auto giveUp = [&] {
-        for (const char byte : decoder.Bytes())
-            onByte(static_cast<std::uint8_t>(byte));
-        decoder.Drop();
-    };
-    for (const char next : text) {
-        const auto byte = static_cast<std::uint8_t>(next);
-        CUtf8Decoder::Result result = decoder.Feed(byte);
-        if (result == CUtf8Decoder::Result::BROKEN) {
-            giveUp();
-            result = decoder.Feed(byte);
-        }
-        if (result == CUtf8Decoder::Result::CHARACTER)
-            onCharacter(decoder);
-        else if (result == CUtf8Decoder::Result::INVALID)
-            onByte(byte);
-    }
+    for (const char byte : text)
+        decoder.Read(static_cast<std::uint8_t>(byte), onCharacter, onByte);
     if (!decoder.IsIdle())
-        giveUp();
+        decoder.GiveUp(onByte);
 }
 
 } // namespace platform

@@ -7,10 +7,10 @@ namespace telephonyservice {
 namespace {
 
 // A line that the log's daemons take whole.
-constexpr std::size_t MAX_LINE = 900;
+constexpr std::size_t kLongestLine = 900;
 
 void Tell(platform::ENotice kind, const std::string& text) {
-    platform::GiveNotice(kind, MakePlainText(text, MAX_LINE).c_str());
+    platform::GiveNotice(kind, MakePlainText(text, kLongestLine).c_str());
 }
 
 } // namespace

@@ -59,15 +59,14 @@ TEST(ConsoleSize, AChangeIsFollowed) {
     console.Write("1\n2\n3\n4\n12345678901234567890");
     console.Show();
     console.Resize(30, 5);
-    console.output.NoteSizeChange();
-    EXPECT_TRUE(console.output.TakeSizeChange());
-    EXPECT_FALSE(console.output.TakeSizeChange());
+    EXPECT_TRUE(console.output.FollowSize());
+    EXPECT_FALSE(console.output.FollowSize());
     console.Write("+"); // behind the text that had filled the row
     console.Show();
     EXPECT_EQ(console.Row(4), "12345678901234567890+");
 
     console.Resize(10, 3);
-    console.output.NoteSizeChange();
+    EXPECT_TRUE(console.output.FollowSize());
     EXPECT_EQ(console.GetCursor().X, 9);
     EXPECT_EQ(console.GetCursor().Y, 2);
     console.Show();

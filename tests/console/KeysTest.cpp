@@ -3,15 +3,16 @@
 #include "console/ConsoleInput.h"
 #include "console/ConsoleKeyTable.h"
 #include "platform/Wait.h"
+#include "platform/objects/HandleTable.h"
 #include "tests/support/PseudoTerminal.h"
 
 using namespace platform;
 
 namespace {
 
-constexpr DWORD SHIFT = SHIFT_PRESSED;
-constexpr DWORD ALT = LEFT_ALT_PRESSED;
-constexpr DWORD CTRL = LEFT_CTRL_PRESSED;
+constexpr DWORD kShift = SHIFT_PRESSED;
+constexpr DWORD kAlt = LEFT_ALT_PRESSED;
+constexpr DWORD kCtrl = LEFT_CTRL_PRESSED;
 
 struct Key {
     WORD code;
@@ -20,7 +21,7 @@ struct Key {
 };
 
 // As xterm, the Linux console, screen, tmux and rxvt send them.
-const Key KEYS[] = {
+const Key kKeys[] = {
     {VK_UP, 0, {"\x1b[A", "\x1bOA"}},
     {VK_DOWN, 0, {"\x1b[B"}},
     {VK_RIGHT, 0, {"\x1b[C"}},
@@ -37,20 +38,20 @@ const Key KEYS[] = {
     {VK_F4, 0, {"\x1bOS", "\x1b[[D", "\x1b[14~"}},
     {VK_F5, 0, {"\x1b[15~", "\x1b[[E"}},
     {VK_F6, 0, {"\x1b[17~"}},
-    {VK_F1, SHIFT, {"\x1b[1;2P"}},
-    {VK_UP, SHIFT, {"\x1b[1;2A", "\x1b[a"}},
-    {VK_DELETE, SHIFT, {"\x1b[3$"}},
-    {VK_DOWN, ALT, {"\x1b[1;3B"}},
-    {VK_END, ALT, {"\x1b[1;9F"}}, // Meta
-    {VK_F4, ALT, {"\x1b[1;3S", "\x1bO3S"}},
-    {VK_UP, CTRL, {"\x1b[5A"}},
-    {VK_RIGHT, CTRL, {"\x1b[1;5C"}},
-    {VK_LEFT, CTRL, {"\x1bOd"}},
-    {VK_HOME, CTRL, {"\x1b[7^"}},
-    {VK_DELETE, CTRL, {"\x1b[3;5~"}},
-    {VK_PRIOR, SHIFT | CTRL, {"\x1b[5@"}},
-    {VK_LEFT, SHIFT | ALT | CTRL, {"\x1b[1;8D"}},
-    {VK_F6, SHIFT | ALT | CTRL, {"\x1b[17;16~"}},
+    {VK_F1, kShift, {"\x1b[1;2P"}},
+    {VK_UP, kShift, {"\x1b[1;2A", "\x1b[a"}},
+    {VK_DELETE, kShift, {"\x1b[3$"}},
+    {VK_DOWN, kAlt, {"\x1b[1;3B"}},
+    {VK_END, kAlt, {"\x1b[1;9F"}}, // Meta
+    {VK_F4, kAlt, {"\x1b[1;3S", "\x1bO3S"}},
+    {VK_UP, kCtrl, {"\x1b[5A"}},
+    {VK_RIGHT, kCtrl, {"\x1b[1;5C"}},
+    {VK_LEFT, kCtrl, {"\x1bOd"}},
+    {VK_HOME, kCtrl, {"\x1b[7^"}},
+    {VK_DELETE, kCtrl, {"\x1b[3;5~"}},
+    {VK_PRIOR, kShift | kCtrl, {"\x1b[5@"}},
+    {VK_LEFT, kShift | kAlt | kCtrl, {"\x1b[1;8D"}},
+    {VK_F6, kShift | kAlt | kCtrl, {"\x1b[17;16~"}},
 };
 
 // A terminal's keyboard, or, without a type, a pipe in its place.
@@ -72,7 +73,7 @@ struct Keyboard {
     // Waits for the next record, at most a long time; one of type 0 at the end of the input.
     INPUT_RECORD Take() const {
         INPUT_RECORD record{};
-        while (input->Take(record) == CConsoleInput::Taken::NOTHING)
+        while (input->Take(record) == CConsoleInput::Taken::Nothing)
             EXPECT_EQ(WaitForSingleObject(handle, 10'000), WAIT_OBJECT_0);
         return record;
     }
@@ -94,21 +95,21 @@ void ExpectKey(const INPUT_RECORD& record, WORD code, DWORD held) {
 
 // The characters up to this one; a key is told as its code in brackets, Alt as an A, and a byte
 // that continues a character behind a +.
-constexpr char LAST = 0x1F;
+constexpr char kLast = 0x1F;
 std::string KeysIn(std::string_view typed, const char* type = nullptr) {
     const Keyboard keyboard(type);
-    keyboard.Type(std::string(typed) + LAST);
+    keyboard.Type(std::string(typed) + kLast);
     std::string text;
     for (;;) {
         const KEY_EVENT_RECORD key = keyboard.Take().Event.KeyEvent;
-        if (key.uChar.AsciiChar == LAST)
+        if (key.uChar.AsciiChar == kLast)
             return text;
         if (type != nullptr && key.wRepeatCount == 0)
             text += '+';
         if (key.uChar.AsciiChar == 0 && key.wVirtualKeyCode != 0x32)
             text += "<" + std::to_string(key.wVirtualKeyCode) + ">";
         else
-            text += (key.dwControlKeyState & ALT ? "A" : "") + std::string(1, key.uChar.AsciiChar);
+            text += (key.dwControlKeyState & kAlt ? "A" : "") + std::string(1, key.uChar.AsciiChar);
     }
 }
 
@@ -119,11 +120,11 @@ class ConsoleKeysTest : public ::testing::TestWithParam<const char*> {};
 // Whatever the terminal's own description adds.
 TEST_P(ConsoleKeysTest, EverySequenceWholeAndSplit) {
     const Keyboard keyboard(GetParam());
-    for (const Key& key : KEYS) {
+    for (const Key& key : kKeys) {
         for (const std::string_view bytes : key.sequences) {
             SCOPED_TRACE(bytes.substr(1));
             keyboard.Type("\x1b" + std::string(bytes));
-            ExpectKey(keyboard.Take(), key.code, key.held | ALT);
+            ExpectKey(keyboard.Take(), key.code, key.held | kAlt);
             for (std::size_t split = 1; split <= bytes.size(); ++split) {
                 keyboard.Type(bytes.substr(0, split));
                 WaitForSingleObject(keyboard.handle, 0); // reads the first part
@@ -140,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(All, ConsoleKeysTest,
                                            "no-such-terminal"));
 
 TEST(ConsoleKeys, OfAPipeWhatIsNoKeyArrivesByteByByte) {
-    static constexpr std::string_view TYPED[] = {
+    static constexpr std::string_view kTyped[] = {
         "plain text \xC3\xA9\xFF",
         std::string_view("\0\x01\x03\x1A\x11\x13", 6),
         "\x1b[18~\x1b[200~pasted\x1b[201~\x1b[<0;1;1M", // F7, a bracketed paste, a mouse
@@ -148,7 +149,7 @@ TEST(ConsoleKeys, OfAPipeWhatIsNoKeyArrivesByteByByte) {
         "\x1b\x1b\x1bx\x1b[\x1b]\x1bO",
         "\x1bz\x1b[",
     };
-    for (const std::string_view typed : TYPED)
+    for (const std::string_view typed : kTyped)
         EXPECT_EQ(KeysIn(typed), typed);
     // The rest of a broken sequence may begin a key.
     EXPECT_EQ(KeysIn("\x1b[\x1b[A\x1b[1;\x1b\x1bOBz"), "\x1b[<38>\x1b[1;<40>z");
@@ -160,7 +161,7 @@ TEST(ConsoleKeys, OfAPipeWhatIsNoKeyArrivesByteByByte) {
 
 // Nothing but a key begins with ESC there; what is no key of ours is <252>.
 TEST(ConsoleKeys, OfAKeyboardEverySequenceIsOneKey) {
-    static constexpr std::pair<std::string_view, std::string_view> TYPED[] = {
+    static constexpr std::pair<std::string_view, std::string_view> kTyped[] = {
         {"\x1b[18~\x1b[23;2~\x1b[Z", "<252><252><252>"},                 // F7, Shift+F11, Shift+Tab
         {"\x1b[E\x1bOE\x1bOu\x1b[I\x1b[O", "<252><252><252><252><252>"}, // keypad 5, focus
         {"\x1b[23$\x1b[23@\x1b[[F\x1bO2R", "<252><252><252><114>"},      // rxvt, Linux, konsole
@@ -175,7 +176,7 @@ TEST(ConsoleKeys, OfAKeyboardEverySequenceIsOneKey) {
                                              "A[\t"},
         {"\x1b[1;\x1b[A\x1b[1;\xC3\xA9", "<252><38><252>\xC3+\xA9"}, // cut off
     };
-    for (const auto& [typed, keys] : TYPED)
+    for (const auto& [typed, keys] : kTyped)
         EXPECT_EQ(KeysIn(typed, "xterm"), keys);
     // One that does not end.
     EXPECT_EQ(KeysIn("\x1b[" + std::string(70, '1') + 'A', "xterm"), "<252>11111111A");
@@ -190,11 +191,11 @@ TEST(ConsoleKeys, ASlowLineSplitsNoKey) {
         EXPECT_EQ(WaitForSingleObject(keyboard.handle, 120), WAIT_TIMEOUT);
     }
     keyboard.Type("S");
-    ExpectKey(keyboard.Take(), VK_F4, ALT);
+    ExpectKey(keyboard.Take(), VK_F4, kAlt);
     keyboard.Type("\x1b");
     EXPECT_EQ(keyboard.Take().Event.KeyEvent.uChar.AsciiChar, '\x1b');
     keyboard.Type("\x1b[1;");
-    ExpectKey(keyboard.Take(), CConsoleKeys::OTHER, 0);
+    ExpectKey(keyboard.Take(), CConsoleKeys::kOther, 0);
 }
 
 TEST(ConsoleKeys, TheTerminalsOwnSequencesAreKnown) {
@@ -236,10 +237,10 @@ TEST(ConsoleInput, EventsComeBeforeKeysAndTheEndStays) {
     for (int time = 0; time < 2; ++time) {
         INPUT_RECORD record{};
         EXPECT_EQ(WaitForSingleObject(keyboard.handle, INFINITE), WAIT_OBJECT_0);
-        EXPECT_EQ(keyboard.input->Take(record), CConsoleInput::Taken::END);
+        EXPECT_EQ(keyboard.input->Take(record), CConsoleInput::Taken::End);
     }
     CConsoleInput closed;
     closed.Use(-1, nullptr);
     INPUT_RECORD record{};
-    EXPECT_EQ(closed.Take(record), CConsoleInput::Taken::END);
+    EXPECT_EQ(closed.Take(record), CConsoleInput::Taken::End);
 }

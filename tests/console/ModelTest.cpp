@@ -15,16 +15,16 @@ class CRandomOutput {
     }
 
     void Step() {
-        static constexpr std::string_view PIECES[] = {
+        static constexpr std::string_view kPieces[] = {
             "a",    "\r",        "\n",       "\r\n",     "\b",
             "\t",   "\x1b",      "\x01",     "\xC3\xA9", "\xE2\x94\x80",
             "\xFF", "e\xCC\x81", "\xE2\x82", "\b\b",     "hello world"};
-        static constexpr std::string_view WIDE[] = {"\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
+        static constexpr std::string_view kWide[] = {"\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
         const int choice = Below(24);
         if (choice < 15)
-            m_console.Write(PIECES[choice]);
+            m_console.Write(kPieces[choice]);
         else if (choice < 17)
-            m_console.Write(m_bWide ? WIDE[choice - 15] : "x");
+            m_console.Write(m_bWide ? kWide[choice - 15] : "x");
         else if (choice < 18)
             m_console.Write(std::string(static_cast<std::size_t>(Below(2 * m_size.X)), 'm'));
         else if (choice < 20)
@@ -41,16 +41,16 @@ class CRandomOutput {
 
   private:
     void Fill() {
-        static constexpr std::uint8_t ATTRIBUTES[] = {0x07, 0x07, 0x1E};
+        static constexpr std::uint8_t kAttributes[] = {0x07, 0x07, 0x1E};
         const int cells = m_size.X * m_size.Y;
         const COORD cursor = m_console.GetCursor();
         const bool here = Below(2) == 0;
         const int column = here ? cursor.X : Below(m_size.X);
         const int row = here ? cursor.Y : Below(m_size.Y);
         if (Below(8) == 0)
-            m_console.Fill(0, 0, cells, ATTRIBUTES[Below(3)]);
+            m_console.Fill(0, 0, cells, kAttributes[Below(3)]);
         else
-            m_console.Fill(column, row, Below(m_size.X + 3), ATTRIBUTES[Below(3)],
+            m_console.Fill(column, row, Below(m_size.X + 3), kAttributes[Below(3)],
                            Below(4) == 0 ? '#' : ' ');
     }
 
@@ -60,7 +60,7 @@ class CRandomOutput {
     const bool m_bWide;
 };
 
-constexpr COORD SIZES[] = {{20, 6}, {7, 3}, {3, 2}, {33, 1}, {80, 25}};
+constexpr COORD kSizes[] = {{20, 6}, {7, 3}, {3, 2}, {33, 1}, {80, 25}};
 
 std::vector<std::string> Everything(const CShownConsole& console, int rows) {
     std::vector<std::string> text = console.screen.GetScrollback();
@@ -72,11 +72,11 @@ std::vector<std::string> Everything(const CShownConsole& console, int rows) {
 } // namespace
 
 TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
-    constexpr int STEPS = 30'000;
-    for (const COORD size : SIZES) {
+    constexpr int kSteps = 30'000;
+    for (const COORD size : kSizes) {
         CShownConsole console(size.X, size.Y);
         CRandomOutput random(console, size, static_cast<unsigned>(size.X), true);
-        for (int step = 0; step < STEPS; ++step) {
+        for (int step = 0; step < kSteps; ++step) {
             random.Step();
             if (random.Below(4) != 0)
                 continue;
@@ -95,13 +95,13 @@ TEST(ConsoleModel, TheCursorIsWhereTheTerminalHasIt) {
 
 // When output leaves must not change what is seen.
 TEST(ConsoleModel, ItIsTheSameInOnePieceAndInMany) {
-    constexpr int STEPS = 2'000;
-    for (const COORD size : SIZES) {
+    constexpr int kSteps = 2'000;
+    for (const COORD size : kSizes) {
         CShownConsole whole(size.X, size.Y);
         CShownConsole pieces(size.X, size.Y);
         CRandomOutput first(whole, size, 11, false);
         CRandomOutput second(pieces, size, 11, false);
-        for (int step = 0; step < STEPS; ++step) {
+        for (int step = 0; step < kSteps; ++step) {
             first.Step();
             second.Step();
             pieces.Show();

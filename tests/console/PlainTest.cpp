@@ -9,7 +9,7 @@ using namespace platform;
 
 namespace {
 
-constexpr int STUCK_MILLISECONDS = 45'000;
+constexpr int kStuckMilliseconds = 45'000;
 
 std::string ReadAll(int descriptor) {
     std::string text;
@@ -99,7 +99,7 @@ TEST(ConsoleSlow, WaitsForTheTerminalOnceTheBufferIsFull) {
     std::string got;
     std::thread reader([&] {
         pollfd arrival = {console.line.GetMaster(), POLLIN, 0};
-        while (got.size() < text.size() && poll(&arrival, 1, STUCK_MILLISECONDS) > 0)
+        while (got.size() < text.size() && poll(&arrival, 1, kStuckMilliseconds) > 0)
             got += console.line.Read(1000);
     });
     EXPECT_TRUE(console.Write(text));

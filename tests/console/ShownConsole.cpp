@@ -5,9 +5,9 @@
 namespace {
 
 // Between what the tests show: never sent by the console.
-constexpr char MARK = 0;
+constexpr char kMark = 0;
 
-constexpr int STUCK_MILLISECONDS = 45'000;
+constexpr int kStuckMilliseconds = 45'000;
 
 } // namespace
 
@@ -56,16 +56,16 @@ void CShownConsole::Show() {
 }
 
 void CShownConsole::Catch() {
-    ASSERT_EQ(write(line.GetSlave(), &MARK, 1), 1);
+    ASSERT_EQ(write(line.GetSlave(), &kMark, 1), 1);
     while (!DrawSome())
         continue;
 }
 
 bool CShownConsole::DrawSome() {
     pollfd arrival = {line.GetMaster(), POLLIN, 0};
-    EXPECT_EQ(poll(&arrival, 1, STUCK_MILLISECONDS), 1);
+    EXPECT_EQ(poll(&arrival, 1, kStuckMilliseconds), 1);
     const std::string text = line.Read(4096);
-    const std::size_t mark = text.find(MARK);
+    const std::size_t mark = text.find(kMark);
     screen.Feed(std::string_view(text).substr(0, mark));
     return mark != std::string::npos || text.empty();
 }

@@ -5,7 +5,7 @@ using namespace platform;
 
 namespace {
 
-constexpr const char* FFFD = "\xEF\xBF\xBD";
+constexpr const char* kFffd = "\xEF\xBF\xBD";
 
 std::string Shown(std::string_view text, std::size_t step = std::string::npos) {
     CShownConsole console(60, 4);
@@ -20,7 +20,7 @@ std::string Shown(std::string_view text, std::size_t step = std::string::npos) {
 } // namespace
 
 TEST(ConsoleText, Utf8IsShownWholeAndByteByByte) {
-    const std::string r = FFFD;
+    const std::string r = kFffd;
     const struct {
         std::string_view written;
         std::string shown;

@@ -88,7 +88,7 @@ TEST(FinalResult, NulEndsWhatAReadContributes) {
 }
 
 TEST(FinalResult, KeepsABoundedPartOfAnEndlessAnswer) {
-    const std::string most(CFinalResult::MAX_RESPONSE, 'x');
+    const std::string most(CFinalResult::kMaxResponse, 'x');
     const Answer endings[] = {
         {"\r\nOK\r\n", Verdict::Ok, most},
         {"\r\nERROR\r\n", Verdict::Error, ""},

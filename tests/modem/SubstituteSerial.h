@@ -124,10 +124,12 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
     BOOL m_bVanished = FALSE;
 };
 
-// A modem on a substitute port.
-class CTestModem : public CVModem {
+// A modem on a substitute port, of whichever kind.
+template <class Modem> class CTestOn : public Modem {
   public:
-    explicit CTestModem(ISerial* serial) { m_pSerial.Reset(serial); }
-    using CVModem::m_dwLastResponse;
-    using CVModem::WaitWithoutReading;
+    explicit CTestOn(ISerial* serial) { Modem::TakeSerial(serial); }
+    using Modem::m_dwLastResponse;
+    using Modem::WaitWithoutReading;
 };
+
+using CTestModem = CTestOn<CVModem>;

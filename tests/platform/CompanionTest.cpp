@@ -1,5 +1,6 @@
 #include "platform/Clock.h"
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
+#include "platform/objects/WaitCompanion.h"
 #include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,8 @@
 // Handles, events and waits.
 #include "platform/Clock.h"
 #include "platform/Error.h"
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/DescriptorWait.h"
+#include "platform/objects/HandleTable.h"
 #include "tests/platform/TestHandle.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "platform/system/SystemLog.h"
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,8 @@
 #include "platform/Clock.h"
 #include "platform/Error.h"
 #include "platform/Message.h"
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/DescriptorWait.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/ThreadObject.h"
 #include "tests/platform/TestHandle.h"
 

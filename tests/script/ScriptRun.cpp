@@ -119,7 +119,7 @@ BOOL CScriptRun::Read(LPVOID buffer, DWORD, DWORD& count) {
     return TRUE;
 }
 
-BOOL CScriptRun::WaitForBytes(const CDeadline&) {
+BOOL CScriptRun::WaitForBytes(const platform::CDeadline&) {
     return FALSE;
 }
 

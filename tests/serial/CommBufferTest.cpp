@@ -39,7 +39,7 @@ TEST(CommBuffer, EventsFollowTheBytes) {
         {READ, 10, 0, 4096, 0, true},
         {WRITE, 10, 10, 4096, 10, true},
         {LOOK, 20, 10, 4096, 10, true},
-        {CLEAR, CVCommBuffer::ALL_BYTES, 10, 4096, 0, true},
+        {CLEAR, CVCommBuffer::kAllBytes, 10, 4096, 0, true},
         {WRITE, 5000, 4096, 4096, 4096, false},
         {WRITE, 1, 0, 4096, 4096, false},
         {RESIZE, 8192, 8192, 8192, 4096, false},

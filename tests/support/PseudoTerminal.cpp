@@ -1,11 +1,17 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
 #include <sys/ioctl.h>
 
+namespace {
+
+constexpr int kPatience = 60'000; // milliseconds for what must come
+
+// The master of a new pseudo-terminal, and the path of its slave.
 CDescriptor OpenMaster(std::string& slavePath) {
     CDescriptor master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
     EXPECT_EQ(grantpt(master.Get()), 0);
@@ -16,25 +22,7 @@ CDescriptor OpenMaster(std::string& slavePath) {
     return master;
 }
 
-CDescriptor OpenFarEnd(const std::string& path) {
-    CDescriptor end(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    EXPECT_TRUE(end) << path;
-    termios settings{};
-    if (tcgetattr(end.Get(), &settings) == 0) {
-        cfmakeraw(&settings);
-        tcsetattr(end.Get(), TCSANOW, &settings);
-    }
-    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
-    // now. And what another program sent may still be on its way.
-    constexpr int kSilence = 200; // milliseconds
-    const int discipline = N_TTY;
-    ioctl(end.Get(), TIOCSETD, &discipline);
-    pollfd polled = {end.Get(), POLLIN, 0};
-    char bytes[4096];
-    while (poll(&polled, 1, kSilence) > 0 && read(end.Get(), bytes, sizeof bytes) > 0)
-        continue;
-    return end;
-}
+} // namespace
 
 CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
     fcntl(m_master.Get(), F_SETFL, O_RDWR | O_NONBLOCK);
@@ -43,7 +31,22 @@ CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
 }
 
 CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
-    : m_path(path), m_master(OpenFarEnd(farEnd)) {}
+    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_TRUE(m_master) << farEnd;
+    termios settings{};
+    if (tcgetattr(m_master.Get(), &settings) == 0) {
+        cfmakeraw(&settings);
+        tcsetattr(m_master.Get(), TCSANOW, &settings);
+    }
+    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
+    // now. And what another program sent may still be on its way.
+    constexpr int kSilence = 200; // milliseconds
+    const int discipline = N_TTY;
+    ioctl(m_master.Get(), TIOCSETD, &discipline);
+    pollfd polled = {m_master.Get(), POLLIN, 0};
+    while (poll(&polled, 1, kSilence) > 0 && !Read(4096).empty())
+        continue;
+}
 
 termios CPseudoTerminal::GetSettings() const {
     termios settings{};
@@ -79,6 +82,32 @@ void CPseudoTerminal::Write(CByteQueue& bytes) {
     const ssize_t count = write(m_master.Get(), front.data(), front.size());
     if (count > 0)
         bytes.Take(static_cast<std::size_t>(count));
+}
+
+bool CPseudoTerminal::AwaitMaster(short events) const {
+    pollfd polled = {m_master.Get(), events, 0};
+    return poll(&polled, 1, kPatience) == 1;
+}
+
+void CPseudoTerminal::Say(std::string_view text) const {
+    while (!text.empty() && AwaitMaster(POLLOUT)) {
+        const ssize_t count = write(m_master.Get(), text.data(), text.size());
+        if (count < 0 && errno != EAGAIN)
+            break;
+        text.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    EXPECT_TRUE(text.empty()) << text.size() << " bytes have not been taken";
+}
+
+std::string CPseudoTerminal::Hear(std::size_t least, std::size_t most) {
+    std::string heard;
+    while (heard.size() < least && AwaitMaster(POLLIN)) {
+        const std::string some = Read(most - heard.size());
+        if (some.empty())
+            break;
+        heard += some;
+    }
+    return heard;
 }
 
 bool operator==(const termios& left, const termios& right) {

@@ -38,7 +38,15 @@ class CPseudoTerminal {
     // Takes from the front of the queue what fits now.
     void Write(CByteQueue& bytes);
 
+    // As a device: writes all of it, and waits for so many bytes; fewer only on failure. Each by
+    // one thread at a time.
+    void Say(std::string_view text) const;
+    std::string Hear(std::size_t count) { return Hear(count, count); }
+    std::string Hear(std::size_t least, std::size_t most);
+
   private:
+    bool AwaitMaster(short events) const;
+
     std::string m_path;
     CDescriptor m_master;
     CDescriptor m_slave;

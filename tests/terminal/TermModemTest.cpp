@@ -11,10 +11,7 @@
 
 namespace {
 
-class CTestTermModem : public CTermModem {
-  public:
-    explicit CTestTermModem(ISerial* serial) { m_pSerial.Reset(serial); }
-};
+using CTestTermModem = CTestOn<CTermModem>;
 
 constexpr DWORD kMinute = 60000;
 

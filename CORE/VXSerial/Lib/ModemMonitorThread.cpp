@@ -1,12 +1,13 @@
-// The modem-monitor thread of CVSerial: posts the line status to a window once a second.
+#include "CORE/VXSerial/Lib/ModemMonitorThread.h"
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
 
 namespace {
 
-constexpr DWORD INTERVAL = 1000;
+constexpr DWORD kInterval = 1000;
 
 // Under the name by which the reports know it.
 BOOL PostMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
@@ -15,22 +16,26 @@ BOOL PostMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
 
 } // namespace
 
-BOOL CVSerial::StartModemMonitorThread() {
-    if (!IsOpen() || !IsWindow(m_hModemMonitorWnd) || m_hModemMonitorThread)
+HWND CModemMonitorThread::SetModemMonitorWnd(HWND hWnd) {
+    const HWND former = m_hModemMonitorWnd.exchange(hWnd);
+    if (IsWindow(hWnd))
+        DEBUG_VERIFY(StartModemMonitorThread());
+    else
+        DEBUG_VERIFY(StopModemMonitorThread());
+    return former;
+}
+
+BOOL CModemMonitorThread::StartModemMonitorThread() {
+    if (!m_Serial.IsOpen() || !IsWindow(m_hModemMonitorWnd) || m_hModemMonitorThread)
         return TRUE;
     DEBUG_ASSERT(!m_hModemMonitorThreadEndEvent);
     m_hModemMonitorThreadEndEvent.Reset(CreateEventA(nullptr, FALSE, FALSE, nullptr));
-    if (!m_hModemMonitorThreadEndEvent) {
-        DebugReport("CVSerial::StartModemMonitorThread() - CreateEvent() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
-    m_hModemMonitorThread.Reset(CreateOwnThread(ModemMonitorThreadProc, CREATE_SUSPENDED));
+    if (!m_hModemMonitorThreadEndEvent)
+        return ReportLastError("CVSerial::StartModemMonitorThread() - CreateEvent()");
+    m_hModemMonitorThread.Reset(
+        m_Serial.CreateOwnThread(ModemMonitorThreadProc, this, CREATE_SUSPENDED));
     if (!m_hModemMonitorThread) {
-        DebugReport("CVSerial::StartModemMonitorThread() - CreateThread() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartModemMonitorThread() - CreateThread()");
         DEBUG_VERIFY(CloseHandle(m_hModemMonitorThreadEndEvent));
         return FALSE;
     }
@@ -39,12 +44,12 @@ BOOL CVSerial::StartModemMonitorThread() {
     return TRUE;
 }
 
-BOOL CVSerial::StopModemMonitorThread() {
+BOOL CModemMonitorThread::StopModemMonitorThread() {
     if (!m_hModemMonitorThread)
         return TRUE;
     DEBUG_ASSERT(m_hModemMonitorThreadEndEvent);
     DEBUG_VERIFY(SetEvent(m_hModemMonitorThreadEndEvent));
-    if (WaitForSingleObject(m_hModemMonitorThread, THREAD_END_TIMEOUT) != WAIT_OBJECT_0) {
+    if (WaitForSingleObject(m_hModemMonitorThread, CVSerial::kThreadEndTimeout) != WAIT_OBJECT_0) {
         DebugReport("CVSerial::StopModemMonitorThread() - Forcibly terminating the modem monitor "
                     "thread");
         DEBUG_VERIFY(TerminateThread(m_hModemMonitorThread, 0));
@@ -54,15 +59,22 @@ BOOL CVSerial::StopModemMonitorThread() {
     return TRUE;
 }
 
-DWORD CVSerial::ModemMonitorThreadProc(LPVOID pObject) {
+DWORD CModemMonitorThread::ModemMonitorThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return pObject ? static_cast<CVSerial*>(pObject)->RunOwnThread(&CVSerial::RunModemMonitorThread)
-                   : 0;
+    if (!pObject)
+        return 0;
+    auto* const object = static_cast<CModemMonitorThread*>(pObject);
+    object->Run();
+    object->m_Serial.LetGo();
+    return 0;
 }
 
-DWORD CVSerial::RunModemMonitorThread() {
+void CModemMonitorThread::Run() {
     const HANDLE end = m_hModemMonitorThreadEndEvent;
-    while (WaitForSingleObject(end, INTERVAL) == WAIT_TIMEOUT)
+    while (WaitForSingleObject(end, kInterval) == WAIT_TIMEOUT)
         DEBUG_VERIFY(PostMessage(m_hModemMonitorWnd, WM_VXMODEMMONITOR, 0, GetLineStatus()));
-    return 0;
+}
+
+DWORD CModemMonitorThread::GetLineStatus() {
+    return m_Serial.GetLineStatus();
 }
