@@ -52,6 +52,12 @@ void CPseudoTerminal::ApplySettings(const termios& settings) {
     EXPECT_EQ(tcsetattr(m_slave.Get(), TCSANOW, &settings), 0);
 }
 
+int CPseudoTerminal::CountUnread() const {
+    int unread = 0;
+    EXPECT_TRUE(!m_slave || ioctl(m_slave.Get(), FIONREAD, &unread) == 0);
+    return unread;
+}
+
 void CPseudoTerminal::SetSize(int rows, int columns) {
     const winsize size = {static_cast<unsigned short>(rows), static_cast<unsigned short>(columns),
                           0, 0};
