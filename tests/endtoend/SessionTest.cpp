@@ -16,15 +16,9 @@ std::string Quote(std::string_view bytes) {
     return ::testing::PrintToString(std::string(bytes.substr(0, 300)));
 }
 
-// A pseudo-terminal, or the real device that the environment names, with the far end of its cable.
-CDevice MakeDevice() {
-    const char* const path = std::getenv("WIRELET_DEVICE");
-    return path ? CDevice(path, std::getenv("WIRELET_FAR_END")) : CDevice();
-}
-
 } // namespace
 
-CSessionTest::CSessionTest() : m_device(MakeDevice()) {
+CSessionTest::CSessionTest() {
     m_pump.Add(m_terminal);
     m_pump.Add(m_device);
     SetVariable("TERM", "xterm-256color");

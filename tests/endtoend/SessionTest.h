@@ -84,7 +84,7 @@ class CSessionTest : public ::testing::Test {
     CTempFolder m_folder;
     const std::string m_capture = m_folder.GetPath("capture");
     CTerminal m_terminal;
-    CDevice m_device;
+    CDevice m_device = MakeDevice();
     Words m_environment;
     std::unique_ptr<CProcess> m_program;
     std::function<void()> m_work; // done in place of the program, if there is something
