@@ -59,6 +59,7 @@ void CSessionTest::StartWith(const Words& arguments, int input, int output, int 
     options.output = output >= 0 ? output : terminal;
     options.error = error >= 0 ? error : terminal;
     options.terminal = m_terminal.GetLine().GetPath();
+    options.work = m_work;
     if (m_program) {
         m_pump.Remove(*m_program);
         // A terminal controls one session at a time.

@@ -87,6 +87,7 @@ class CSessionTest : public ::testing::Test {
     CDevice m_device = MakeDevice();
     Words m_environment;
     std::unique_ptr<CProcess> m_program;
+    std::function<void()> m_work; // done in place of the program, if there is something
     termios m_deviceBefore{}; // its settings when the program was started
 
   private:
