@@ -61,12 +61,12 @@ extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
         fuzz::Require((end == 0) == report.HasError());
     }
     if (end != 0) {
-        reader.Prepare(area.Bytes(), CScriptArea::START, end);
+        reader.Prepare(area.Bytes(), CScriptArea::kStart, end);
         Walk(reader, names);
     }
     const CScriptCheck check({reinterpret_cast<const char*>(data), size});
     // A small one that does not load has findings.
-    fuzz::Require(end != 0 || size > CScriptArea::CAPACITY / 8 || !check.Findings().empty());
+    fuzz::Require(end != 0 || size > CScriptArea::kCapacity / 8 || !check.Findings().empty());
     fuzz::EndRun();
     return 0;
 }
