@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr std::size_t REPORT_SIZE = 512;
+constexpr std::size_t kReportSize = 512;
 
 } // namespace
 
 void DebugReport(LPCSTR szFormat, ...) {
-    char report[REPORT_SIZE];
+    char report[kReportSize];
     va_list arguments;
     va_start(arguments, szFormat);
     const int length = wvsprintfA(report, sizeof(report) - 1, szFormat, arguments);

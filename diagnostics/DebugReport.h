@@ -17,6 +17,10 @@ void DebugReport(LPCSTR szFormat, ...) __attribute__((format(printf, 1, 2)));
 // operations are spread over several files declares a constant of this name for them all.
 inline constexpr const char* kReportFile = nullptr;
 
+// What the checks add to their line numbers. Classes that report under one file's name declare a
+// constant of this name each, by which their checks are told apart.
+inline constexpr int kReportLines = 0;
+
 namespace diagnostics {
 
 // The name of a source file without folder and extension.
@@ -49,6 +53,6 @@ void ReportFailedVerify(int line, const char* file, const char* expression);
     do {                                                                                           \
         if (!(expression)) {                                                                       \
             static constexpr diagnostics::CFileName debugFileName(__FILE__);                       \
-            report(__LINE__, kReportFile ? kReportFile : debugFileName.name, text);                \
+            report(kReportLines + __LINE__, kReportFile ? kReportFile : debugFileName.name, text); \
         }                                                                                          \
     } while (false)

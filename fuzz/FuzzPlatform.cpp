@@ -6,6 +6,7 @@
 #include "platform/File.h"
 #include "platform/Message.h"
 #include "platform/Wait.h"
+#include "platform/objects/Deadline.h"
 
 #include <algorithm>
 #include <array>
@@ -73,8 +74,8 @@ void Require(bool condition) {
 using namespace fuzz;
 
 // A look at the clock takes a millisecond, so that whoever only looks comes to an end.
-DWORD GetTickCount() {
-    return s_ticks++;
+std::int64_t platform::MonotonicNanoseconds() {
+    return s_ticks++ * kNanosecondsPerMillisecond;
 }
 
 void Sleep(DWORD dwMilliseconds) {

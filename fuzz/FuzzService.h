@@ -1,21 +1,30 @@
-// The telephony library of the fuzzers: a service whose every answer is taken from the input.
+// CFuzzService: the telephony service of the fuzzers, whose every answer is taken from the input.
 //
-// Stands in for the library's loading and what else the telephony wrapper asks of the platform and
-// the trace. Without BeginService there is no library. One run at a time, on one thread; answers
-// run out with the input, and are then successes that tell nothing.
+// Answers run out with the input, and are then successes that tell nothing. One run at a time, on
+// one thread.
 #pragma once
 
-#include "platform/Types.h"
-
-#include <span>
+#include "tests/telephony/ScriptedService.h"
 
 namespace fuzz {
 
-// A run begins whose service answers from these bytes, which outlive it.
-void BeginService(std::span<const BYTE> bytes);
+class CFuzzService final : public CScriptedService {
+  public:
+    // The bytes outlive the service.
+    explicit CFuzzService(std::span<const BYTE> bytes);
 
-// The run is over, and no telephony object is alive: nothing may be up, open or loaded.
-void EndService();
+    bool CanLoad(LPCSTR function) override;
+    LONG Answer(ServiceCall& call) override;
+    bool HasMessage() override { return m_bHasMessage = !m_bHasMessage; }
+    void Deliver() override;
+    void Trace(DWORD, const std::string&) override {}
+
+  private:
+    LONG TakeResult();
+
+    DWORD m_dwRequest = 0; // the newest one
+    bool m_bHasMessage = false;
+};
 
 // The next byte of the input, 0 behind its end; and whether there is one.
 BYTE TakeByte();

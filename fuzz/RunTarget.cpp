@@ -1,5 +1,6 @@
 // Fuzzes a whole run of a script on a device that answers from the same input.
 #include "fuzz/FuzzPlatform.h"
+#include "platform/Message.h"
 #include "tests/script/ScriptRun.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ constexpr DWORD kStatements = 2000;
 // for long ones again and again tries nothing new.
 constexpr std::size_t kPlain = 190;
 constexpr std::size_t kStep = 1024;
-constexpr std::size_t kMostRepeated = CFinalResult::MAX_RESPONSE + 256 * kStep;
+constexpr std::size_t kMostRepeated = CFinalResult::kMaxResponse + 256 * kStep;
 
 // What the device has to say. Of each piece the first byte tells the kind, the second one how long
 // the text is.
@@ -28,7 +29,7 @@ std::deque<std::string> InputsOf(std::span<const BYTE> bytes) {
         std::size_t length = std::min(mark, bytes.size());
         const std::string_view rest(reinterpret_cast<LPCSTR>(bytes.data()), bytes.size());
         if (mark > kPlain && !bytes.empty()) {
-            length = mark == 0xFF ? CFinalResult::MAX_RESPONSE : (mark - kPlain) * kStep;
+            length = mark == 0xFF ? CFinalResult::kMaxResponse : (mark - kPlain) * kStep;
             repeated += length = std::min(length, kMostRepeated - repeated);
             while (input.size() < length)
                 input.append(rest.substr(0, length - input.size()));
@@ -41,6 +42,11 @@ std::deque<std::string> InputsOf(std::span<const BYTE> bytes) {
 }
 
 } // namespace
+
+// Nobody sends a script messages.
+BOOL PeekMessageA(MSG*, HWND, UINT, UINT, UINT) {
+    return FALSE;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     const std::span<const BYTE> input(data, size);

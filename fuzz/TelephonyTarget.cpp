@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr int OPERATIONS = 24; // enough to open, call, find and close a few times
-constexpr int MOST_NESTED = 3; // operations of a callback inside another's wait
+constexpr int kOperations = 24; // enough to open, call, find and close a few times
+constexpr int kMostNested = 3;  // operations of a callback inside another's wait
 
 std::array<CInterfacePtr<ITapi>, 2> s_objects;
 int s_nested = 0;
@@ -27,17 +27,19 @@ CInterfacePtr<ITapi>& Current() {
     return object;
 }
 
-// A record belongs to the caller and is as large as it says, down to the last byte; there is none
-// after a failure.
-template <class Record, class Read> void Check(LONG lStatus, Record* record, Read read) {
-    const CTaskMemory<Record> owner(record);
-    fuzz::Require((lStatus >= 0) == (record != nullptr));
+// What is handed out belongs to the caller and is as large as it says, down to the last byte; there
+// is nothing after a failure.
+template <class Record, class Ask> CTaskMemory<Record> Check(Ask ask) {
+    Record* record = nullptr;
+    const LONG status = ask(&record);
+    CTaskMemory<Record> owner(record);
+    fuzz::Require((status >= 0) == (record != nullptr));
     if (!record)
-        return;
+        return owner;
     fuzz::Require(record->dwTotalSize >= sizeof(Record));
     const auto* const bytes = reinterpret_cast<const BYTE*>(record);
     fuzz::Require(std::count(bytes, bytes + record->dwTotalSize, BYTE{1}) >= 0);
-    read(*record);
+    return owner;
 }
 
 void CheckText(const std::optional<std::string_view>& text) {
@@ -62,36 +64,27 @@ void Find(ITapi& tapi) {
 }
 
 void LineRecords(ITapi& tapi) {
-    LINEDEVCAPS* caps = nullptr;
-    LONG status = tapi.LineGetDevCaps(fuzz::TakeByte(), &caps);
-    Check(status, caps, [](const LINEDEVCAPS& record) {
-        CheckText(LineNameOf(record));
-        CheckText(DeviceTextOf(record));
-    });
-    VARSTRING* identifier = nullptr;
-    status = tapi.LineGetID(&identifier, "comm/datamodem");
-    Check(status, identifier, [](const VARSTRING& record) {
-        const auto bytes = BytesOf(record);
-        fuzz::Require(std::ranges::count(bytes, BYTE{1}) >= 0);
-    });
-    LINECALLINFO* info = nullptr;
-    status = tapi.LineGetCallInfo(&info);
-    Check(status, info, [](const LINECALLINFO&) {});
+    const auto caps = Check<LINEDEVCAPS>(
+        [&](LINEDEVCAPS** record) { return tapi.LineGetDevCaps(fuzz::TakeByte(), record); });
+    CheckText(caps ? LineNameOf(*caps) : std::nullopt);
+    CheckText(caps ? DeviceTextOf(*caps) : std::nullopt);
+    const auto identifier = Check<VARSTRING>(
+        [&](VARSTRING** record) { return tapi.LineGetID(record, "comm/datamodem"); });
+    fuzz::Require(!identifier || std::ranges::count(BytesOf(*identifier), BYTE{1}) >= 0);
+    Check<LINECALLINFO>([&](LINECALLINFO** record) { return tapi.LineGetCallInfo(record); });
 }
 
 void PhoneRecords(ITapi& tapi) {
-    PHONECAPS* caps = nullptr;
-    LONG status = tapi.PhoneGetDevCaps(fuzz::TakeByte(), &caps);
-    Check(status, caps, [](const PHONECAPS& record) { CheckText(PhoneNameOf(record)); });
-    PHONESTATUS* phone = nullptr;
-    status = tapi.PhoneGetStatus(&phone);
-    Check(status, phone, [](const PHONESTATUS&) {});
+    const auto caps = Check<PHONECAPS>(
+        [&](PHONECAPS** record) { return tapi.PhoneGetDevCaps(fuzz::TakeByte(), record); });
+    CheckText(caps ? PhoneNameOf(*caps) : std::nullopt);
+    Check<PHONESTATUS>([&](PHONESTATUS** record) { return tapi.PhoneGetStatus(record); });
 }
 
 void Edit(ITapi& tapi) {
-    VARSTRING* edited = nullptr;
-    const LONG status = tapi.LineConfigDialogEdit(0, nullptr, "comm", nullptr, 0, &edited);
-    Check(status, edited, [](const VARSTRING&) {});
+    Check<VARSTRING>([&](VARSTRING** record) {
+        return tapi.LineConfigDialogEdit(0, nullptr, "comm", nullptr, 0, record);
+    });
 }
 
 void FindKey(ITapi& tapi) {
@@ -102,7 +95,7 @@ void FindKey(ITapi& tapi) {
 void Listen(ITapi& tapi);
 
 using fuzz::TakeByte;
-constexpr void (*KINDS[])(ITapi&) = {
+constexpr void (*kKinds[])(ITapi&) = {
     Iterate,
     Find,
     LineRecords,
@@ -126,11 +119,11 @@ constexpr void (*KINDS[])(ITapi&) = {
 
 void Operate() {
     const CInterfacePtr<ITapi> object = Current();
-    KINDS[TakeByte() % std::size(KINDS)](*object.Get());
+    kKinds[TakeByte() % std::size(kKinds)](*object.Get());
 }
 
 void OnMessage(DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
-    if (s_nested >= MOST_NESTED || !fuzz::HasBytes())
+    if (s_nested >= kMostNested || !fuzz::HasBytes())
         return;
     ++s_nested;
     Operate();
@@ -146,12 +139,13 @@ void Listen(ITapi& tapi) {
 
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     fuzz::BeginRun({data, size});
-    fuzz::BeginService({data, size});
-    for (int count = 0; count < OPERATIONS && fuzz::HasBytes(); ++count)
-        Operate();
-    for (CInterfacePtr<ITapi>& object : s_objects)
-        object.Reset();
-    fuzz::EndService();
+    {
+        const fuzz::CFuzzService service({data, size});
+        for (int count = 0; count < kOperations && fuzz::HasBytes(); ++count)
+            Operate();
+        for (CInterfacePtr<ITapi>& object : s_objects)
+            object.Reset();
+    }
     fuzz::EndRun();
     return 0;
 }

@@ -1,11 +1,13 @@
+// An answer is read as it comes; between two reads the port is waited for, and polled where it
+// cannot be. All that a device could delay for ever has a deadline or ends with the device.
 #include "modem/Modem.h"
 
 #include "diagnostics/ModuleTrace.h"
 #include "modem/DataTrace.h"
 #include "platform/Clock.h"
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
 
 #include <cstring>
 #include <string_view>
@@ -26,13 +28,20 @@ constexpr DWORD kUnlimitedRoom = 0xFFFFFFFF;
 } // namespace
 
 CVModem::CVModem() {
-    CreateSerial(m_pSerial.Receive(), nullptr);
+    ISerial* serial = nullptr;
+    CreateSerial(&serial, nullptr);
+    TakeSerial(serial);
 }
 
 CVModem::~CVModem() {
     Close();
     // Before the telephony object, which may have given it its port.
-    m_pSerial.Reset();
+    TakeSerial(nullptr);
+}
+
+void CVModem::TakeSerial(ISerial* serial) {
+    m_pSerial.Reset(serial);
+    m_pSerialWait = m_pSerial.Query<ISerialWait>(IID_ISerialWait);
 }
 
 BOOL CVModem::Open(const std::string& path) {
@@ -68,7 +77,7 @@ BOOL CVModem::SendCommand(LPCSTR command) {
 BOOL CVModem::GetResponse(DWORD& code, std::string& response, DWORD timeout) {
     code = RESULT_NO_RESPONSE;
     CFinalResult finalResult(response);
-    const CDeadline deadline(timeout);
+    const platform::CDeadline deadline(timeout);
     do {
         char buffer[kReadSize];
         DWORD count = 0;
@@ -100,18 +109,24 @@ void CVModem::Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::st
 BOOL CVModem::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& response) {
     response.clear();
     const DWORD delay = GetPacingDelay();
-    if (delay != 0) {
+    if (delay != 0)
         DebugTrace("CVModem::SendCommandGetResponse() elapsed time->%ld\n",
                    static_cast<long>(delay));
+    return Exchange(delay, command, m_nRetry,
+                    [&] { return GetResponse(code, response, m_dwTimeout); });
+}
+
+BOOL CVModem::Exchange(DWORD delay, LPCSTR command, int attempts,
+                       const std::function<BOOL()>& collect) {
+    if (delay != 0)
         Sleep(delay);
-    }
-    for (int attempt = 0; attempt < m_nRetry && !IsOver(); ++attempt) {
+    for (int attempt = 0; attempt < attempts && !IsOver(); ++attempt) {
         if (m_pSerial) {
             m_pSerial->Flush(_QUE_RX);
             m_pSerial->Flush(_QUE_TX);
         }
         SendCommand(command);
-        if (GetResponse(code, response, m_dwTimeout))
+        if (collect())
             return TRUE;
     }
     return FALSE;
@@ -170,33 +185,24 @@ void CVModem::SetTimeout(DWORD milliseconds) {
     m_dwTimeout = milliseconds;
 }
 
-CInterfacePtr<ISerialWait> CVModem::QueryWait() const {
-    return m_pSerial.Query<ISerialWait>(IID_ISerialWait);
-}
-
 HANDLE CVModem::GetReceiveHandle() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetReceiveHandle() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetReceiveHandle() : nullptr;
 }
 
 HANDLE CVModem::GetHangupHandle() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetHangupHandle() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetHangupHandle() : nullptr;
 }
 
 HANDLE CVModem::GetProgressEvent() {
-    const auto wait = QueryWait();
-    return wait ? wait->GetProgressEvent() : nullptr;
+    return m_pSerialWait ? m_pSerialWait->GetProgressEvent() : nullptr;
 }
 
 BOOL CVModem::IsDeviceGone() {
-    const auto wait = QueryWait();
-    return wait ? wait->IsDeviceGone() : FALSE;
+    return m_pSerialWait ? m_pSerialWait->IsDeviceGone() : FALSE;
 }
 
 BOOL CVModem::Drain(DWORD noProgress) {
-    const auto wait = QueryWait();
-    return wait ? wait->Drain(noProgress) : FALSE;
+    return m_pSerialWait ? m_pSerialWait->Drain(noProgress) : FALSE;
 }
 
 DWORD CVModem::GetWriteRoom() {
@@ -216,19 +222,19 @@ bool CVModem::IsOver() {
 }
 
 DWORD CVModem::GetPacingDelay() const {
-    return CDeadline(m_dwLastResponse, kQuietTime).Remaining();
+    const DWORD elapsed = GetTickCount() - m_dwLastResponse; // right across the counter's wrap
+    return elapsed < kQuietTime ? kQuietTime - elapsed : 0;
 }
 
-BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
+BOOL CVModem::WaitForBytes(const platform::CDeadline& deadline) {
     const DWORD remaining = deadline.Remaining();
     if (remaining == 0)
         return FALSE;
-    const auto wait = QueryWait();
-    if (m_pSerial && !wait) {
+    if (m_pSerial && !m_pSerialWait) {
         Sleep(1);
         return TRUE;
     }
-    const HANDLE receive = wait ? wait->GetReceiveHandle() : nullptr;
+    const HANDLE receive = GetReceiveHandle();
     if (!receive) {
         // No port, or a closed one: nothing can arrive, and the time-out takes its full time.
         Sleep(remaining);
@@ -236,10 +242,10 @@ BOOL CVModem::WaitForBytes(const CDeadline& deadline) {
     }
     if (WaitForSingleObject(receive, remaining) != WAIT_OBJECT_0)
         return FALSE;
-    return !wait->IsDeviceGone();
+    return !IsDeviceGone();
 }
 
-void CVModem::WaitWithoutReading(const CDeadline& deadline) {
+void CVModem::WaitWithoutReading(const platform::CDeadline& deadline) {
     const HANDLE hangup = GetHangupHandle();
     if (hangup)
         WaitForSingleObject(hangup, deadline.Remaining());

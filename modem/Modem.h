@@ -10,11 +10,12 @@
 #include "CORE/VXSerial/Lib/ISerial.h"
 #include "CORE/VXSerial/Lib/ISerialWait.h"
 #include "common/InterfacePtr.h"
-#include "modem/Deadline.h"
 #include "modem/FinalResult.h"
 #include "platform/Types.h"
+#include "platform/objects/Deadline.h"
 #include "telephony/ITapi.h"
 
+#include <functional>
 #include <string>
 
 // How an AT command was answered.
@@ -36,7 +37,7 @@ class CVModem {
     // Collects the device's answer up to its final result code. TRUE with RESULT_OK and the answer
     // without the code, or RESULT_ERROR and the extended error's text (empty for a plain ERROR).
     // FALSE with RESULT_NO_RESPONSE and what has come so far, at the time-out or at once when the
-    // device is gone. At least one read is made. Of the response CFinalResult::MAX_RESPONSE bytes
+    // device is gone. At least one read is made. Of the response CFinalResult::kMaxResponse bytes
     // are kept.
     virtual BOOL GetResponse(DWORD& code, std::string& response, DWORD timeout);
 
@@ -94,7 +95,7 @@ class CVModem {
     BOOL AttachHandle(HANDLE port, BOOL overlapped);
 
     // Where the device is that OpenDevice has failed to open; empty when the service does not tell.
-    const std::string& GetDevicePath() const { return m_devicePath; }
+    const std::string& GetDevicePath() const { return m_strDevicePath; }
 
     // Closes the device; does nothing when it is closed.
     void Close();
@@ -110,7 +111,7 @@ class CVModem {
 
     // Blocks until Read may give more bytes: TRUE. FALSE when the deadline is reached or the device
     // is gone. A channel that cannot be waited for is polled: TRUE after a millisecond.
-    virtual BOOL WaitForBytes(const CDeadline& deadline);
+    virtual BOOL WaitForBytes(const platform::CDeadline& deadline);
 
     // How often SendCommandGetResponse sends a command before it gives up; 0 or less: never.
     void SetRetry(int attempts) { m_nRetry = attempts; }
@@ -127,14 +128,22 @@ class CVModem {
     DWORD GetQueuedOutput();
 
   protected:
+    // Makes this the port; takes over a reference that the caller owns, or null for no port.
+    void TakeSerial(ISerial* serial);
+
     // Nothing is to be sent any more: the device is gone, or the end of the program was asked for.
     bool IsOver();
 
     // Blocks until the deadline, whatever arrives, or until the device is gone.
-    void WaitWithoutReading(const CDeadline& deadline);
+    void WaitWithoutReading(const platform::CDeadline& deadline);
 
     // Milliseconds until a device may be sent its next command; 0 when it may be sent now.
     DWORD GetPacingDelay() const;
+
+    // Sends a command after the delay and has its answer collected, up to so many times; both
+    // directions of the port are flushed before each. TRUE as soon as the collecting gives that;
+    // FALSE when it never does, and without another attempt once nothing is to be sent any more.
+    BOOL Exchange(DWORD delay, LPCSTR command, int attempts, const std::function<BOOL()>& collect);
 
     CInterfacePtr<ISerial> m_pSerial;
     CInterfacePtr<ITapi> m_pTapi;
@@ -145,7 +154,6 @@ class CVModem {
     DWORD m_dwTimeout = 1500;
 
   private:
-    CInterfacePtr<ISerialWait> QueryWait() const;
     BOOL StartTelephony(const std::string& name);
     BOOL FindDevice(const std::string& name, DWORD& device);
     LONG PlaceCall(const std::string& name, DWORD device);
@@ -154,5 +162,6 @@ class CVModem {
     void HangUpCall();
     void Conclude(CFinalResult::Verdict verdict, DWORD& code, const std::string& response);
 
-    std::string m_devicePath;
+    CInterfacePtr<ISerialWait> m_pSerialWait; // of m_pSerial; empty when that can only be polled
+    std::string m_strDevicePath;
 };

@@ -1,3 +1,5 @@
+// A modem is opened step by step. A step that fails gives back what those before it took, writes
+// its trace line, and only then leaves the reason as the last error, which the trace may change.
 #include "modem/Modem.h"
 
 #include "diagnostics/ModuleTrace.h"
@@ -12,6 +14,8 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+
+using platform::FailWith;
 
 namespace {
 
@@ -36,11 +40,6 @@ constexpr ErrorRow kErrors[] = {
     {E_TAPI_NOMEMORY, ERROR_NOT_ENOUGH_MEMORY},
     {E_TAPI_TIMEOUT, ERROR_TIMEOUT},
 };
-
-BOOL FailWith(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
 
 BOOL FailWithStatus(LONG status) {
     for (const ErrorRow& row : kErrors)
@@ -69,13 +68,13 @@ bool IsPort(HANDLE handle) {
 } // namespace
 
 BOOL CVModem::OpenDevice(const std::string& name) {
-    m_devicePath.clear();
+    m_strDevicePath.clear();
     DWORD device = 0;
     if (!StartTelephony(name) || !FindDevice(name, device))
         return FALSE;
     const LONG status = PlaceCall(name, device);
     if (status != 0) {
-        m_devicePath = AskDevicePath(device);
+        m_strDevicePath = AskDevicePath(device);
         return FailWithStatus(status);
     }
     HANDLE port = nullptr;

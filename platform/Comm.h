@@ -13,13 +13,11 @@
 // Closing does not wait for output that the device does not take, and discards it; the drivers by
 // themselves would wait half a minute.
 //
-// Received bytes: ReadFile returns at once with what is there, 0 bytes included, when the read
-// time-outs are (0xFFFFFFFF, 0, 0); otherwise a read that finds nothing is pending until something
-// comes, or until the total time-out is over (TRUE, 0 bytes). No read waits for a second byte. The
-// port keeps a receive queue of its own of SetupComm's size, which ClearCommError and ReadFile fill
-// from the driver in large reads. What the driver offers beyond it stays in the driver. A byte with
-// a parity or framing error is received as it is; a break and an overrun add no byte. All are
-// counted, see ClearCommError.
+// Received bytes: ReadFile returns at once with what is there, 0 bytes included. The port keeps a
+// receive queue of its own of SetupComm's size, which ClearCommError and ReadFile fill from the
+// driver in large reads. What the driver offers beyond it stays in the driver. A byte with a parity
+// or framing error is received as it is; a break and an overrun add no byte. All are counted, see
+// ClearCommError.
 //
 // Sent bytes: an overlapped WriteFile hands the driver what it takes at once; the rest is pending
 // (FALSE, ERROR_IO_PENDING) and GetOverlappedResult carries it out, from the same buffer, which
@@ -179,6 +177,8 @@ BOOL GetCommState(HANDLE hFile, DCB* lpDCB);
 // bits only, two with 6 to 8. DTR and RTS move only when their control is another one than before.
 BOOL SetCommState(HANDLE hFile, DCB* lpDCB);
 
+// Takes the time-outs that every port has here: a read returns at once (0xFFFFFFFF, 0, 0), a write
+// takes the time it takes (0, 0). ERROR_INVALID_PARAMETER for others.
 BOOL SetCommTimeouts(HANDLE hFile, COMMTIMEOUTS* lpCommTimeouts);
 
 // Raises or drops DTR or RTS (SETDTR, CLRDTR, SETRTS, CLRRTS; others: ERROR_INVALID_PARAMETER).
@@ -195,8 +195,8 @@ BOOL GetCommModemStatus(HANDLE hFile, LPDWORD lpModemStat);
 // came since the queue was filled.
 BOOL ClearCommError(HANDLE hFile, LPDWORD lpErrors, COMSTAT* lpStat);
 
-// Discards received bytes (PURGE_RXCLEAR), bytes not yet sent (PURGE_TXCLEAR), and ends pending
-// transfers (PURGE_RXABORT, PURGE_TXABORT).
+// Discards received bytes (PURGE_RXCLEAR), bytes not yet sent (PURGE_TXCLEAR), and ends a pending
+// write (PURGE_TXABORT; no read is ever pending, so PURGE_RXABORT has nothing to end).
 BOOL PurgeComm(HANDLE hFile, DWORD dwFlags);
 
 namespace platform {

@@ -1,7 +1,7 @@
 // The debug-output stream, and the formatter of the diagnostics.
 //
-// The stream is the system log (platform/SystemLog.h) at the level debug. With no log daemon the
-// text goes nowhere, and one that takes nothing does not stop the program. Any thread may call
+// The stream is the system log (platform/system/SystemLog.h) at the level debug. With no log daemon
+// the text goes nowhere, and one that takes nothing does not stop the program. Any thread may call
 // these; the last error of the thread is left alone.
 #pragma once
 

@@ -39,7 +39,7 @@ BOOL ResetEvent(HANDLE hEvent);
 //   the console output: there is room for at least another turn's text.
 // WAIT_OBJECT_0, WAIT_TIMEOUT, or WAIT_FAILED (ERROR_INVALID_HANDLE; ERROR_OPERATION_ABORTED in a
 // thread that TerminateThread has ended, or that heeds the end of the program, see
-// platform/EndRequest.h).
+// platform/objects/EndRequest.h).
 //
 // On the thread that has taken the console over, a wait also serves the console: output that was
 // gathered is let out before the wait blocks, and console control handlers are called.

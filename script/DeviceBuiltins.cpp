@@ -64,7 +64,7 @@ bool SendFileLines(CVScript& script, const std::string& path) {
 // Takes one byte at a time: what comes behind the text is for whoever reads next.
 bool WaitForText(CVScript& script, const std::string& text, DWORD milliseconds) {
     CVModem& host = script.Host();
-    const CDeadline deadline(milliseconds);
+    const platform::CDeadline deadline(milliseconds);
     CTextWatch watch(text);
     DWORD received = 0;
     while (deadline.Remaining() != 0 && !script.HasError()) {

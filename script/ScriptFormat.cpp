@@ -1,5 +1,6 @@
 #include "script/ScriptFormat.h"
 
+#include "common/Ascii.h"
 #include "script/ScriptArea.h"
 #include "script/ScriptError.h"
 
@@ -15,10 +16,6 @@ struct Conversion {
     std::size_t width = 0;
     char kind = 0; // 0: the format ended before it
 };
-
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 class CFormatRun {
   public:

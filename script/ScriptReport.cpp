@@ -1,6 +1,6 @@
 #include "script/ScriptReport.h"
 
-#include "platform/Notification.h"
+#include "console/MessageBox.h"
 
 #include <string>
 

@@ -2,8 +2,8 @@
 
 #include "modem/Modem.h"
 #include "platform/Clock.h"
-#include "platform/EndRequest.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
 
 namespace {
 

@@ -4,16 +4,13 @@
 // Constant tables, shared by the tokenizer and the check; any thread may look.
 #pragma once
 
+#include "common/Ascii.h"
 #include "platform/Types.h"
 #include "script/NestStack.h"
 #include "script/TokenCodes.h"
 
 #include <array>
 #include <string_view>
-
-constexpr bool IsDigit(BYTE character) {
-    return character >= '0' && character <= '9';
-}
 
 constexpr bool IsLetter(BYTE character) {
     const BYTE lower = character | 0x20;

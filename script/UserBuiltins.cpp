@@ -1,5 +1,6 @@
 #include "script/UserBuiltins.h"
 
+#include "console/MessageBox.h"
 #include "modem/Modem.h"
 #include "platform/Clock.h"
 #include "platform/Error.h"
@@ -25,7 +26,7 @@ bool DispatchOneMessage() {
 
 // Blocks until there is a message. False when there is nothing more to wait for: the deadline is
 // reached, or the device is gone.
-bool WaitForMessage(const CDeadline& deadline, HANDLE hangup) {
+bool WaitForMessage(const platform::CDeadline& deadline, HANDLE hangup) {
     const DWORD handles = hangup != nullptr ? 1 : 0;
     const DWORD result =
         MsgWaitForMultipleObjects(handles, &hangup, FALSE, deadline.Remaining(), QS_ALLINPUT);
@@ -38,7 +39,7 @@ bool WaitForMessage(const CDeadline& deadline, HANDLE hangup) {
 }
 
 void WaitPumping(DWORD milliseconds, HANDLE hangup) {
-    const CDeadline deadline(milliseconds);
+    const platform::CDeadline deadline(milliseconds);
     do {
         if (!DispatchOneMessage() && !WaitForMessage(deadline, hangup))
             return;

@@ -1,3 +1,6 @@
+// The life of an object, and what its wrappers have in common. The count of objects decides who
+// takes the services down; it changes under the lock under which they come up, so that none is
+// taken down that a new object is just about to use.
 #include "telephony/Tapi.h"
 
 #include "diagnostics/ModuleTrace.h"
@@ -7,7 +10,7 @@
 
 namespace {
 
-constexpr DWORD REPLY_TIMEOUT = 2000; // milliseconds
+constexpr DWORD kReplyTimeout = 2000; // milliseconds
 
 CTapiInstances s_instances;
 
@@ -55,7 +58,7 @@ CVTapi* CVTapi::FindObject(DWORD_PTR dwInstance) {
     return static_cast<CVTapi*>(s_instances.Find(dwInstance));
 }
 
-LONG CVTapi::Provide(const STapiOperation& operation) {
+LONG CVTapi::Provide(const TapiOperation& operation) {
     LONG status = 0;
     switch (operation.need) {
     case ETapiNeed::Nothing:
@@ -76,9 +79,9 @@ LONG CVTapi::Provide(const STapiOperation& operation) {
     return status != 0 ? ReportInitializeFailed(operation, status) : 0;
 }
 
-LONG CVTapi::Await(const STapiOperation& operation, LONG lRequestID) {
+LONG CVTapi::Await(const TapiOperation& operation, LONG lRequestID) {
     const auto dwRequestID = static_cast<DWORD>(lRequestID);
     return CheckWait(operation, operation.need == ETapiNeed::Phone
-                                    ? MPhoneWaitForReply(dwRequestID, REPLY_TIMEOUT)
-                                    : MLineWaitForReply(dwRequestID, REPLY_TIMEOUT));
+                                    ? MPhoneWaitForReply(dwRequestID, kReplyTimeout)
+                                    : MLineWaitForReply(dwRequestID, kReplyTimeout));
 }

@@ -17,7 +17,7 @@
 #include "telephony/TapiReply.h"
 #include "telephony/TapiResult.h"
 
-class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private STapiInstance {
+class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private TapiInstance {
   public:
     explicit CVTapi(IUnknown* pUnkOuter);
     ~CVTapi() override;
@@ -101,17 +101,17 @@ class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private STap
   private:
     // The wrappers, all alike: what the row needs, then request(), which asks the service. With a
     // wait the reply follows; Obtain hands out the record that fill(Record*) asks for.
-    template <class Request> LONG Ask(const STapiOperation& operation, Request request);
+    template <class Request> LONG Ask(const TapiOperation& operation, Request request);
     template <class Request>
-    LONG AskAndWait(const STapiOperation& operation, BOOL bWait, Request request);
+    LONG AskAndWait(const TapiOperation& operation, BOOL bWait, Request request);
     template <class Record, class Fill>
-    LONG Obtain(const STapiOperation& operation, const STapiResult& rule, Record** ppResult,
+    LONG Obtain(const TapiOperation& operation, const TapiRecordRule& rule, Record** ppResult,
                 Fill fill);
 
     // With the object's lock held. 0, or what is missing, reported.
-    LONG Provide(const STapiOperation& operation);
+    LONG Provide(const TapiOperation& operation);
     // The result of the wait for a request's reply; a failure is reported.
-    LONG Await(const STapiOperation& operation, LONG lRequestID);
+    LONG Await(const TapiOperation& operation, LONG lRequestID);
 
     // The line service
     LONG MLineInitialize();
@@ -123,7 +123,7 @@ class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private STap
     static void LineCallbackProc(DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance,
                                  DWORD_PTR dwParam1, DWORD_PTR dwParam2, DWORD_PTR dwParam3);
     void FollowCallState(HCALL hCall, DWORD dwCallState);
-    STapiReply LineReply();
+    TapiReply LineReply();
 
     // Lines; the object's lock is held.
     LONG MLineGetDevCaps(DWORD dwDeviceID, LINEDEVCAPS** ppCapabilities);
@@ -142,7 +142,7 @@ class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private STap
                         DWORD_PTR dwParam2, DWORD_PTR dwParam3);
     static void PhoneCallbackProc(DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance,
                                   DWORD_PTR dwParam1, DWORD_PTR dwParam2, DWORD_PTR dwParam3);
-    STapiReply PhoneReply();
+    TapiReply PhoneReply();
 
     // Phones; the object's lock is held.
     LONG MPhoneGetDevCaps(DWORD dwDeviceID, PHONECAPS** ppCapabilities);
@@ -151,7 +151,7 @@ class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private STap
 
     // The object of a message's instance value; null when there is none (any more).
     static CVTapi* FindObject(DWORD_PTR dwInstance);
-    DWORD_PTR Instance() { return reinterpret_cast<DWORD_PTR>(static_cast<STapiInstance*>(this)); }
+    DWORD_PTR Instance() { return reinterpret_cast<DWORD_PTR>(static_cast<TapiInstance*>(this)); }
 
     DWORD m_dwModemIndex = 0;
     HLINE m_hLine = 0;
@@ -174,12 +174,12 @@ class CVTapi final : public CVComponent, public CVDelegated<ITapi>, private STap
     CCriticalSection m_CritSec;
 };
 
-template <class Request> LONG CVTapi::Ask(const STapiOperation& operation, Request request) {
+template <class Request> LONG CVTapi::Ask(const TapiOperation& operation, Request request) {
     return AskAndWait(operation, FALSE, request);
 }
 
 template <class Request>
-LONG CVTapi::AskAndWait(const STapiOperation& operation, BOOL bWait, Request request) {
+LONG CVTapi::AskAndWait(const TapiOperation& operation, BOOL bWait, Request request) {
     const CLock lock(m_CritSec);
     const LONG missing = Provide(operation);
     if (missing != 0)
@@ -189,7 +189,7 @@ LONG CVTapi::AskAndWait(const STapiOperation& operation, BOOL bWait, Request req
 }
 
 template <class Record, class Fill>
-LONG CVTapi::Obtain(const STapiOperation& operation, const STapiResult& rule, Record** ppResult,
+LONG CVTapi::Obtain(const TapiOperation& operation, const TapiRecordRule& rule, Record** ppResult,
                     Fill fill) {
     const CLock lock(m_CritSec);
     *ppResult = nullptr;

@@ -4,48 +4,48 @@
 
 namespace {
 
-constexpr ETapiNeed CALL = ETapiNeed::Call;
+constexpr ETapiNeed kCall = ETapiNeed::Call;
 
-constexpr STapiOperation LINE_ANSWER = {"LineAnswer", "lineAnswer", CALL, "\n"};
-constexpr STapiOperation LINE_BLIND_TRANSFER = {"LineBlindTransfer", "lineBlindTransfer", CALL,
-                                                "\n"};
-constexpr STapiOperation LINE_DIAL = {"LineDial", "lineDial", CALL, "\n"};
-constexpr STapiOperation LINE_GATHER_DIGITS = {"LineGatherDigits", "lineGatherDigits", CALL, "\n"};
-constexpr STapiOperation LINE_GENERATE_DIGITS = {"LineGenerateDigits", "lineGenerateDigits", CALL,
-                                                 "\n"};
-constexpr STapiOperation LINE_GET_CALL_INFO = {"LineGetCallInfo", "lineGetCallInfo", CALL, "\n"};
-constexpr STapiOperation LINE_GET_CALL_STATUS = {"LineGetCallStatus", "lineGetCallStatus", CALL,
-                                                 "\n"};
-constexpr STapiOperation LINE_HANDOFF = {"LineHandoff", "lineHandoff", CALL, "\n"};
-constexpr STapiOperation LINE_HOLD = {"LineHold", "lineHold", CALL, "\n"};
-constexpr STapiOperation LINE_MONITOR_DIGITS = {"LineMonitorDigits", "lineMonitorDigits", CALL,
-                                                "\n"};
-constexpr STapiOperation LINE_MONITOR_MEDIA = {"LineMonitorMedia", "lineMonitorMedia", CALL, "\n"};
-constexpr STapiOperation LINE_SET_APP_SPECIFIC = {"LineSetAppSpecific", "lineSetAppSpecific", CALL};
-constexpr STapiOperation LINE_SET_CALL_PARAMS = {"LineSetCallParams", "lineSetCallParams", CALL};
-constexpr STapiOperation LINE_SET_CALL_PRIVILEGE = {"LineSetCallPrivilege", "lineSetCallPrivilege",
-                                                    CALL};
-constexpr STapiOperation LINE_SET_MEDIA_MODE = {"LineSetMediaMode", "lineSetMediaMode", CALL};
-constexpr STapiOperation LINE_UNHOLD = {"LineUnhold", "lineUnhold", CALL};
+constexpr TapiOperation kLineAnswer = {"LineAnswer", "lineAnswer", kCall, "\n"};
+constexpr TapiOperation kLineBlindTransfer = {"LineBlindTransfer", "lineBlindTransfer", kCall,
+                                              "\n"};
+constexpr TapiOperation kLineDial = {"LineDial", "lineDial", kCall, "\n"};
+constexpr TapiOperation kLineGatherDigits = {"LineGatherDigits", "lineGatherDigits", kCall, "\n"};
+constexpr TapiOperation kLineGenerateDigits = {"LineGenerateDigits", "lineGenerateDigits", kCall,
+                                               "\n"};
+constexpr TapiOperation kLineGetCallInfo = {"LineGetCallInfo", "lineGetCallInfo", kCall, "\n"};
+constexpr TapiOperation kLineGetCallStatus = {"LineGetCallStatus", "lineGetCallStatus", kCall,
+                                              "\n"};
+constexpr TapiOperation kLineHandoff = {"LineHandoff", "lineHandoff", kCall, "\n"};
+constexpr TapiOperation kLineHold = {"LineHold", "lineHold", kCall, "\n"};
+constexpr TapiOperation kLineMonitorDigits = {"LineMonitorDigits", "lineMonitorDigits", kCall,
+                                              "\n"};
+constexpr TapiOperation kLineMonitorMedia = {"LineMonitorMedia", "lineMonitorMedia", kCall, "\n"};
+constexpr TapiOperation kLineSetAppSpecific = {"LineSetAppSpecific", "lineSetAppSpecific", kCall};
+constexpr TapiOperation kLineSetCallParams = {"LineSetCallParams", "lineSetCallParams", kCall};
+constexpr TapiOperation kLineSetCallPrivilege = {"LineSetCallPrivilege", "lineSetCallPrivilege",
+                                                 kCall};
+constexpr TapiOperation kLineSetMediaMode = {"LineSetMediaMode", "lineSetMediaMode", kCall};
+constexpr TapiOperation kLineUnhold = {"LineUnhold", "lineUnhold", kCall};
 
-constexpr STapiResult CALL_INFO = {sizeof(LINECALLINFO) + 1000};
-constexpr STapiResult CALL_STATUS = {sizeof(LINECALLSTATUS) + 1000};
+constexpr TapiRecordRule kCallInfo = {sizeof(LINECALLINFO) + 1000};
+constexpr TapiRecordRule kCallStatus = {sizeof(LINECALLSTATUS) + 1000};
 
 } // namespace
 
 LONG CVTapi::LineAnswer(BOOL bWait) {
-    return AskAndWait(LINE_ANSWER, bWait,
+    return AskAndWait(kLineAnswer, bWait,
                       [&] { return g_TapiLibrary.lineAnswer(m_hCall, nullptr, 0u); });
 }
 
 LONG CVTapi::LineBlindTransfer(LPCSTR szDestination, DWORD dwCountryCode, BOOL bWait) {
-    return AskAndWait(LINE_BLIND_TRANSFER, bWait, [&] {
+    return AskAndWait(kLineBlindTransfer, bWait, [&] {
         return g_TapiLibrary.lineBlindTransfer(m_hCall, szDestination, dwCountryCode);
     });
 }
 
 LONG CVTapi::LineDial(LPCSTR szDestination, DWORD dwCountryCode, BOOL bWait) {
-    return AskAndWait(LINE_DIAL, bWait, [&] {
+    return AskAndWait(kLineDial, bWait, [&] {
         return g_TapiLibrary.lineDial(m_hCall, szDestination, dwCountryCode);
     });
 }
@@ -53,7 +53,7 @@ LONG CVTapi::LineDial(LPCSTR szDestination, DWORD dwCountryCode, BOOL bWait) {
 LONG CVTapi::LineGatherDigits(DWORD dwDigitModes, char* pDigits, DWORD dwNumDigits,
                               LPCSTR szTerminationDigits, DWORD dwFirstDigitTimeout,
                               DWORD dwInterDigitTimeout) {
-    return Ask(LINE_GATHER_DIGITS, [&] {
+    return Ask(kLineGatherDigits, [&] {
         return g_TapiLibrary.lineGatherDigits(m_hCall, dwDigitModes, pDigits, dwNumDigits,
                                               szTerminationDigits, dwFirstDigitTimeout,
                                               dwInterDigitTimeout);
@@ -61,64 +61,64 @@ LONG CVTapi::LineGatherDigits(DWORD dwDigitModes, char* pDigits, DWORD dwNumDigi
 }
 
 LONG CVTapi::LineGenerateDigits(DWORD dwDigitMode, LPCSTR szDigits, DWORD dwDuration) {
-    return Ask(LINE_GENERATE_DIGITS, [&] {
+    return Ask(kLineGenerateDigits, [&] {
         return g_TapiLibrary.lineGenerateDigits(m_hCall, dwDigitMode, szDigits, dwDuration);
     });
 }
 
 LONG CVTapi::LineGetCallInfo(LINECALLINFO** ppCallInfo) {
-    return Obtain(LINE_GET_CALL_INFO, CALL_INFO, ppCallInfo,
+    return Obtain(kLineGetCallInfo, kCallInfo, ppCallInfo,
                   [&](LINECALLINFO* info) { return g_TapiLibrary.lineGetCallInfo(m_hCall, info); });
 }
 
 LONG CVTapi::LineGetCallStatus(LINECALLSTATUS** ppCallStatus) {
-    return Obtain(LINE_GET_CALL_STATUS, CALL_STATUS, ppCallStatus, [&](LINECALLSTATUS* status) {
+    return Obtain(kLineGetCallStatus, kCallStatus, ppCallStatus, [&](LINECALLSTATUS* status) {
         return g_TapiLibrary.lineGetCallStatus(m_hCall, status);
     });
 }
 
 LONG CVTapi::LineHandoff(LPCSTR szFileName, DWORD dwMediaMode) {
-    return Ask(LINE_HANDOFF,
+    return Ask(kLineHandoff,
                [&] { return g_TapiLibrary.lineHandoff(m_hCall, szFileName, dwMediaMode); });
 }
 
 LONG CVTapi::LineHold(BOOL bWait) {
-    return AskAndWait(LINE_HOLD, bWait, [&] { return g_TapiLibrary.lineHold(m_hCall); });
+    return AskAndWait(kLineHold, bWait, [&] { return g_TapiLibrary.lineHold(m_hCall); });
 }
 
 LONG CVTapi::LineMonitorDigits(DWORD dwDigitModes) {
-    return Ask(LINE_MONITOR_DIGITS,
+    return Ask(kLineMonitorDigits,
                [&] { return g_TapiLibrary.lineMonitorDigits(m_hCall, dwDigitModes); });
 }
 
 LONG CVTapi::LineMonitorMedia(DWORD dwMediaModes) {
-    return Ask(LINE_MONITOR_MEDIA,
+    return Ask(kLineMonitorMedia,
                [&] { return g_TapiLibrary.lineMonitorMedia(m_hCall, dwMediaModes); });
 }
 
 LONG CVTapi::LineSetAppSpecific(DWORD dwAppSpecific) {
-    return Ask(LINE_SET_APP_SPECIFIC,
+    return Ask(kLineSetAppSpecific,
                [&] { return g_TapiLibrary.lineSetAppSpecific(m_hCall, dwAppSpecific); });
 }
 
 LONG CVTapi::LineSetCallParams(DWORD dwBearerMode, DWORD dwMinRate, DWORD dwMaxRate,
                                const LINEDIALPARAMS* pDialParams, BOOL bWait) {
-    return AskAndWait(LINE_SET_CALL_PARAMS, bWait, [&] {
+    return AskAndWait(kLineSetCallParams, bWait, [&] {
         return g_TapiLibrary.lineSetCallParams(m_hCall, dwBearerMode, dwMinRate, dwMaxRate,
                                                pDialParams);
     });
 }
 
 LONG CVTapi::LineSetCallPrivilege(DWORD dwCallPrivilege) {
-    return Ask(LINE_SET_CALL_PRIVILEGE,
+    return Ask(kLineSetCallPrivilege,
                [&] { return g_TapiLibrary.lineSetCallPrivilege(m_hCall, dwCallPrivilege); });
 }
 
 LONG CVTapi::LineSetMediaMode(DWORD dwMediaModes) {
-    return Ask(LINE_SET_MEDIA_MODE,
+    return Ask(kLineSetMediaMode,
                [&] { return g_TapiLibrary.lineSetMediaMode(m_hCall, dwMediaModes); });
 }
 
 LONG CVTapi::LineUnhold(BOOL bWait) {
-    return AskAndWait(LINE_UNHOLD, bWait, [&] { return g_TapiLibrary.lineUnhold(m_hCall); });
+    return AskAndWait(kLineUnhold, bWait, [&] { return g_TapiLibrary.lineUnhold(m_hCall); });
 }

@@ -7,19 +7,19 @@
 
 #include "common/CriticalSection.h"
 
-struct STapiInstance {
-    STapiInstance* pNext = nullptr;
+struct TapiInstance {
+    TapiInstance* pNext = nullptr;
 };
 
 class CTapiInstances {
   public:
-    void Add(STapiInstance& instance);
-    void Remove(const STapiInstance& instance);
+    void Add(TapiInstance& instance);
+    void Remove(const TapiInstance& instance);
 
     // The instance with that address, null when there is none (any more).
-    STapiInstance* Find(DWORD_PTR dwInstance);
+    TapiInstance* Find(DWORD_PTR dwInstance);
 
   private:
-    STapiInstance* m_pFirst = nullptr;
+    TapiInstance* m_pFirst = nullptr;
     CCriticalSection m_CritSec;
 };

@@ -7,23 +7,22 @@
 
 namespace {
 
-constexpr DWORD CALL_TIMEOUT = 60000; // milliseconds
+constexpr DWORD kCallTimeout = 60000; // milliseconds
 
 // What a line is to tell of itself while it is open; nothing of its addresses.
-constexpr DWORD LINE_STATES = LINEDEVSTATE_RINGING | LINEDEVSTATE_CONNECTED |
+constexpr DWORD kLineStates = LINEDEVSTATE_RINGING | LINEDEVSTATE_CONNECTED |
                               LINEDEVSTATE_DISCONNECTED | LINEDEVSTATE_INSERVICE |
                               LINEDEVSTATE_OUTOFSERVICE | LINEDEVSTATE_OPEN | LINEDEVSTATE_CLOSE |
                               LINEDEVSTATE_REINIT | LINEDEVSTATE_REMOVED;
-static_assert(LINE_STATES == 0x010406CE);
+static_assert(kLineStates == 0x010406CE);
 
-constexpr STapiOperation LINE_CLOSE_ROW = {"LineClose", "lineClose", ETapiNeed::Nothing, "\n"};
-constexpr STapiOperation LINE_DROP = {"LineDrop", "lineDrop", ETapiNeed::Call, "\n"};
-constexpr STapiOperation LINE_GET_ID = {"LineGetID", "lineGetID", ETapiNeed::Line, "\n"};
-constexpr STapiOperation M_LINE_GET_NEW_CALLS = {.szName = "MLineGetNewCalls",
-                                                 .szFunction = nullptr};
+constexpr TapiOperation kLineCloseRow = {"LineClose", "lineClose", ETapiNeed::Nothing, "\n"};
+constexpr TapiOperation kLineDrop = {"LineDrop", "lineDrop", ETapiNeed::Call, "\n"};
+constexpr TapiOperation kLineGetID = {"LineGetID", "lineGetID", ETapiNeed::Line, "\n"};
+constexpr TapiOperation kMLineGetNewCalls = {.szName = "MLineGetNewCalls", .szFunction = nullptr};
 
-constexpr STapiResult DEVICE_ID = {56};
-constexpr STapiResult CALL_LIST = {1024};
+constexpr TapiRecordRule kDeviceId = {56};
+constexpr TapiRecordRule kCallList = {1024};
 
 } // namespace
 
@@ -55,7 +54,7 @@ LONG CVTapi::MLineOpen(DWORD dwDeviceID, DWORD dwPrivileges, DWORD dwMediaModes)
     if (status < 0)
         return status;
     status = CheckStatus("CVTapi::LineOpen() - lineSetStatusMessage() failed returning %#08lx",
-                         g_TapiLibrary.lineSetStatusMessages(m_hLine, LINE_STATES, 0u));
+                         g_TapiLibrary.lineSetStatusMessages(m_hLine, kLineStates, 0u));
     if (status < 0 || !(dwPrivileges & LINECALLPRIVILEGE_MONITOR))
         return status;
     return CheckStatus("CVTapi::LinOpen() - MLineGetNewCalls() failed returning %#08lx",
@@ -73,15 +72,14 @@ LONG CVTapi::MLineClose() {
     const LONG status = g_TapiLibrary.lineClose(m_hLine);
     m_hLine = 0;
     m_hCall = 0;
-    return CheckResult(LINE_CLOSE_ROW, status);
+    return CheckResult(kLineCloseRow, status);
 }
 
 LONG CVTapi::MLineGetNewCalls() {
     LINECALLLIST* calls = nullptr;
-    const LONG status =
-        ObtainResult(M_LINE_GET_NEW_CALLS, CALL_LIST, &calls, [&](LINECALLLIST* list) {
-            return g_TapiLibrary.lineGetNewCalls(m_hLine, 0u, LINECALLSELECT_LINE, list);
-        });
+    const LONG status = ObtainResult(kMLineGetNewCalls, kCallList, &calls, [&](LINECALLLIST* list) {
+        return g_TapiLibrary.lineGetNewCalls(m_hLine, 0u, LINECALLSELECT_LINE, list);
+    });
     const CTaskMemory<LINECALLLIST> owner(calls);
     if (calls)
         TakeCalls(*calls);
@@ -124,16 +122,16 @@ LONG CVTapi::LineMakeCall(LPCSTR szDestination, DWORD dwCountryCode,
     if (status < 0 || !bWait)
         return status;
     return CheckStatus("CVTapi::LineMakeCall() - MLineWaitForReply() failed returning %#08lx\n",
-                       MLineWaitForReply(static_cast<DWORD>(status), CALL_TIMEOUT));
+                       MLineWaitForReply(static_cast<DWORD>(status), kCallTimeout));
 }
 
 LONG CVTapi::LineDrop(BOOL bWait) {
-    return AskAndWait(LINE_DROP, bWait,
+    return AskAndWait(kLineDrop, bWait,
                       [&] { return g_TapiLibrary.lineDrop(m_hCall, nullptr, 0u); });
 }
 
 LONG CVTapi::LineGetID(VARSTRING** ppDeviceID, LPCSTR szDeviceClass) {
-    return Obtain(LINE_GET_ID, DEVICE_ID, ppDeviceID, [&](VARSTRING* identifier) {
+    return Obtain(kLineGetID, kDeviceId, ppDeviceID, [&](VARSTRING* identifier) {
         const DWORD dwSelect = m_hCall ? LINECALLSELECT_CALL : LINECALLSELECT_LINE;
         return g_TapiLibrary.lineGetID(m_hLine, 0u, m_hCall, dwSelect, identifier, szDeviceClass);
     });

@@ -7,60 +7,60 @@
 
 namespace {
 
-constexpr ETapiNeed LINE = ETapiNeed::Line;
-constexpr ETapiNeed NOTHING = ETapiNeed::Nothing;
-constexpr ETapiNeed SERVICE = ETapiNeed::LineService;
+constexpr ETapiNeed kLine = ETapiNeed::Line;
+constexpr ETapiNeed kNothing = ETapiNeed::Nothing;
+constexpr ETapiNeed kService = ETapiNeed::LineService;
 
-constexpr STapiOperation LINE_CONFIG_DIALOG = {"LineConfigDialog", "LineConfigDialog", SERVICE,
+constexpr TapiOperation kLineConfigDialog = {"LineConfigDialog", "LineConfigDialog", kService,
+                                             "\n"};
+constexpr TapiOperation kLineConfigDialogEdit = {.szName = "LineConfigDialogEdit",
+                                                 .szFunction = nullptr,
+                                                 .need = kService,
+                                                 .szEnd = "\n",
+                                                 .szInitializeFailed =
+                                                     "MLineinitialize failed returning"};
+constexpr TapiOperation kLineGetAppPriority = {"LineGetAppPriority", "lineGetAppPriority", kNothing,
                                                "\n"};
-constexpr STapiOperation LINE_CONFIG_DIALOG_EDIT = {.szName = "LineConfigDialogEdit",
-                                                    .szFunction = nullptr,
-                                                    .need = SERVICE,
-                                                    .szEnd = "\n",
-                                                    .szInitializeFailed =
-                                                        "MLineinitialize failed returning"};
-constexpr STapiOperation LINE_GET_APP_PRIORITY = {"LineGetAppPriority", "lineGetAppPriority",
-                                                  NOTHING, "\n"};
-constexpr STapiOperation LINE_GET_COUNTRY = {"LineGetCountry", "lineGetCountry", NOTHING, "\n"};
-constexpr STapiOperation LINE_GET_DEV_CAPS = {"LineGetDevCaps", "MLineGetDevCaps", SERVICE, "\n"};
-constexpr STapiOperation LINE_GET_DEV_CONFIG = {"LineGetDevConfig", "MLineGetDevConfig", SERVICE,
-                                                "\n"};
-constexpr STapiOperation LINE_GET_ICON = {"LineGetIcon", "lineGetIcon", SERVICE, "\n"};
-constexpr STapiOperation LINE_GET_LINE_DEV_STATUS = {"LineGetLineDevStatus", "lineGetLineDevStatus",
-                                                     LINE, "\n"};
-constexpr STapiOperation LINE_GET_REQUEST = {"LineGetRequest", "lineGetRequest", SERVICE, "\n"};
-constexpr STapiOperation LINE_GET_TRANSLATE_CAPS = {"LineGetTranslateCaps", "lineGetTranslateCaps",
-                                                    SERVICE, "\n"};
-constexpr STapiOperation LINE_REGISTER_REQUEST_RECIPIENT = {
+constexpr TapiOperation kLineGetCountry = {"LineGetCountry", "lineGetCountry", kNothing, "\n"};
+constexpr TapiOperation kLineGetDevCaps = {"LineGetDevCaps", "MLineGetDevCaps", kService, "\n"};
+constexpr TapiOperation kLineGetDevConfig = {"LineGetDevConfig", "MLineGetDevConfig", kService,
+                                             "\n"};
+constexpr TapiOperation kLineGetIcon = {"LineGetIcon", "lineGetIcon", kService, "\n"};
+constexpr TapiOperation kLineGetLineDevStatus = {"LineGetLineDevStatus", "lineGetLineDevStatus",
+                                                 kLine, "\n"};
+constexpr TapiOperation kLineGetRequest = {"LineGetRequest", "lineGetRequest", kService, "\n"};
+constexpr TapiOperation kLineGetTranslateCaps = {"LineGetTranslateCaps", "lineGetTranslateCaps",
+                                                 kService, "\n"};
+constexpr TapiOperation kLineRegisterRequestRecipient = {
     .szName = "LineRegisterRequestRecipient",
     .szFunction = "lineRegisterRequestRecipient",
-    .need = SERVICE,
+    .need = kService,
     .szInitializeFailed = "MLineInitialize() failed returnint"};
-constexpr STapiOperation LINE_SET_APP_PRIORITY = {"LineSetAppPriority", "lineSetAppPriority"};
-constexpr STapiOperation LINE_SET_CURRENT_LOCATION = {"LineSetCurrentLocation",
-                                                      "lineSetCurrentLocation", SERVICE};
-constexpr STapiOperation LINE_SET_DEV_CONFIG = {"LineSetDevConfig", "lineSetDevConfig", SERVICE};
-constexpr STapiOperation LINE_SET_TOLL_LIST = {"LineSetTollList", "lineSetTollList", SERVICE};
-constexpr STapiOperation LINE_TRANSLATE_ADDRESS = {"LineTranslateAddress", "lineTranslateAddress",
-                                                   SERVICE};
-constexpr STapiOperation LINE_TRANSLATE_DIALOG = {"LineTranslateDialog", "lineTranslateDialog",
-                                                  SERVICE};
-constexpr STapiOperation M_LINE_GET_DEV_CAPS = {"MLineGetDevCaps", "lineGetDevCaps"};
-constexpr STapiOperation M_LINE_GET_DEV_CONFIG = {"MLineGetDevConfig", "lineGetDevConfig"};
+constexpr TapiOperation kLineSetAppPriority = {"LineSetAppPriority", "lineSetAppPriority"};
+constexpr TapiOperation kLineSetCurrentLocation = {"LineSetCurrentLocation",
+                                                   "lineSetCurrentLocation", kService};
+constexpr TapiOperation kLineSetDevConfig = {"LineSetDevConfig", "lineSetDevConfig", kService};
+constexpr TapiOperation kLineSetTollList = {"LineSetTollList", "lineSetTollList", kService};
+constexpr TapiOperation kLineTranslateAddress = {"LineTranslateAddress", "lineTranslateAddress",
+                                                 kService};
+constexpr TapiOperation kLineTranslateDialog = {"LineTranslateDialog", "lineTranslateDialog",
+                                                kService};
+constexpr TapiOperation kMLineGetDevCaps = {"MLineGetDevCaps", "lineGetDevCaps"};
+constexpr TapiOperation kMLineGetDevConfig = {"MLineGetDevConfig", "lineGetDevConfig"};
 
-constexpr STapiResult CAPABILITIES = {sizeof(LINEDEVCAPS) + 1000};
-constexpr STapiResult CONFIGURATION = {1024};
-constexpr STapiResult COUNTRIES = {1024};
-constexpr STapiResult LINE_STATUS = {sizeof(LINEDEVSTATUS) + 1000};
-constexpr STapiResult TRANSLATE_CAPS = {sizeof(LINETRANSLATECAPS) + 1000};
-constexpr STapiResult TRANSLATE_OUTPUT = {sizeof(LINETRANSLATEOUTPUT) + 1000};
+constexpr TapiRecordRule kCapabilities = {sizeof(LINEDEVCAPS) + 1000};
+constexpr TapiRecordRule kConfiguration = {1024};
+constexpr TapiRecordRule kCountries = {1024};
+constexpr TapiRecordRule kLineStatus = {sizeof(LINEDEVSTATUS) + 1000};
+constexpr TapiRecordRule kTranslateCaps = {sizeof(LINETRANSLATECAPS) + 1000};
+constexpr TapiRecordRule kTranslateOutput = {sizeof(LINETRANSLATEOUTPUT) + 1000};
 
 } // namespace
 
 LONG CVTapi::MLineGetDevCaps(DWORD dwDeviceID, LINEDEVCAPS** ppCapabilities) {
     DWORD dwVersion = TAPI_API_VERSION;
     return ObtainResult(
-        M_LINE_GET_DEV_CAPS, CAPABILITIES, ppCapabilities, [&](LINEDEVCAPS* capabilities) {
+        kMLineGetDevCaps, kCapabilities, ppCapabilities, [&](LINEDEVCAPS* capabilities) {
             return g_TapiLibrary.lineGetDevCaps(g_hLineApp, dwDeviceID,
                                                 std::exchange(dwVersion, m_dwLineAPIVersion), 0u,
                                                 capabilities);
@@ -68,13 +68,13 @@ LONG CVTapi::MLineGetDevCaps(DWORD dwDeviceID, LINEDEVCAPS** ppCapabilities) {
 }
 
 LONG CVTapi::MLineGetDevConfig(DWORD dwDeviceID, VARSTRING** ppConfig, LPCSTR szDeviceClass) {
-    return ObtainResult(M_LINE_GET_DEV_CONFIG, CONFIGURATION, ppConfig, [&](VARSTRING* config) {
+    return ObtainResult(kMLineGetDevConfig, kConfiguration, ppConfig, [&](VARSTRING* config) {
         return g_TapiLibrary.lineGetDevConfig(dwDeviceID, config, szDeviceClass);
     });
 }
 
 LONG CVTapi::LineConfigDialog(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDeviceClass) {
-    return Ask(LINE_CONFIG_DIALOG, [&] {
+    return Ask(kLineConfigDialog, [&] {
         return g_TapiLibrary.lineConfigDialog(dwDeviceID, hwndOwner, szDeviceClass);
     });
 }
@@ -83,7 +83,7 @@ LONG CVTapi::LineConfigDialogEdit(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDev
                                   LPCVOID pConfigIn, DWORD dwSize, VARSTRING** ppConfigOut) {
     const CLock lock(m_CritSec);
     *ppConfigOut = nullptr;
-    const LONG missing = Provide(LINE_CONFIG_DIALOG_EDIT);
+    const LONG missing = Provide(kLineConfigDialogEdit);
     if (missing != 0)
         return missing;
     VARSTRING* present = nullptr;
@@ -97,7 +97,7 @@ LONG CVTapi::LineConfigDialogEdit(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDev
         dwSize = static_cast<DWORD>(BytesOf(*present).size());
     }
     const CTaskMemory<VARSTRING> owner(present);
-    return ObtainResult(LINE_CONFIG_DIALOG_EDIT, CONFIGURATION, ppConfigOut, [&](VARSTRING* out) {
+    return ObtainResult(kLineConfigDialogEdit, kConfiguration, ppConfigOut, [&](VARSTRING* out) {
         return g_TapiLibrary.lineConfigDialogEdit(dwDeviceID, hwndOwner, szDeviceClass, pConfigIn,
                                                   dwSize, out);
     });
@@ -106,48 +106,48 @@ LONG CVTapi::LineConfigDialogEdit(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDev
 LONG CVTapi::LineGetAppPriority(LPCSTR szAppFilename, DWORD dwMediaMode, DWORD dwRequestMode,
                                 LPDWORD pdwPriority) {
     *pdwPriority = 0;
-    return Ask(LINE_GET_APP_PRIORITY, [&] {
+    return Ask(kLineGetAppPriority, [&] {
         return g_TapiLibrary.lineGetAppPriority(szAppFilename, dwMediaMode, nullptr, dwRequestMode,
                                                 nullptr, pdwPriority);
     });
 }
 
 LONG CVTapi::LineGetCountry(DWORD dwCountryID, LINECOUNTRYLIST** ppCountryList) {
-    return Obtain(LINE_GET_COUNTRY, COUNTRIES, ppCountryList, [&](LINECOUNTRYLIST* list) {
+    return Obtain(kLineGetCountry, kCountries, ppCountryList, [&](LINECOUNTRYLIST* list) {
         return g_TapiLibrary.lineGetCountry(dwCountryID, TAPI_API_VERSION, list);
     });
 }
 
 LONG CVTapi::LineGetDevCaps(DWORD dwDeviceID, LINEDEVCAPS** ppCapabilities) {
     *ppCapabilities = nullptr;
-    return Ask(LINE_GET_DEV_CAPS, [&] { return MLineGetDevCaps(dwDeviceID, ppCapabilities); });
+    return Ask(kLineGetDevCaps, [&] { return MLineGetDevCaps(dwDeviceID, ppCapabilities); });
 }
 
 LONG CVTapi::LineGetDevConfig(DWORD dwDeviceID, VARSTRING** ppConfig, LPCSTR szDeviceClass) {
     *ppConfig = nullptr;
-    return Ask(LINE_GET_DEV_CONFIG,
+    return Ask(kLineGetDevConfig,
                [&] { return MLineGetDevConfig(dwDeviceID, ppConfig, szDeviceClass); });
 }
 
 LONG CVTapi::LineGetIcon(DWORD dwDeviceID, LPCSTR szDeviceClass, HICON* phIcon) {
-    return Ask(LINE_GET_ICON,
+    return Ask(kLineGetIcon,
                [&] { return g_TapiLibrary.lineGetIcon(dwDeviceID, szDeviceClass, phIcon); });
 }
 
 LONG CVTapi::LineGetLineDevStatus(LINEDEVSTATUS** ppLineDevStatus) {
-    return Obtain(
-        LINE_GET_LINE_DEV_STATUS, LINE_STATUS, ppLineDevStatus,
-        [&](LINEDEVSTATUS* status) { return g_TapiLibrary.lineGetLineDevStatus(m_hLine, status); });
+    return Obtain(kLineGetLineDevStatus, kLineStatus, ppLineDevStatus, [&](LINEDEVSTATUS* status) {
+        return g_TapiLibrary.lineGetLineDevStatus(m_hLine, status);
+    });
 }
 
 LONG CVTapi::LineGetRequest(DWORD dwRequestMode, LPVOID pRequestBuffer) {
-    return Ask(LINE_GET_REQUEST, [&] {
+    return Ask(kLineGetRequest, [&] {
         return g_TapiLibrary.lineGetRequest(g_hLineApp, dwRequestMode, pRequestBuffer);
     });
 }
 
 LONG CVTapi::LineGetTranslateCaps(LINETRANSLATECAPS** ppTranslateCaps) {
-    return Obtain(LINE_GET_TRANSLATE_CAPS, TRANSLATE_CAPS, ppTranslateCaps,
+    return Obtain(kLineGetTranslateCaps, kTranslateCaps, ppTranslateCaps,
                   [&](LINETRANSLATECAPS* capabilities) {
                       return g_TapiLibrary.lineGetTranslateCaps(g_hLineApp, TAPI_API_VERSION,
                                                                 capabilities);
@@ -156,7 +156,7 @@ LONG CVTapi::LineGetTranslateCaps(LINETRANSLATECAPS** ppTranslateCaps) {
 
 LONG CVTapi::LineRegisterRequestRecipient(DWORD dwRegistrationInstance, DWORD dwRequestMode,
                                           BOOL bEnable) {
-    return Ask(LINE_REGISTER_REQUEST_RECIPIENT, [&] {
+    return Ask(kLineRegisterRequestRecipient, [&] {
         return g_TapiLibrary.lineRegisterRequestRecipient(
             g_hLineApp, dwRegistrationInstance, dwRequestMode, static_cast<DWORD>(bEnable));
     });
@@ -164,33 +164,33 @@ LONG CVTapi::LineRegisterRequestRecipient(DWORD dwRegistrationInstance, DWORD dw
 
 LONG CVTapi::LineSetAppPriority(LPCSTR szAppFilename, DWORD dwMediaMode, DWORD dwRequestMode,
                                 DWORD dwPriority) {
-    return Ask(LINE_SET_APP_PRIORITY, [&] {
+    return Ask(kLineSetAppPriority, [&] {
         return g_TapiLibrary.lineSetAppPriority(szAppFilename, dwMediaMode, nullptr, dwRequestMode,
                                                 nullptr, dwPriority);
     });
 }
 
 LONG CVTapi::LineSetCurrentLocation(DWORD dwLocation) {
-    return Ask(LINE_SET_CURRENT_LOCATION,
+    return Ask(kLineSetCurrentLocation,
                [&] { return g_TapiLibrary.lineSetCurrentLocation(g_hLineApp, dwLocation); });
 }
 
 LONG CVTapi::LineSetDevConfig(DWORD dwDeviceID, LPCVOID pConfig, DWORD dwSize,
                               LPCSTR szDeviceClass) {
-    return Ask(LINE_SET_DEV_CONFIG, [&] {
+    return Ask(kLineSetDevConfig, [&] {
         return g_TapiLibrary.lineSetDevConfig(dwDeviceID, pConfig, dwSize, szDeviceClass);
     });
 }
 
 LONG CVTapi::LineSetTollList(LPCSTR szAddress, DWORD dwTollListOption) {
-    return Ask(LINE_SET_TOLL_LIST, [&] {
+    return Ask(kLineSetTollList, [&] {
         return g_TapiLibrary.lineSetTollList(g_hLineApp, 0u, szAddress, dwTollListOption);
     });
 }
 
 LONG CVTapi::LineTranslateAddress(LPCSTR szAddress, DWORD dwCard, DWORD dwTranslateOptions,
                                   LINETRANSLATEOUTPUT** ppTranslateOutput) {
-    return Obtain(LINE_TRANSLATE_ADDRESS, TRANSLATE_OUTPUT, ppTranslateOutput,
+    return Obtain(kLineTranslateAddress, kTranslateOutput, ppTranslateOutput,
                   [&](LINETRANSLATEOUTPUT* output) {
                       return g_TapiLibrary.lineTranslateAddress(g_hLineApp, 0u, TAPI_API_VERSION,
                                                                 szAddress, dwCard,
@@ -199,7 +199,7 @@ LONG CVTapi::LineTranslateAddress(LPCSTR szAddress, DWORD dwCard, DWORD dwTransl
 }
 
 LONG CVTapi::LineTranslateDialog(HWND hwndOwner, LPCSTR szAddress) {
-    return Ask(LINE_TRANSLATE_DIALOG, [&] {
+    return Ask(kLineTranslateDialog, [&] {
         return g_TapiLibrary.lineTranslateDialog(g_hLineApp, 0u, TAPI_API_VERSION, hwndOwner,
                                                  szAddress);
     });

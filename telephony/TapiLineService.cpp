@@ -20,7 +20,7 @@ LONG CVTapi::MLineInitialize() {
         g_hLineApp = 0;
         return status;
     }
-    g_dwNumLineDevs = std::min(g_dwNumLineDevs, TAPI_DEVICES_MAX);
+    g_dwNumLineDevs = std::min(g_dwNumLineDevs, kMostTapiDevices);
     return 0;
 }
 
@@ -41,7 +41,7 @@ LONG CVTapi::MLineNegotiateAPIVersion(DWORD dwDeviceID, LPDWORD pdwAPIVersion) {
                                                              pdwAPIVersion, &extension));
 }
 
-STapiReply CVTapi::LineReply() {
+TapiReply CVTapi::LineReply() {
     return {m_bLineWaiting, m_dwLineRequestID, m_bLineReplied, m_lLineReplyResult,
             "MLineWaitForReply"};
 }

@@ -9,7 +9,7 @@ unsigned long Bits(LONG lStatus) {
     return static_cast<DWORD>(lStatus);
 }
 
-LONG ReportStep(const STapiOperation& operation, LPCSTR szStep, LPCSTR szOutcome, LONG lStatus) {
+LONG ReportStep(const TapiOperation& operation, LPCSTR szStep, LPCSTR szOutcome, LONG lStatus) {
     DebugError("CVTapi::%s() - %s%s %#08lx%s", operation.szName, szStep, szOutcome, Bits(lStatus),
                operation.szEnd);
     return lStatus;
@@ -17,28 +17,28 @@ LONG ReportStep(const STapiOperation& operation, LPCSTR szStep, LPCSTR szOutcome
 
 } // namespace
 
-LONG ReportMissing(const STapiOperation& operation, LPCSTR szWhat, LONG lStatus) {
+LONG ReportMissing(const TapiOperation& operation, LPCSTR szWhat, LONG lStatus) {
     DebugError("CVTapi::%s() - %s%s", operation.szName, szWhat, operation.szEnd);
     return lStatus;
 }
 
-LONG ReportMemory(const STapiOperation& operation, int attempt) {
+LONG ReportMemory(const TapiOperation& operation, int attempt) {
     DebugError("CVTapi::%s() - CoTaskMemAlloc() failure #%d%s", operation.szName, attempt,
                operation.szEnd);
     return E_TAPI_NOMEMORY;
 }
 
-LONG ReportInitializeFailed(const STapiOperation& operation, LONG lStatus) {
+LONG ReportInitializeFailed(const TapiOperation& operation, LONG lStatus) {
     return ReportStep(operation, operation.szInitializeFailed, "", lStatus);
 }
 
-LONG CheckResult(const STapiOperation& operation, LONG lStatus) {
+LONG CheckResult(const TapiOperation& operation, LONG lStatus) {
     if (lStatus >= 0 || !operation.szFunction)
         return lStatus;
     return ReportStep(operation, operation.szFunction, operation.szFailed, lStatus);
 }
 
-LONG CheckWait(const STapiOperation& operation, LONG lStatus) {
+LONG CheckWait(const TapiOperation& operation, LONG lStatus) {
     return lStatus < 0 ? ReportStep(operation, operation.szWaitFailed, "", lStatus) : lStatus;
 }
 

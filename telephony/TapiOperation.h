@@ -1,4 +1,4 @@
-// STapiOperation: a row for each operation that asks the service one thing: what must be there
+// TapiOperation: a row for each operation that asks the service one thing: what must be there
 // first, and how its failures are worded.
 #pragma once
 
@@ -15,7 +15,7 @@ enum class ETapiNeed {
 
 // The texts are what the trace has always said, and are kept to the letter for those who search
 // for them.
-struct STapiOperation {
+struct TapiOperation {
     LPCSTR szName;
     LPCSTR szFunction; // what failed, as the trace calls it; null: nothing is said of it
     ETapiNeed need = ETapiNeed::Nothing;
@@ -26,12 +26,12 @@ struct STapiOperation {
 };
 
 // Each writes one failure to the trace and returns the status.
-LONG ReportMissing(const STapiOperation& operation, LPCSTR szWhat, LONG lStatus);
-LONG ReportMemory(const STapiOperation& operation, int attempt); // returns E_TAPI_NOMEMORY
-LONG ReportInitializeFailed(const STapiOperation& operation, LONG lStatus);
+LONG ReportMissing(const TapiOperation& operation, LPCSTR szWhat, LONG lStatus);
+LONG ReportMemory(const TapiOperation& operation, int attempt); // returns E_TAPI_NOMEMORY
+LONG ReportInitializeFailed(const TapiOperation& operation, LONG lStatus);
 
 // Each returns the status and writes it to the trace if it is a failure: of the operation's
 // function, of its wait, of what the text tells, which takes the status as an unsigned long.
-LONG CheckResult(const STapiOperation& operation, LONG lStatus);
-LONG CheckWait(const STapiOperation& operation, LONG lStatus);
+LONG CheckResult(const TapiOperation& operation, LONG lStatus);
+LONG CheckWait(const TapiOperation& operation, LONG lStatus);
 LONG CheckStatus(LPCSTR szFormat, LONG lStatus);

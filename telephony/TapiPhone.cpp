@@ -2,67 +2,61 @@
 #include "telephony/Tapi.h"
 
 #include "diagnostics/ModuleTrace.h"
-#include "telephony/TapiRecord.h"
 #include "telephony/TapiService.h"
 
 #include <utility>
 
 namespace {
 
-constexpr DWORD PHONE_STATES = PHONESTATE_CONNECTED | PHONESTATE_DISCONNECTED |
+constexpr DWORD kPhoneStates = PHONESTATE_CONNECTED | PHONESTATE_DISCONNECTED |
                                PHONESTATE_RINGMODE | PHONESTATE_SUSPEND | PHONESTATE_REINIT |
                                PHONESTATE_CAPSCHANGE | PHONESTATE_REMOVED;
-static_assert(PHONE_STATES == 0x00E40086);
+static_assert(kPhoneStates == 0x00E40086);
 
-constexpr ETapiNeed PHONE = ETapiNeed::Phone;
-constexpr ETapiNeed NOTHING = ETapiNeed::Nothing;
-constexpr ETapiNeed SERVICE = ETapiNeed::PhoneService;
-constexpr LPCSTR RETURING = "() failed returing";
-constexpr LPCSTR INITIALIZE_FAILED = "MPhoneInitialize() failed returning";
+constexpr ETapiNeed kPhone = ETapiNeed::Phone;
+constexpr ETapiNeed kNothing = ETapiNeed::Nothing;
+constexpr ETapiNeed kService = ETapiNeed::PhoneService;
+constexpr LPCSTR kReturing = "() failed returing";
+constexpr LPCSTR kInitializeFailed = "MPhoneInitialize() failed returning";
 
-constexpr STapiOperation PHONE_CLOSE = {"PhoneClose", "phoneClose"};
-constexpr STapiOperation PHONE_CONFIG_DIALOG = {"PhoneConfigDialog", "phoneConfigDialog"};
-constexpr STapiOperation PHONE_DEVICE_NAME_TO_ID = {.szName = "PhoneDeviceNameToID",
-                                                    .szFunction = nullptr,
-                                                    .need = SERVICE,
-                                                    .szInitializeFailed = INITIALIZE_FAILED};
-constexpr STapiOperation PHONE_GET_DEV_CAPS = {.szName = "PhoneGetDevCaps",
-                                               .szFunction = "MPhoneGetDevCaps",
-                                               .need = SERVICE,
-                                               .szInitializeFailed = INITIALIZE_FAILED};
-constexpr STapiOperation PHONE_GET_GAIN = {"PhoneGetGain", "phoneGetGain", PHONE, "", RETURING};
-constexpr STapiOperation PHONE_GET_HOOK_SWITCH = {"PhoneGetHookSwitch", "phoneGetHookSwitch", PHONE,
-                                                  "", RETURING};
-constexpr STapiOperation PHONE_GET_ICON = {"PhoneGetIcon", "phoneGetIcon",   SERVICE, "",
-                                           RETURING,       INITIALIZE_FAILED};
-constexpr STapiOperation PHONE_GET_ID = {"PhoneGetID", "phoneGetID", PHONE};
-constexpr STapiOperation PHONE_GET_RING = {"PhoneGetRing", "phoneGetRing", PHONE, "", RETURING};
-constexpr STapiOperation PHONE_GET_STATUS = {"PhoneGetStatus", "phoneGetStatus", NOTHING};
-constexpr STapiOperation PHONE_GET_VOLUME = {"PhoneGetVolume", "phoneGetVolume", PHONE, "",
-                                             RETURING};
-constexpr STapiOperation PHONE_SET_GAIN = {.szName = "PhoneSetGain",
-                                           .szFunction = "phoneSetGain",
-                                           .need = PHONE,
-                                           .szFailed = RETURING,
+constexpr TapiOperation kPhoneClose = {"PhoneClose", "phoneClose"};
+constexpr TapiOperation kPhoneConfigDialog = {"PhoneConfigDialog", "phoneConfigDialog"};
+constexpr TapiOperation kPhoneGetDevCaps = {.szName = "PhoneGetDevCaps",
+                                            .szFunction = "MPhoneGetDevCaps",
+                                            .need = kService,
+                                            .szInitializeFailed = kInitializeFailed};
+constexpr TapiOperation kPhoneGetGain = {"PhoneGetGain", "phoneGetGain", kPhone, "", kReturing};
+constexpr TapiOperation kPhoneGetHookSwitch = {"PhoneGetHookSwitch", "phoneGetHookSwitch", kPhone,
+                                               "", kReturing};
+constexpr TapiOperation kPhoneGetIcon = {"PhoneGetIcon", "phoneGetIcon",   kService, "",
+                                         kReturing,      kInitializeFailed};
+constexpr TapiOperation kPhoneGetID = {"PhoneGetID", "phoneGetID", kPhone};
+constexpr TapiOperation kPhoneGetRing = {"PhoneGetRing", "phoneGetRing", kPhone, "", kReturing};
+constexpr TapiOperation kPhoneGetStatus = {"PhoneGetStatus", "phoneGetStatus", kNothing};
+constexpr TapiOperation kPhoneGetVolume = {"PhoneGetVolume", "phoneGetVolume", kPhone, "",
+                                           kReturing};
+constexpr TapiOperation kPhoneSetGain = {.szName = "PhoneSetGain",
+                                         .szFunction = "phoneSetGain",
+                                         .need = kPhone,
+                                         .szFailed = kReturing,
+                                         .szWaitFailed = "MPhonwWaitForReply() failed returning"};
+constexpr TapiOperation kPhoneSetHookSwitch = {.szName = "PhoneSetHookSwitch",
+                                               .szFunction = "phoneSetHookSwitch",
+                                               .need = kPhone,
+                                               .szFailed = kReturing,
+                                               .szWaitFailed =
+                                                   "MPhoneWaitForReply() failed returning"};
+constexpr TapiOperation kPhoneSetVolume = {.szName = "PhoneSetVolume",
+                                           .szFunction = "phoneSetVolume",
+                                           .need = kPhone,
+                                           .szFailed = kReturing,
                                            .szWaitFailed = "MPhonwWaitForReply() failed returning"};
-constexpr STapiOperation PHONE_SET_HOOK_SWITCH = {.szName = "PhoneSetHookSwitch",
-                                                  .szFunction = "phoneSetHookSwitch",
-                                                  .need = PHONE,
-                                                  .szFailed = RETURING,
-                                                  .szWaitFailed =
-                                                      "MPhoneWaitForReply() failed returning"};
-constexpr STapiOperation PHONE_SET_VOLUME = {.szName = "PhoneSetVolume",
-                                             .szFunction = "phoneSetVolume",
-                                             .need = PHONE,
-                                             .szFailed = RETURING,
-                                             .szWaitFailed =
-                                                 "MPhonwWaitForReply() failed returning"};
-constexpr STapiOperation M_PHONE_GET_DEV_CAPS = {"MPhoneGetDevCaps", "phoneGetDevCaps"};
+constexpr TapiOperation kMPhoneGetDevCaps = {"MPhoneGetDevCaps", "phoneGetDevCaps"};
 
-constexpr ETapiGrowth REFUSED = ETapiGrowth::WhenRefusedForSize;
-constexpr STapiResult CAPABILITIES = {sizeof(PHONECAPS) + 1000, REFUSED};
-constexpr STapiResult PHONE_STATUS = {sizeof(PHONESTATUS) + 1000, REFUSED};
-constexpr STapiResult DEVICE_ID = {56, REFUSED};
+constexpr ETapiGrowth kRefused = ETapiGrowth::WhenRefusedForSize;
+constexpr TapiRecordRule kCapabilities = {sizeof(PHONECAPS) + 1000, kRefused};
+constexpr TapiRecordRule kPhoneStatus = {sizeof(PHONESTATUS) + 1000, kRefused};
+constexpr TapiRecordRule kDeviceId = {56, kRefused};
 
 } // namespace
 
@@ -95,7 +89,7 @@ LONG CVTapi::MPhoneOpen(DWORD dwDeviceID, DWORD dwPrivilege) {
         return status;
     return CheckStatus("CVTapi::PhoneOpen() - phoneSetStatusMessages() failed returning %#08lx",
                        g_TapiLibrary.phoneSetStatusMessages(
-                           m_hPhone, PHONE_STATES, PHONEBUTTONMODE_KEYPAD, PHONEBUTTONSTATE_DOWN));
+                           m_hPhone, kPhoneStates, PHONEBUTTONMODE_KEYPAD, PHONEBUTTONSTATE_DOWN));
 }
 
 LONG CVTapi::PhoneClose() {
@@ -108,96 +102,75 @@ LONG CVTapi::MPhoneClose() {
         return 0;
     const LONG status = g_TapiLibrary.phoneClose(m_hPhone);
     m_hPhone = 0;
-    return CheckResult(PHONE_CLOSE, status);
+    return CheckResult(kPhoneClose, status);
 }
 
 LONG CVTapi::MPhoneGetDevCaps(DWORD dwDeviceID, PHONECAPS** ppCapabilities) {
     DWORD dwVersion = TAPI_API_VERSION;
     return ObtainResult(
-        M_PHONE_GET_DEV_CAPS, CAPABILITIES, ppCapabilities, [&](PHONECAPS* capabilities) {
+        kMPhoneGetDevCaps, kCapabilities, ppCapabilities, [&](PHONECAPS* capabilities) {
             return g_TapiLibrary.phoneGetDevCaps(g_hPhoneApp, dwDeviceID,
                                                  std::exchange(dwVersion, m_dwPhoneAPIVersion), 0u,
                                                  capabilities);
         });
 }
 
-LONG CVTapi::PhoneDeviceNameToID(LPCSTR szName, LPDWORD pdwDeviceID) {
-    const CLock lock(m_CritSec);
-    const LONG missing = Provide(PHONE_DEVICE_NAME_TO_ID);
-    if (missing != 0)
-        return missing;
-    for (DWORD dwDeviceID = 0; dwDeviceID < g_dwNumPhoneDevs; ++dwDeviceID) {
-        PHONECAPS* capabilities = nullptr;
-        if (MPhoneGetDevCaps(dwDeviceID, &capabilities) < 0)
-            continue;
-        const CTaskMemory<PHONECAPS> owner(capabilities);
-        if (PhoneNameOf(*capabilities) != szName)
-            continue;
-        *pdwDeviceID = dwDeviceID;
-        DebugTrace("CVTapi::PhoneDeviceNameToID() - Device \"%s\" = %ld\n", szName,
-                   static_cast<long>(dwDeviceID));
-        return 0;
-    }
-    DebugError("CVTapi::PhoneDeviceNameToID() - Device \"%s\" not found", szName);
-    return E_TAPI_NODEVICE;
-}
-
 LONG CVTapi::PhoneConfigDialog(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDeviceClass) {
-    return Ask(PHONE_CONFIG_DIALOG, [&] {
+    return Ask(kPhoneConfigDialog, [&] {
         return g_TapiLibrary.phoneConfigDialog(dwDeviceID, hwndOwner, szDeviceClass);
     });
 }
 
 LONG CVTapi::PhoneGetDevCaps(DWORD dwDeviceID, PHONECAPS** ppCapabilities) {
     *ppCapabilities = nullptr;
-    return Ask(PHONE_GET_DEV_CAPS, [&] { return MPhoneGetDevCaps(dwDeviceID, ppCapabilities); });
+    return Ask(kPhoneGetDevCaps, [&] { return MPhoneGetDevCaps(dwDeviceID, ppCapabilities); });
 }
 
 LONG CVTapi::PhoneGetGain(DWORD dwHookSwitchDev, LPDWORD pdwGain) {
-    return Ask(PHONE_GET_GAIN,
+    return Ask(kPhoneGetGain,
                [&] { return g_TapiLibrary.phoneGetGain(m_hPhone, dwHookSwitchDev, pdwGain); });
 }
 
 LONG CVTapi::PhoneGetHookSwitch(LPDWORD pdwHookSwitchDevs) {
-    return Ask(PHONE_GET_HOOK_SWITCH,
+    return Ask(kPhoneGetHookSwitch,
                [&] { return g_TapiLibrary.phoneGetHookSwitch(m_hPhone, pdwHookSwitchDevs); });
 }
 
 LONG CVTapi::PhoneGetIcon(DWORD dwDeviceID, LPCSTR szDeviceClass, HICON* phIcon) {
-    return Ask(PHONE_GET_ICON,
+    return Ask(kPhoneGetIcon,
                [&] { return g_TapiLibrary.phoneGetIcon(dwDeviceID, szDeviceClass, phIcon); });
 }
 
 LONG CVTapi::PhoneGetID(VARSTRING** ppDeviceID, LPCSTR szDeviceClass) {
-    return Obtain(PHONE_GET_ID, DEVICE_ID, ppDeviceID, [&](VARSTRING* identifier) {
+    return Obtain(kPhoneGetID, kDeviceId, ppDeviceID, [&](VARSTRING* identifier) {
         return g_TapiLibrary.phoneGetID(m_hPhone, identifier, szDeviceClass);
     });
 }
 
 LONG CVTapi::PhoneGetRing(LPDWORD pdwRingMode, LPDWORD pdwVolume) {
-    return Ask(PHONE_GET_RING,
+    return Ask(kPhoneGetRing,
                [&] { return g_TapiLibrary.phoneGetRing(m_hPhone, pdwRingMode, pdwVolume); });
 }
 
 LONG CVTapi::PhoneGetStatus(PHONESTATUS** ppPhoneStatus) {
-    return Obtain(PHONE_GET_STATUS, PHONE_STATUS, ppPhoneStatus, [&](PHONESTATUS* status) {
+    return Obtain(kPhoneGetStatus, kPhoneStatus, ppPhoneStatus, [&](PHONESTATUS* status) {
         return g_TapiLibrary.phoneGetStatus(m_hPhone, status);
     });
 }
 
 LONG CVTapi::PhoneGetVolume(DWORD dwHookSwitchDev, LPDWORD pdwVolume) {
-    return Ask(PHONE_GET_VOLUME,
+    return Ask(kPhoneGetVolume,
                [&] { return g_TapiLibrary.phoneGetVolume(m_hPhone, dwHookSwitchDev, pdwVolume); });
 }
 
 LONG CVTapi::PhoneSetGain(DWORD dwHookSwitchDev, DWORD dwGain, BOOL bWait) {
-    return AskAndWait(PHONE_SET_GAIN, bWait, [&] {
+    return AskAndWait(kPhoneSetGain, bWait, [&] {
         return g_TapiLibrary.phoneSetGain(m_hPhone, dwHookSwitchDev, dwGain);
     });
 }
 
 LONG CVTapi::PhoneSetHookSwitch(DWORD dwHookSwitchDevs, DWORD dwHookSwitchMode, BOOL bWait) {
-    return AskAndWait(PHONE_SET_HOOK_SWITCH, bWait, [&] {
+    return AskAndWait(kPhoneSetHookSwitch, bWait, [&] {
         return g_TapiLibrary.phoneSetHookSwitch(m_hPhone, dwHookSwitchDevs, dwHookSwitchMode);
     });
 }
@@ -210,7 +183,7 @@ LONG CVTapi::PhoneSetUserCallback(PHONECALLBACK pfnCallback, DWORD_PTR dwInstanc
 }
 
 LONG CVTapi::PhoneSetVolume(DWORD dwHookSwitchDev, DWORD dwVolume, BOOL bWait) {
-    return AskAndWait(PHONE_SET_VOLUME, bWait, [&] {
+    return AskAndWait(kPhoneSetVolume, bWait, [&] {
         return g_TapiLibrary.phoneSetVolume(m_hPhone, dwHookSwitchDev, dwVolume);
     });
 }

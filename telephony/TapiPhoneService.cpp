@@ -24,7 +24,7 @@ LONG CVTapi::MPhoneInitialize() {
         // A positive result is none that this call can have, and would pass for success.
         return status < 0 ? status : E_TAPI_FAILED;
     }
-    g_dwNumPhoneDevs = std::min(g_dwNumPhoneDevs, TAPI_DEVICES_MAX);
+    g_dwNumPhoneDevs = std::min(g_dwNumPhoneDevs, kMostTapiDevices);
     return 0;
 }
 
@@ -45,7 +45,7 @@ LONG CVTapi::MPhoneNegotiateAPIVersion(DWORD dwDeviceID, LPDWORD pdwAPIVersion) 
                                                               pdwAPIVersion, &extension));
 }
 
-STapiReply CVTapi::PhoneReply() {
+TapiReply CVTapi::PhoneReply() {
     return {m_bPhoneWaiting, m_dwPhoneRequestID, m_bPhoneReplied, m_lPhoneReplyResult,
             "MPhoneWaitForReply"};
 }

@@ -1,3 +1,6 @@
+// To wait is to dispatch. The mark, the request and the reply belong to the object, not to the
+// wait: a wait that begins in a message that another one dispatches takes the mark away, and the
+// outer one, which looks at it after each message, sees that.
 #include "telephony/TapiReply.h"
 
 #include "diagnostics/ModuleTrace.h"
@@ -21,14 +24,14 @@ void DispatchOrBlock(DWORD dwMilliseconds) {
 
 } // namespace
 
-void STapiReply::Take(DWORD dwID, LONG lResult) const {
+void TapiReply::Take(DWORD dwID, LONG lResult) const {
     if (dwID != dwRequestID)
         return;
     lReplyResult = lResult;
     bReplied = TRUE;
 }
 
-LONG STapiReply::Wait(DWORD dwID, DWORD dwTimeout) const {
+LONG TapiReply::Wait(DWORD dwID, DWORD dwTimeout) const {
     if (dwID == 0)
         return 0;
     // Inside another wait this takes the mark from both of them.

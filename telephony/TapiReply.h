@@ -6,7 +6,7 @@
 
 #include "telephony/TapiStatus.h"
 
-struct STapiReply {
+struct TapiReply {
     BOOL& bWaiting;
     DWORD& dwRequestID;
     BOOL& bReplied;

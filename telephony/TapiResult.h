@@ -12,7 +12,7 @@
 #include <cstring>
 
 // What a service may ask for at most: far above every real record, far below what hurts.
-inline constexpr DWORD TAPI_RESULT_MAX = 1024 * 1024;
+inline constexpr DWORD kMostResultBytes = 1024 * 1024;
 
 enum class ETapiGrowth {
     WhenMoreIsNeeded,  // also when the service has filled what it could
@@ -21,7 +21,7 @@ enum class ETapiGrowth {
 
 // Where a record begins: its size in bytes, when it is grown, and how a failure to get it is named
 // (what could not be allocated, what the service answered).
-struct STapiResult {
+struct TapiRecordRule {
     DWORD dwInitialSize;
     ETapiGrowth growth = ETapiGrowth::WhenMoreIsNeeded;
 };
@@ -36,7 +36,7 @@ inline bool IsTooSmall(LONG lStatus, DWORD dwNeeded, DWORD dwTotal, ETapiGrowth 
 // result with the record stored, or a negative one, which has been reported, with null stored.
 // E_TAPI_NOMEMORY also for a size beyond TAPI_RESULT_MAX.
 template <class Record, class Fill>
-LONG ObtainResult(const STapiOperation& operation, const STapiResult& rule, Record** ppResult,
+LONG ObtainResult(const TapiOperation& operation, const TapiRecordRule& rule, Record** ppResult,
                   Fill fill) {
     *ppResult = nullptr;
     DWORD dwSize = rule.dwInitialSize;
@@ -53,7 +53,7 @@ LONG ObtainResult(const STapiOperation& operation, const STapiResult& rule, Reco
     // A service that refuses for the size and needs no more than there is has no second chance.
     if (IsTooSmall(status, dwNeeded, dwSize, rule.growth) && dwNeeded > dwSize) {
         void* const grown =
-            dwNeeded <= TAPI_RESULT_MAX ? CoTaskMemRealloc(record.get(), dwNeeded) : nullptr;
+            dwNeeded <= kMostResultBytes ? CoTaskMemRealloc(record.get(), dwNeeded) : nullptr;
         if (!grown)
             return ReportMemory(operation, 2);
         static_cast<void>(record.release());

@@ -13,13 +13,13 @@ DWORD g_dwNumPhoneDevs = 0;
 LONG g_lTapiObjects = 0;
 
 LONG BringUp(LONG (*initialize)(), LONG lReinit, const DWORD& hApp) {
-    constexpr DWORD PAUSE = 1000;  // milliseconds
-    constexpr DWORD LIMIT = 10000; // milliseconds
+    constexpr DWORD kPause = 1000;  // milliseconds
+    constexpr DWORD kLimit = 10000; // milliseconds
     const DWORD dwStart = GetTickCount();
     for (;;) {
         const LONG status = initialize();
-        if (status != lReinit || GetTickCount() - dwStart > LIMIT)
+        if (status != lReinit || GetTickCount() - dwStart > kLimit)
             return status >= 0 && !hApp ? E_TAPI_FAILED : status;
-        Sleep(PAUSE);
+        Sleep(kPause);
     }
 }

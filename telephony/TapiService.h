@@ -22,7 +22,7 @@ extern DWORD g_dwNumPhoneDevs;
 extern LONG g_lTapiObjects;
 
 // No service has more devices: a count beyond it is a lie that would be believed for hours.
-inline constexpr DWORD TAPI_DEVICES_MAX = 4096;
+inline constexpr DWORD kMostTapiDevices = 4096;
 
 // Calls initialize() again each second for ten seconds, as long as it returns lReinit: the service
 // is then between two lives. Returns its last result; E_TAPI_FAILED when that is a success but

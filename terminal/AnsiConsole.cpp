@@ -1,3 +1,5 @@
+// One table says what each final character does; whoever uses parameters takes them out of what was
+// collected, so that a sequence costs what it needs and no more.
 #include "terminal/AnsiConsole.h"
 
 #include "modem/Modem.h"
@@ -7,9 +9,6 @@
 #include <cstdio>
 
 namespace {
-
-constexpr BYTE kIntroducer = '[';
-constexpr BYTE kAbandon = '!';
 
 struct KeySequence {
     WORD key;
@@ -26,37 +25,32 @@ constexpr std::array kKeySequences = {
     KeySequence{VK_F3, "\x1BOR"},     KeySequence{VK_F4, "\x1BOS"},
 };
 
-bool IsFinal(BYTE character) {
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
-           character == '@';
-}
-
 } // namespace
 
 constexpr CAnsiConsole::Command CAnsiConsole::kCommands[] = {
-    {'@', &CAnsiConsole::InsertChar},
-    {'A', &CAnsiConsole::MoveUp},
-    {'B', &CAnsiConsole::MoveDown},
-    {'C', &CAnsiConsole::MoveForward},
-    {'D', &CAnsiConsole::MoveBack},
-    {'E', &CAnsiConsole::MoveToNextLines},
-    {'F', &CAnsiConsole::MoveTo},
-    {'H', &CAnsiConsole::MoveTo},
-    {'J', &CAnsiConsole::EraseInScreen},
-    {'K', &CAnsiConsole::EraseInLine},
-    {'L', &CAnsiConsole::InsertLine},
-    {'M', &CAnsiConsole::DeleteLine},
-    {'P', &CAnsiConsole::DeleteChar},
-    {'S', &CAnsiConsole::ScrollOneUp},
-    {'T', &CAnsiConsole::ScrollOneDown},
-    {'U', &CAnsiConsole::ClearScreen},
-    {'Z', &CAnsiConsole::DoNothing},
-    {'f', &CAnsiConsole::MoveTo},
-    {'m', &CAnsiConsole::SelectGraphicRendition},
-    {'n', &CAnsiConsole::ReportStatus},
-    {'r', &CAnsiConsole::SelectScrollRegion},
-    {'s', &CAnsiConsole::SaveCursor},
-    {'u', &CAnsiConsole::RestoreCursor},
+    {'@', [](CAnsiConsole& screen) { screen.InsertChar(); }},
+    {'A', [](CAnsiConsole& screen) { screen.CursorUp(screen.Count()); }},
+    {'B', [](CAnsiConsole& screen) { screen.CursorDown(screen.Count()); }},
+    {'C', [](CAnsiConsole& screen) { screen.CursorForward(screen.Count()); }},
+    {'D', [](CAnsiConsole& screen) { screen.CursorBack(screen.Count()); }},
+    {'E', [](CAnsiConsole& screen) { screen.MoveToNextLines(screen.Count()); }},
+    {'F', [](CAnsiConsole& screen) { screen.MoveTo(); }},
+    {'H', [](CAnsiConsole& screen) { screen.MoveTo(); }},
+    {'J', [](CAnsiConsole& screen) { screen.EraseInScreen(); }},
+    {'K', [](CAnsiConsole& screen) { screen.EraseInLine(); }},
+    {'L', [](CAnsiConsole& screen) { screen.InsertLine(); }},
+    {'M', [](CAnsiConsole& screen) { screen.DeleteLine(); }},
+    {'P', [](CAnsiConsole& screen) { screen.DeleteChar(); }},
+    {'S', [](CAnsiConsole& screen) { screen.ScrollUp(1); }},
+    {'T', [](CAnsiConsole& screen) { screen.ScrollDown(1); }},
+    {'U', [](CAnsiConsole& screen) { screen.ClearScreen(); }},
+    {'Z', [](CAnsiConsole&) {}},
+    {'f', [](CAnsiConsole& screen) { screen.MoveTo(); }},
+    {'m', [](CAnsiConsole& screen) { screen.SelectGraphicRendition(); }},
+    {'n', [](CAnsiConsole& screen) { screen.ReportStatus(); }},
+    {'r', [](CAnsiConsole& screen) { screen.SelectScrollRegion(); }},
+    {'s', [](CAnsiConsole& screen) { screen.SaveCursor(); }},
+    {'u', [](CAnsiConsole& screen) { screen.RestoreCursor(); }},
 };
 
 // The commands by their final character, so that a sequence costs no search.
@@ -67,37 +61,14 @@ constexpr decltype(CAnsiConsole::kActions) CAnsiConsole::kActions = [] {
     return actions;
 }();
 
-void CAnsiConsole::Collect(BYTE character) {
-    if (character == kEscape)
-        return BeginSequence();
-    if (m_nEscapeLength == 0 && character != kIntroducer)
-        return ShowAsText(character);
-    if (m_nEscapeLength >= kLongestSequence) {
-        BeginSequence();
-        m_bInEscape = FALSE;
-        return;
+void CAnsiConsole::PutText(std::span<const BYTE> bytes) {
+    while (!bytes.empty()) {
+        const EscapeVerdict verdict = m_parser.Next(bytes);
+        if (verdict.kind == EscapeVerdict::Kind::Text)
+            WriteText(verdict.text.data(), static_cast<DWORD>(verdict.text.size()));
+        else if (verdict.kind == EscapeVerdict::Kind::Sequence)
+            ProcessEscape(verdict.finalCharacter);
     }
-    m_szEscape[m_nEscapeLength++] = static_cast<char>(character);
-    if (IsFinal(character)) {
-        m_szEscape[m_nEscapeLength] = '\0';
-        // Cleared first: what the sequence itself puts on the screen is shown and not collected.
-        m_bInEscape = FALSE;
-        ProcessEscape(character);
-    } else if (character == kAbandon) {
-        m_bInEscape = FALSE;
-    }
-}
-
-void CAnsiConsole::BeginSequence() {
-    m_bInEscape = TRUE;
-    m_nEscapeLength = 0;
-    m_szEscape[0] = '\0';
-}
-
-void CAnsiConsole::ShowAsText(BYTE character) {
-    m_bInEscape = FALSE;
-    CConsoleScreen::PutChar(kEscape);
-    CConsoleScreen::PutChar(character);
 }
 
 BOOL CAnsiConsole::ProcessEscape(BYTE finalCharacter) {
@@ -106,23 +77,16 @@ BOOL CAnsiConsole::ProcessEscape(BYTE finalCharacter) {
     const Action action = kActions[static_cast<std::size_t>(finalCharacter - kFirstFinal)];
     if (!action)
         return FALSE;
-    (this->*action)();
+    action(*this);
     return TRUE;
 }
 
-// What stands between '[' and the final character; a NUL among it ends the parameters.
-std::string_view CAnsiConsole::ParameterText() const {
-    if (m_nEscapeLength < 2)
-        return {};
-    return {m_szEscape.data() + 1, m_nEscapeLength - 2};
-}
-
 int CAnsiConsole::Count() const {
-    return CEscapeParameters::Value(ParameterText()).value_or(1);
+    return CEscapeParameters::Value(m_parser.Parameters()).value_or(1);
 }
 
 void CAnsiConsole::ReadTwo(int& first, int& second) const {
-    CEscapeParameters parameters(ParameterText());
+    CEscapeParameters parameters(m_parser.Parameters());
     const std::optional<int> firstValue = parameters.Next();
     if (!firstValue)
         return;
@@ -130,24 +94,8 @@ void CAnsiConsole::ReadTwo(int& first, int& second) const {
     second = parameters.Next().value_or(second);
 }
 
-void CAnsiConsole::MoveUp() {
-    CursorUp(Count());
-}
-
-void CAnsiConsole::MoveDown() {
-    CursorDown(Count());
-}
-
-void CAnsiConsole::MoveForward() {
-    CursorForward(Count());
-}
-
-void CAnsiConsole::MoveBack() {
-    CursorBack(Count());
-}
-
-void CAnsiConsole::MoveToNextLines() {
-    for (int left = Count(); left > 0; --left)
+void CAnsiConsole::MoveToNextLines(int count) {
+    for (; count > 0; --count)
         NewLine();
 }
 
@@ -183,16 +131,6 @@ void CAnsiConsole::EraseWholeLine() {
     SetCursorPosition(row, column);
 }
 
-void CAnsiConsole::ScrollOneUp() {
-    ScrollUp(1);
-}
-
-void CAnsiConsole::ScrollOneDown() {
-    ScrollDown(1);
-}
-
-void CAnsiConsole::DoNothing() {}
-
 void CAnsiConsole::SelectGraphicRendition() {
     if (FirstParameterCharacter() == 'm') {
         m_wExactColors = 0;
@@ -200,11 +138,11 @@ void CAnsiConsole::SelectGraphicRendition() {
         SetAttributeFlags(0);
         return;
     }
-    CEscapeParameters parameters(ParameterText());
+    CEscapeParameters parameters(m_parser.Parameters());
     while (const std::optional<int> parameter = parameters.Next()) {
-        const GraphicRendition rendition =
-            ApplyGraphicRendition(*parameter, {m_byAttribute & 0x0F, m_byAttribute >> 4,
-                                               GetAttributeFlags(), m_wExactColors});
+        GraphicRendition rendition = {m_byAttribute & 0x0F, m_byAttribute >> 4, GetAttributeFlags(),
+                                      m_wExactColors};
+        ApplyGraphicRendition(*parameter, rendition);
         m_wExactColors = rendition.exact;
         SetColors(rendition.foreground, rendition.background);
         SetAttributeFlags(rendition.flags);

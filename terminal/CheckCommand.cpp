@@ -3,7 +3,7 @@
 #include "common/UniqueHandle.h"
 #include "platform/Error.h"
 #include "platform/File.h"
-#include "platform/PrintableText.h"
+#include "platform/terminal/PrintableText.h"
 #include "script/ScriptCheck.h"
 #include "terminal/StandardError.h"
 #include "terminal/UserMessage.h"

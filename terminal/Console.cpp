@@ -1,9 +1,11 @@
+// The control handler comes in the midst of any wait, also in those of giving back: what it looks
+// at is settled before a call that may wait, and giving back twice is harmless.
 #include "terminal/Console.h"
 
-#include "platform/EndRequest.h"
 #include "platform/Error.h"
-#include "platform/StandardStreams.h"
 #include "platform/Wait.h"
+#include "platform/objects/EndRequest.h"
+#include "platform/terminal/StandardStreams.h"
 #include "terminal/StandardError.h"
 
 CConsole* g_pActiveConsole = nullptr;

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "common/UniqueHandle.h"
-#include "platform/Console.h"
+#include "console/Console.h"
 #include "platform/Types.h"
 
 class CConsole {

@@ -56,7 +56,7 @@ constexpr std::array kChanges = [] {
 }();
 
 // The brightness stays with the foreground.
-GraphicRendition Reverse(GraphicRendition rendition) {
+void Reverse(GraphicRendition& rendition) {
     const int moved = rendition.foreground < kBright ? 0 : kBright;
     std::swap(rendition.foreground, rendition.background);
     rendition.foreground += moved;
@@ -66,22 +66,21 @@ GraphicRendition Reverse(GraphicRendition rendition) {
     const bool wasExactBackground = (rendition.exact & EXACT_BACKGROUND) != 0;
     rendition.exact = static_cast<WORD>((wasExactBackground ? EXACT_FOREGROUND : 0) |
                                         (wasExactForeground ? EXACT_BACKGROUND : 0));
-    return rendition;
 }
 
 } // namespace
 
-GraphicRendition ApplyGraphicRendition(int parameter, GraphicRendition rendition) {
+void ApplyGraphicRendition(int parameter, GraphicRendition& rendition) {
     const auto index = static_cast<std::size_t>(parameter);
     if (index >= kChanges.size())
-        return rendition;
+        return;
     if (parameter == kReverse)
         return Reverse(rendition);
     const Change& change = kChanges[index];
     const bool bright = (rendition.flags & change.brightFlags) != 0;
-    return {(rendition.foreground & change.keepForeground) | change.setForeground |
-                kBright * static_cast<int>(bright),
-            (rendition.background & change.keepBackground) | change.setBackground,
-            static_cast<WORD>((rendition.flags & change.keepFlags) | change.setFlags),
-            static_cast<WORD>((rendition.exact & change.keepExact) | change.setExact)};
+    rendition.foreground = (rendition.foreground & change.keepForeground) | change.setForeground |
+                           kBright * static_cast<int>(bright);
+    rendition.background = (rendition.background & change.keepBackground) | change.setBackground;
+    rendition.flags = static_cast<WORD>((rendition.flags & change.keepFlags) | change.setFlags);
+    rendition.exact = static_cast<WORD>((rendition.exact & change.keepExact) | change.setExact);
 }

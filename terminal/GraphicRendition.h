@@ -8,8 +8,10 @@ struct GraphicRendition {
     int foreground; // console colour, 0 to 15
     int background;
     WORD flags; // ATTR_ bits of terminal/ConsoleScreen.h
-    WORD exact; // EXACT_ bits of platform/Console.h: the colours that a parameter named
+    WORD exact; // EXACT_ bits of console/Console.h: the colours that a parameter named
 };
 
-// The rendition after one parameter; values that mean nothing here change nothing.
-GraphicRendition ApplyGraphicRendition(int parameter, GraphicRendition rendition);
+// Makes it the rendition after one parameter; values that mean nothing here change nothing. Not
+// taken and returned as a value: its parts are written one by one and would be read together, for
+// which a processor has to wait.
+void ApplyGraphicRendition(int parameter, GraphicRendition& rendition);

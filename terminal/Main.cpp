@@ -2,7 +2,7 @@
 
 #include "common/InterfacePtr.h"
 #include "diagnostics/ModuleTrace.h"
-#include "platform/StandardStreams.h"
+#include "platform/terminal/StandardStreams.h"
 #include "telephony/ITapi.h"
 #include "terminal/CheckCommand.h"
 #include "terminal/CommandLine.h"
@@ -17,7 +17,6 @@ namespace {
 
 constexpr char kVersion[] = "2.2";
 
-constexpr int kExitDone = 0;
 constexpr int kExitUsage = 1;
 
 } // namespace

@@ -1,9 +1,9 @@
 #include "terminal/ModuleNotices.h"
 
 #include "common/UniqueHandle.h"
-#include "platform/ModuleNotice.h"
-#include "platform/PrintableText.h"
 #include "platform/Wait.h"
+#include "platform/notify/ModuleNotice.h"
+#include "platform/terminal/PrintableText.h"
 #include "terminal/StandardError.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "terminal/StandardError.h"
 
-#include "platform/CharacterSet.h"
-#include "platform/PrintableText.h"
-#include "platform/StandardStreams.h"
+#include "platform/terminal/CharacterSet.h"
+#include "platform/terminal/PrintableText.h"
+#include "platform/terminal/StandardStreams.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,11 +1,10 @@
 #include "terminal/TermConsole.h"
 
+#include "console/Console.h"
 #include "modem/Modem.h"
-#include "platform/Console.h"
 #include "terminal/LineMenus.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace {
@@ -21,43 +20,24 @@ constexpr std::size_t kMostSent = std::size_t{1} << 20;
 
 } // namespace
 
-BOOL CTermConsole::OnKey(DWORD dwKey, BYTE* pbyChar) {
+BOOL CTermConsole::OnKey(DWORD key, BYTE* character) {
     SendTyped();
 
-    const WORD key = static_cast<WORD>(dwKey & 0xFFFF);
-    if ((key == VK_F5 || key == VK_F6) && m_nMenuDepth < kDeepestMenu) {
+    const WORD code = static_cast<WORD>(key & 0xFFFF);
+    if ((code == VK_F5 || code == VK_F6) && m_nMenuDepth < kDeepestMenu) {
         ++m_nMenuDepth;
-        if (key == VK_F5)
+        if (code == VK_F5)
             BaudMenu(*m_pModem, *this);
         else
             FlowMenu(*m_pModem, *this);
         --m_nMenuDepth;
     }
 
-    const std::string_view sequence = GetKeySequence(key);
+    const std::string_view sequence = GetKeySequence(code);
     if (GetTypedAhead() == 0 && m_pModem->GetWriteRoom() >= sequence.size())
-        return CAnsiConsole::OnKey(dwKey, pbyChar);
+        return CAnsiConsole::OnKey(key, character);
     m_strTyped += sequence;
     return FALSE;
-}
-
-void CTermConsole::PutText(std::span<const BYTE> bytes) {
-    const BYTE* next = bytes.data();
-    const BYTE* const end = next + bytes.size();
-    while (next != end) {
-        if (!m_bInEscape) {
-            const BYTE* const text = next;
-            const void* const escape =
-                std::memchr(text, kEscape, static_cast<std::size_t>(end - text));
-            next = escape ? static_cast<const BYTE*>(escape) : end;
-            WriteText(text, static_cast<DWORD>(next - text));
-        }
-        while (next != end) {
-            PutChar(*next++);
-            if (!m_bInEscape)
-                break;
-        }
-    }
 }
 
 void CTermConsole::SendTyped() {

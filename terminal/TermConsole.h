@@ -6,21 +6,16 @@
 #include "terminal/AnsiConsole.h"
 
 #include <cstddef>
-#include <span>
 #include <string>
 
 class CTermConsole final : public CAnsiConsole {
   public:
     // F5 opens the menu of baud rates, F6 the one of flow controls; every other special key sends
     // its sequence to the device, behind the characters that were typed before it. Always FALSE.
-    BOOL OnKey(DWORD dwKey, BYTE* pbyChar) override;
-
-    // Shows bytes of the device exactly as PutChar does one by one; text between sequences goes to
-    // the console in one piece.
-    void PutText(std::span<const BYTE> bytes);
+    BOOL OnKey(DWORD key, BYTE* character) override;
 
     // Puts a typed character behind those that have still to go to the device.
-    void TypeChar(BYTE byChar) { m_strTyped += static_cast<char>(byChar); }
+    void TypeChar(BYTE character) { m_strTyped += static_cast<char>(character); }
 
     // Sends of them what the transmit buffer has room for; never blocks.
     void SendTyped();

@@ -5,7 +5,7 @@
 #include "platform/Wait.h"
 
 #include <array>
-#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -13,36 +13,23 @@ constexpr DWORD kAttemptTime = 10000;
 constexpr int kAttempts = 3;
 constexpr DWORD kGatherSize = 1024;
 
-bool HoldsFinalResult(const char* text) {
-    return std::strstr(text, "\r\nOK\r\n") || std::strstr(text, "\r\nERROR\r\n");
+bool HoldsFinalResult(std::string_view text) {
+    return text.find(kFinalOk) != text.npos || text.find(kFinalError) != text.npos;
 }
 
 } // namespace
 
 BOOL CTermModem::SendLineWaitFinal(const std::string& command, std::string& response) {
     response.clear();
-
-    const DWORD delay = GetPacingDelay();
-    if (delay != 0)
-        Sleep(delay);
-
-    for (int attempt = 0; attempt < kAttempts && !IsOver(); ++attempt) {
-        if (m_pSerial) {
-            m_pSerial->Flush(_QUE_RX);
-            m_pSerial->Flush(_QUE_TX);
-        }
-        SendCommand(command.c_str());
-        if (WaitForFinalResult(response, kAttemptTime))
-            return TRUE;
-    }
-    return FALSE;
+    return Exchange(GetPacingDelay(), command.c_str(), kAttempts,
+                    [&] { return WaitForFinalResult(response, kAttemptTime); });
 }
 
-BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) {
+BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD timeAllowed) {
     if (!m_pSerial)
         return FALSE;
 
-    const CDeadline deadline(dwTimeAllowed);
+    const platform::CDeadline deadline(timeAllowed);
     std::array<char, kGatherSize> gathered;
     DWORD count = 0;
     do {
@@ -53,7 +40,7 @@ BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD dwTimeAllowed) 
         gathered[count] = '\0';
         response = gathered.data();
         m_dwLastResponse = GetTickCount();
-        if (HoldsFinalResult(gathered.data()))
+        if (HoldsFinalResult(response))
             return TRUE;
         if (count == kGatherSize - 1) {
             // Nothing can be read any more, so bytes that wait must not end the wait.

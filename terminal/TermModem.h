@@ -18,8 +18,8 @@ class CTermModem : public CVModem {
     // device said. FALSE when it did not, and at once when the device is gone.
     BOOL SendLineWaitFinal(const std::string& command, std::string& response);
 
-    // Reads until "OK" or "ERROR" has arrived; TRUE. FALSE after dwTimeAllowed milliseconds, when
+    // Reads until "OK" or "ERROR" has arrived; TRUE. FALSE after timeAllowed milliseconds, when
     // the device is gone, or without a port (the response is then left alone). The response is what
     // arrived, at most 1023 bytes and up to the first NUL.
-    BOOL WaitForFinalResult(std::string& response, DWORD dwTimeAllowed);
+    BOOL WaitForFinalResult(std::string& response, DWORD timeAllowed);
 };

@@ -33,11 +33,10 @@ CPtyDevice::ETransfer Outcome(ssize_t result, std::size_t& count) {
 } // namespace
 
 bool CPtyDevice::Open(std::string& error) {
-    m_hController = CDescriptor(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    m_hController = platform::CDescriptor(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
     const int controller = m_hController.Get();
     std::array<char, 128> name{};
-    const bool made = m_hController.IsOpen() && grantpt(controller) == 0 &&
-                      unlockpt(controller) == 0 &&
+    const bool made = m_hController && grantpt(controller) == 0 && unlockpt(controller) == 0 &&
                       ptsname_r(controller, name.data(), name.size()) == 0;
     m_strPath = name.data();
     if (!made || !OpenOwn()) {
@@ -47,7 +46,7 @@ bool CPtyDevice::Open(std::string& error) {
     SetRaw(m_hOwn.Get());
 
     // Watched from here on, so that the own descriptor is not taken for an opener.
-    m_hNotices = CDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    m_hNotices = platform::CDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     if (inotify_add_watch(m_hNotices.Get(), m_strPath.c_str(), IN_OPEN | IN_CLOSE) < 0) {
         error = "cannot watch " + m_strPath + ": " + std::strerror(errno);
         return false;
@@ -56,12 +55,13 @@ bool CPtyDevice::Open(std::string& error) {
 }
 
 bool CPtyDevice::OpenOwn() {
-    m_hOwn = CDescriptor(::open(m_strPath.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    return m_hOwn.IsOpen();
+    m_hOwn = platform::CDescriptor(
+        ::open(m_strPath.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    return static_cast<bool>(m_hOwn);
 }
 
 int CPtyDevice::Descriptor() const {
-    return m_bSomebody || m_hOwn.IsOpen() ? m_hController.Get() : -1;
+    return m_bSomebody || m_hOwn ? m_hController.Get() : -1;
 }
 
 unsigned CPtyDevice::TakeNotices() {
@@ -84,11 +84,11 @@ bool CPtyDevice::NoticeOpeners() {
     const unsigned seen = TakeNotices();
     if ((seen & IN_OPEN) != 0)
         m_bSomebody = true;
-    if ((seen & IN_CLOSE) != 0 && m_bSomebody && m_hOwn.IsOpen()) {
+    if ((seen & IN_CLOSE) != 0 && m_bSomebody && m_hOwn) {
         // Exclusive use outlives its opener as long as the device exists, and would keep this
         // object itself out.
         ioctl(m_hOwn.Get(), TIOCNXCL);
-        m_hOwn.Close();
+        m_hOwn.Reset();
     }
     return (seen & IN_OPEN) != 0;
 }
@@ -117,8 +117,8 @@ CPtyDevice::ETransfer CPtyDevice::Write(std::string_view bytes, std::size_t& cou
 }
 
 void CPtyDevice::Vanish() {
-    m_hOwn.Close();
-    m_hController.Close();
+    m_hOwn.Reset();
+    m_hController.Reset();
 }
 
 } // namespace modemsim

@@ -10,7 +10,7 @@
 // Owned by CSimulatorLoop, one thread at a time. The device goes away with the object.
 #pragma once
 
-#include "tools/Descriptor.h"
+#include "platform/objects/Descriptor.h"
 
 #include <cstddef>
 #include <string>
@@ -52,9 +52,9 @@ class CPtyDevice {
     bool OpenOwn();
     unsigned TakeNotices();
 
-    CDescriptor m_hController;
-    CDescriptor m_hOwn;
-    CDescriptor m_hNotices;
+    platform::CDescriptor m_hController;
+    platform::CDescriptor m_hOwn;
+    platform::CDescriptor m_hNotices;
     std::string m_strPath;
     bool m_bSomebody = false;
 };

@@ -15,7 +15,7 @@ namespace modemsim {
 
 class CSimulatorLoop {
   public:
-    CSimulatorLoop(SSimulatorProfile profile, CPtyDevice& device, bool once);
+    CSimulatorLoop(SimulatorProfile profile, CPtyDevice& device, bool once);
 
     // Blocks the signals that end the loop, so that none of them ends the process before the link
     // is removed; false with the reason in error when the system refuses. Called before Run().
@@ -39,7 +39,7 @@ class CSimulatorLoop {
 
     CModemSimulator m_Modem;
     CPtyDevice& m_Device;
-    CDescriptor m_hSignals;
+    platform::CDescriptor m_hSignals;
     std::string m_strPending; // read, but not yet taken by the modem
     bool m_bOnce;
     EState m_eState = EState::Running;

@@ -1,7 +1,9 @@
 #include "platform/Comm.h"
+#include "platform/CommEvents.h"
 
 #include "platform/Error.h"
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleTable.h"
 
 #include <sys/ioctl.h>
 
@@ -20,7 +22,7 @@ struct LineFunction {
     bool on;
 };
 
-constexpr LineFunction LINE_FUNCTIONS[] = {
+constexpr LineFunction kLineFunctions[] = {
     {SETRTS, TIOCM_RTS, true},
     {CLRRTS, TIOCM_RTS, false},
     {SETDTR, TIOCM_DTR, true},
@@ -32,12 +34,18 @@ struct StatusLine {
     DWORD bit;
 };
 
-constexpr StatusLine STATUS_LINES[] = {
+constexpr StatusLine kStatusLines[] = {
     {TIOCM_CTS, MS_CTS_ON},
     {TIOCM_DSR, MS_DSR_ON},
     {TIOCM_RNG, MS_RING_ON},
     {TIOCM_CAR, MS_RLSD_ON},
 };
+
+bool AreKept(const COMMTIMEOUTS& timeouts) {
+    return timeouts.ReadIntervalTimeout == MAXDWORD && timeouts.ReadTotalTimeoutMultiplier == 0 &&
+           timeouts.ReadTotalTimeoutConstant == 0 && timeouts.WriteTotalTimeoutMultiplier == 0 &&
+           timeouts.WriteTotalTimeoutConstant == 0;
+}
 
 } // namespace
 
@@ -71,7 +79,9 @@ BOOL SetCommTimeouts(HANDLE hFile, COMMTIMEOUTS* lpCommTimeouts) {
     const auto port = FindHandleOf<CCommPort>(hFile);
     if (!port)
         return FALSE;
-    return lpCommTimeouts ? port->SetTimeouts(*lpCommTimeouts) : FailWith(ERROR_INVALID_PARAMETER);
+    if (port->IsGone())
+        return FailWith(ERROR_DEVICE_NOT_CONNECTED);
+    return lpCommTimeouts && AreKept(*lpCommTimeouts) ? TRUE : FailWith(ERROR_INVALID_PARAMETER);
 }
 
 BOOL EscapeCommFunction(HANDLE hFile, DWORD dwFunc) {
@@ -79,9 +89,9 @@ BOOL EscapeCommFunction(HANDLE hFile, DWORD dwFunc) {
     if (!port)
         return FALSE;
     const auto row =
-        std::find_if(std::begin(LINE_FUNCTIONS), std::end(LINE_FUNCTIONS),
+        std::find_if(std::begin(kLineFunctions), std::end(kLineFunctions),
                      [&](const LineFunction& known) { return known.function == dwFunc; });
-    if (row == std::end(LINE_FUNCTIONS))
+    if (row == std::end(kLineFunctions))
         return FailWith(ERROR_INVALID_PARAMETER);
     return port->Driver().SetLines(row->line, row->on);
 }
@@ -96,7 +106,7 @@ BOOL GetCommModemStatus(HANDLE hFile, LPDWORD lpModemStat) {
     if (!port->Lines()->GetLines(lines))
         return FALSE;
     *lpModemStat = 0;
-    for (const StatusLine& row : STATUS_LINES) {
+    for (const StatusLine& row : kStatusLines) {
         if (lines & row.line)
             *lpModemStat |= row.bit;
     }
@@ -111,6 +121,19 @@ BOOL ClearCommError(HANDLE hFile, LPDWORD lpErrors, COMSTAT* lpStat) {
 BOOL PurgeComm(HANDLE hFile, DWORD dwFlags) {
     const auto port = FindHandleOf<CCommPort>(hFile);
     return port ? port->Purge(dwFlags) : FALSE;
+}
+
+BOOL SetCommMask(HANDLE hFile, DWORD dwEvtMask) {
+    const auto port = FindHandleOf<CCommPort>(hFile);
+    return port ? port->Events().SetMask(dwEvtMask) : FALSE;
+}
+
+BOOL WaitCommEvent(HANDLE hFile, LPDWORD lpEvtMask, OVERLAPPED* lpOverlapped) {
+    const auto port = FindHandleOf<CCommPort>(hFile);
+    if (!port)
+        return FALSE;
+    return lpEvtMask ? port->Events().Start(*lpEvtMask, lpOverlapped)
+                     : FailWith(ERROR_INVALID_PARAMETER);
 }
 
 HANDLE platform::GetCommHangupHandle(HANDLE hFile) {

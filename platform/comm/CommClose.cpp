@@ -11,7 +11,7 @@ namespace {
 
 // The wait ends at any signal that has a handler. There may be several waits one after the other,
 // so the signal comes again and again.
-constexpr long INTERVAL = 20'000'000; // nanoseconds
+constexpr long kInterval = 20'000'000; // nanoseconds
 
 // Sends the calling thread a signal at intervals while it lives.
 class CInterruption {
@@ -21,7 +21,7 @@ class CInterruption {
         event.sigev_notify = SIGEV_THREAD_ID;
         event.sigev_signo = InterruptSignal();
         event._sigev_un._tid = gettid();
-        const itimerspec interval = {{0, INTERVAL}, {0, INTERVAL}};
+        const itimerspec interval = {{0, kInterval}, {0, kInterval}};
         m_bStarted = timer_create(CLOCK_MONOTONIC, &event, &m_timer) == 0;
         if (m_bStarted)
             timer_settime(m_timer, 0, &interval, nullptr);

@@ -1,7 +1,7 @@
 // Closing a device that does not take its output.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 namespace platform {
 

@@ -1,9 +1,13 @@
+// A call that fails says little by its error number: EIO comes from a device that is gone as well
+// as from an adapter that stumbled over one question. So poll() is asked too before a device counts
+// as gone. What a driver lacks (lines, counters) is found out by the first call that says so, and
+// is no failure.
 #include "platform/comm/CommDriver.h"
 
 #include "platform/Error.h"
-#include "platform/TerminalDevice.h"
 #include "platform/comm/CommClose.h"
 #include "platform/comm/CommErrors.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -19,7 +23,7 @@
 namespace platform {
 namespace {
 
-constexpr int OPEN_FLAGS = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+constexpr int kOpenFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
 
 bool IsLoss(int systemError) {
     return systemError == EIO || systemError == ENXIO || systemError == ENODEV ||
@@ -86,7 +90,7 @@ BOOL CCommDriver::OpenDevice(LPCSTR path) {
         return FailWith(ERROR_ACCESS_DENIED);
 
     do
-        m_descriptor.Reset(open(path, OPEN_FLAGS));
+        m_descriptor.Reset(open(path, kOpenFlags));
     while (!m_descriptor && errno == EINTR);
     if (!m_descriptor || fstat(m_descriptor.Get(), &status) != 0)
         return FailOpen(errno);

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "platform/comm/CommSettings.h"
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <linux/serial.h>
 

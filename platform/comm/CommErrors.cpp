@@ -10,7 +10,7 @@ struct CounterBit {
     DWORD bit;
 };
 
-constexpr CounterBit COUNTERS[] = {
+constexpr CounterBit kCounters[] = {
     {&serial_icounter_struct::buf_overrun, CE_RXOVER},
     {&serial_icounter_struct::overrun, CE_OVERRUN},
     {&serial_icounter_struct::parity, CE_RXPARITY},
@@ -22,7 +22,7 @@ constexpr CounterBit COUNTERS[] = {
 
 DWORD ErrorsBetween(const serial_icounter_struct& before, const serial_icounter_struct& now) {
     DWORD errors = 0;
-    for (const CounterBit& row : COUNTERS) {
+    for (const CounterBit& row : kCounters) {
         if (before.*row.counter != now.*row.counter)
             errors |= row.bit;
     }

@@ -1,9 +1,14 @@
+// Bytes show on the device's own descriptor, but lines and error counters do not: a thread that
+// sleeps in the driver's wait for a line wakes this one, and where the driver has no such wait the
+// lines are read at intervals. Every waking looks at everything; only a difference ends the wait.
 #include "platform/comm/CommEventWait.h"
 
 #include "platform/Error.h"
 #include "platform/comm/CommErrors.h"
 #include "platform/comm/CommPort.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/MakeObject.h"
+#include "platform/objects/TransferRecord.h"
 
 #include <sys/ioctl.h>
 
@@ -12,13 +17,13 @@
 namespace platform {
 namespace {
 
-constexpr DWORD KNOWN_EVENTS = EV_RXCHAR | EV_RLSD | EV_ERR;
+constexpr DWORD kKnownEvents = EV_RXCHAR | EV_RLSD | EV_ERR;
 
 // How often lines are read that nobody tells of.
-constexpr DWORD LINES_INTERVAL = 100;
+constexpr DWORD kLinesInterval = 100;
 // How often they are read although the driver tells: some have the call and no interrupt behind it,
 // and a break comes with neither a byte nor a line.
-constexpr DWORD BACKUP_INTERVAL = 1000;
+constexpr DWORD kBackupInterval = 1000;
 
 } // namespace
 
@@ -28,7 +33,7 @@ BOOL CCommEventWait::Create() {
 }
 
 BOOL CCommEventWait::SetMask(DWORD mask) {
-    if ((mask & ~KNOWN_EVENTS) != 0)
+    if ((mask & ~kKnownEvents) != 0)
         return FailWith(ERROR_INVALID_PARAMETER);
     const std::lock_guard lock(m_mutex);
     if (m_bClosed)
@@ -56,10 +61,7 @@ BOOL CCommEventWait::Start(DWORD& events, OVERLAPPED* overlapped) {
         if (m_overlapped)
             return FailWith(ERROR_INVALID_PARAMETER);
         m_events = &events;
-        record.Internal = ERROR_IO_PENDING;
-        record.InternalHigh = 0;
-        if (record.hEvent != nullptr)
-            ResetEvent(record.hEvent);
+        BeginTransfer(record);
         m_overlapped = &record;
         m_wake->Clear();
         WatchLines();
@@ -153,7 +155,7 @@ void CCommEventWait::End(DWORD error, DWORD events) {
         return;
     *m_events = events;
     m_bLooked = false;
-    RecordTransfer(m_overlapped, error, 0);
+    EndTransfer(*m_overlapped, error, 0);
     m_overlapped = nullptr;
     m_wake->Signal();
 }
@@ -169,9 +171,9 @@ void CCommEventWait::WatchLines() {
 DWORD CCommEventWait::Patience() {
     const bool hasErrors = (m_dwMask & EV_ERR) != 0 && m_bCounts;
     if ((m_dwMask & EV_RLSD) == 0 || !m_port.Lines()->HasLines())
-        return hasErrors ? BACKUP_INTERVAL : INFINITE;
+        return hasErrors ? kBackupInterval : INFINITE;
     const bool isToldOf = m_lineWatch.IsWatching() && !std::exchange(m_bLookSoon, false);
-    return isToldOf ? BACKUP_INTERVAL : LINES_INTERVAL;
+    return isToldOf ? kBackupInterval : kLinesInterval;
 }
 
 void CCommEventWait::Block(std::unique_lock<std::mutex>& lock, const OVERLAPPED* overlapped) {
@@ -193,20 +195,3 @@ void CCommEventWait::Block(std::unique_lock<std::mutex>& lock, const OVERLAPPED*
 }
 
 } // namespace platform
-
-using platform::CCommPort;
-using platform::FailWith;
-using platform::FindHandleOf;
-
-BOOL SetCommMask(HANDLE hFile, DWORD dwEvtMask) {
-    const auto port = FindHandleOf<CCommPort>(hFile);
-    return port ? port->Events().SetMask(dwEvtMask) : FALSE;
-}
-
-BOOL WaitCommEvent(HANDLE hFile, LPDWORD lpEvtMask, OVERLAPPED* lpOverlapped) {
-    const auto port = FindHandleOf<CCommPort>(hFile);
-    if (!port)
-        return FALSE;
-    return lpEvtMask ? port->Events().Start(*lpEvtMask, lpOverlapped)
-                     : FailWith(ERROR_INVALID_PARAMETER);
-}

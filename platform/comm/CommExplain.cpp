@@ -1,9 +1,9 @@
 #include "platform/Comm.h"
 
 #include "platform/Error.h"
-#include "platform/PrintableText.h"
-#include "platform/TerminalDevice.h"
 #include "platform/comm/CommUsers.h"
+#include "platform/terminal/PrintableText.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -24,15 +24,15 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view DEVICE_FOLDER = "/dev/";
+constexpr std::string_view kDeviceFolder = "/dev/";
 // The adapters that come and go. The built-in ports are never listed: most have no hardware.
-constexpr std::string_view ADAPTER_PREFIXES[] = {"ttyUSB", "ttyACM"};
-constexpr std::string_view BUILT_IN_PREFIX = "ttyS";
-constexpr std::string_view TTY_PREFIX = "tty";
-constexpr std::size_t MOST_NAMES = 8;
+constexpr std::string_view kAdapterPrefixes[] = {"ttyUSB", "ttyACM"};
+constexpr std::string_view kBuiltInPrefix = "ttyS";
+constexpr std::string_view kTtyPrefix = "tty";
+constexpr std::size_t kMostNames = 8;
 
-constexpr mode_t GROUP_ACCESS = S_IRGRP | S_IWGRP;
-constexpr mode_t PERMISSIONS = 0777;
+constexpr mode_t kGroupAccess = S_IRGRP | S_IWGRP;
+constexpr mode_t kPermissions = 0777;
 
 std::string NameOfGroup(gid_t group) {
     const struct group* entry = getgrgid(group);
@@ -52,23 +52,23 @@ bool IsNumbered(std::string_view name, std::string_view prefix) {
 
 // What the asked name is without its number, when others of its kind are worth naming.
 std::string_view KindOf(std::string_view path) {
-    if (!path.starts_with(DEVICE_FOLDER))
+    if (!path.starts_with(kDeviceFolder))
         return {};
-    std::string_view kind = path.substr(DEVICE_FOLDER.size());
+    std::string_view kind = path.substr(kDeviceFolder.size());
     while (!kind.empty() && std::isdigit(static_cast<unsigned char>(kind.back())))
         kind.remove_suffix(1);
     const bool isListed =
-        kind.starts_with(TTY_PREFIX) && kind.size() > TTY_PREFIX.size() && kind != BUILT_IN_PREFIX;
+        kind.starts_with(kTtyPrefix) && kind.size() > kTtyPrefix.size() && kind != kBuiltInPrefix;
     return isListed ? kind : std::string_view{};
 }
 
 std::vector<std::string> FindAdapters(std::string_view kind) {
     std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(DEVICE_FOLDER.data()), closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(kDeviceFolder.data()), closedir);
     while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
         const std::string_view name = entry->d_name;
         const bool isAdapter =
-            std::any_of(std::begin(ADAPTER_PREFIXES), std::end(ADAPTER_PREFIXES),
+            std::any_of(std::begin(kAdapterPrefixes), std::end(kAdapterPrefixes),
                         [&](std::string_view prefix) { return IsNumbered(name, prefix); });
         if (isAdapter || (!kind.empty() && IsNumbered(name, kind)))
             names.emplace_back(name);
@@ -83,17 +83,17 @@ std::vector<std::string> FindAdapters(std::string_view kind) {
 std::string ExplainMissing(const std::string& path) {
     std::string text = "no such device";
     const std::vector<std::string> names = FindAdapters(KindOf(path));
-    for (std::size_t index = 0; index < std::min(names.size(), MOST_NAMES); ++index) {
+    for (std::size_t index = 0; index < std::min(names.size(), kMostNames); ++index) {
         text += index == 0 ? "; there are " : ", ";
-        text.append(DEVICE_FOLDER).append(PrintableText(names[index]));
+        text.append(kDeviceFolder).append(PrintableText(names[index]));
     }
-    if (names.size() > MOST_NAMES)
+    if (names.size() > kMostNames)
         text += " and others";
     return text;
 }
 
 std::string ExplainPermission(const struct stat& device) {
-    const bool isOpenToGroup = (device.st_mode & GROUP_ACCESS) == GROUP_ACCESS;
+    const bool isOpenToGroup = (device.st_mode & kGroupAccess) == kGroupAccess;
     if (isOpenToGroup && device.st_gid != 0) {
         const std::string group = NameOfGroup(device.st_gid);
         return "permission denied; it belongs to the group " + group +
@@ -101,7 +101,7 @@ std::string ExplainPermission(const struct stat& device) {
                "' and log in again";
     }
     std::array<char, 8> mode{};
-    std::snprintf(mode.data(), mode.size(), "%04o", device.st_mode & PERMISSIONS);
+    std::snprintf(mode.data(), mode.size(), "%04o", device.st_mode & kPermissions);
     return "permission denied; it belongs to the user " + NameOfUser(device.st_uid) +
            ", and its permissions (" + mode.data() + ") do not let you use it";
 }

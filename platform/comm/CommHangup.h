@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleObject.h"
 
 #include <memory>
 #include <utility>

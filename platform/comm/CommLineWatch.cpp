@@ -1,3 +1,6 @@
+// The driver's wait for a line ends at a signal only, and one that comes just before the wait is
+// lost. Stop therefore sends signals until the thread has ended; the thread shares its state with
+// the watch, so that it may outlive it in a driver that hears none.
 #include "platform/comm/CommLineWatch.h"
 
 #include "platform/Thread.h"
@@ -15,11 +18,11 @@ namespace platform {
 namespace {
 
 // A signal that comes just before the wait in the driver does not end it, so it is sent again.
-constexpr DWORD SIGNAL_INTERVAL = 2; // milliseconds
-constexpr int SIGNALS_MAX = 250;
+constexpr DWORD kSignalInterval = 2; // milliseconds
+constexpr int kMostSignals = 250;
 
 // Between two moves, against lines that never rest; whoever waits looks once more on his own.
-constexpr timespec REST = {0, 10'000'000};
+constexpr timespec kRest = {0, 10'000'000};
 
 } // namespace
 
@@ -47,8 +50,8 @@ void CCommLineWatch::Stop() {
     if (!m_state)
         return;
     m_state->isStopped = true;
-    for (int i = 0; m_hThread && i < SIGNALS_MAX; ++i) {
-        if (WaitForSingleObject(m_hThread.get(), i == 0 ? 0 : SIGNAL_INTERVAL) == WAIT_OBJECT_0)
+    for (int i = 0; m_hThread && i < kMostSignals; ++i) {
+        if (WaitForSingleObject(m_hThread.get(), i == 0 ? 0 : kSignalInterval) == WAIT_OBJECT_0)
             break;
         tgkill(getpid(), static_cast<pid_t>(m_dwThreadId), InterruptSignal());
     }
@@ -74,7 +77,7 @@ void CCommLineWatch::Watch(State& state) {
         state.wake->Signal();
         if (systemError != 0)
             return;
-        nanosleep(&REST, nullptr);
+        nanosleep(&kRest, nullptr);
     }
 }
 

@@ -1,10 +1,20 @@
 #include "platform/comm/CommLines.h"
 
+#include "platform/comm/CommDriver.h"
+
 #include <sys/ioctl.h>
 
 #include <cerrno>
 
 namespace platform {
+
+BOOL CCommDriverLines::GetLines(int& lines) {
+    return m_driver.GetLines(lines);
+}
+
+bool CCommDriverLines::HasLines() const {
+    return m_driver.HasLines();
+}
 
 BOOL CCommDriverLines::GetCounters(serial_icounter_struct& counters) {
     return !m_driver.IsGone() && ioctl(m_driver.Descriptor(), TIOCGICOUNT, &counters) == 0;

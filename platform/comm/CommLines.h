@@ -4,9 +4,13 @@
 // AwaitMove is called by one thread at a time. Nothing outside platform/ includes this header.
 #pragma once
 
-#include "platform/comm/CommDriver.h"
+#include "platform/Types.h"
+
+#include <linux/serial.h>
 
 namespace platform {
+
+class CCommDriver;
 
 class ICommLines {
   public:
@@ -30,8 +34,8 @@ class CCommDriverLines final : public ICommLines {
   public:
     explicit CCommDriverLines(CCommDriver& driver) : m_driver(driver) {}
 
-    BOOL GetLines(int& lines) override { return m_driver.GetLines(lines); }
-    bool HasLines() const override { return m_driver.HasLines(); }
+    BOOL GetLines(int& lines) override;
+    bool HasLines() const override;
     BOOL GetCounters(serial_icounter_struct& counters) override;
     int AwaitMove(int lines) override;
 

@@ -7,11 +7,11 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view DEVICE_PREFIX = "\\\\.\\";
-constexpr std::string_view PORT_PREFIX = "COM";
+constexpr std::string_view kDevicePrefix = "\\\\.\\";
+constexpr std::string_view kPortPrefix = "COM";
 
 // The kernel's own limit of 8250 ports is far below; this one keeps the number in its type.
-constexpr std::size_t MOST_DIGITS = 5;
+constexpr std::size_t kMostDigits = 5;
 
 } // namespace
 
@@ -22,16 +22,16 @@ std::string DevicePathOfPort(LPCSTR portName) {
     if (name.starts_with('/'))
         return std::string(name);
 
-    if (name.starts_with(DEVICE_PREFIX))
-        name.remove_prefix(DEVICE_PREFIX.size());
-    if (name.size() <= PORT_PREFIX.size() ||
-        strncasecmp(name.data(), PORT_PREFIX.data(), PORT_PREFIX.size()) != 0)
+    if (name.starts_with(kDevicePrefix))
+        name.remove_prefix(kDevicePrefix.size());
+    if (name.size() <= kPortPrefix.size() ||
+        strncasecmp(name.data(), kPortPrefix.data(), kPortPrefix.size()) != 0)
         return {};
-    name.remove_prefix(PORT_PREFIX.size());
+    name.remove_prefix(kPortPrefix.size());
     if (name.ends_with(':'))
         name.remove_suffix(1);
 
-    if (name.empty() || name.size() > MOST_DIGITS || name.front() == '0')
+    if (name.empty() || name.size() > kMostDigits || name.front() == '0')
         return {};
     unsigned number = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);

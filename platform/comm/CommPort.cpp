@@ -1,8 +1,15 @@
+// Bytes reach the reader by way of the queue, which one large read fills, so that a reader of small
+// pieces costs no system call each. Whoever asks how many there are fills it too: it then takes the
+// bytes from where other waiters look for them, who must be woken.
 #include "platform/comm/CommPort.h"
 
 #include "platform/Error.h"
 #include "platform/comm/CommHangup.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/MakeObject.h"
+#include "platform/objects/TransferRecord.h"
+
+#include <sys/epoll.h>
 
 #include <algorithm>
 #include <utility>
@@ -10,42 +17,32 @@
 namespace platform {
 namespace {
 
-constexpr DWORD QUEUE_SIZE_AT_OPENING = 4096;
-constexpr DWORD LARGEST_QUEUE_SIZE = 16 * 1024 * 1024;
-constexpr WORD PROPERTIES_LENGTH = sizeof(COMMPROP);
+constexpr DWORD kQueueSizeAtOpening = 4096;
+constexpr DWORD kLargestQueueSize = 16 * 1024 * 1024;
+constexpr WORD kPropertiesLength = sizeof(COMMPROP);
 
-// Milliseconds for a transfer of that many bytes, of which 0 and 0 mean no limit.
-DWORD TotalLimit(DWORD multiplier, DWORD constant, DWORD count) {
-    const std::uint64_t total = std::uint64_t{multiplier} * count + constant;
-    return total == 0 ? INFINITE : static_cast<DWORD>(std::min<std::uint64_t>(total, INFINITE - 1));
-}
-
-// How long a read may wait for its first byte; 0: not at all.
-DWORD ReadLimit(const COMMTIMEOUTS& timeouts, DWORD count) {
-    const DWORD multiplier = timeouts.ReadTotalTimeoutMultiplier;
-    const DWORD constant = timeouts.ReadTotalTimeoutConstant;
-    if (timeouts.ReadIntervalTimeout == MAXDWORD && multiplier == 0 && constant == 0)
-        return 0;
-    if (timeouts.ReadIntervalTimeout == MAXDWORD && multiplier == MAXDWORD)
-        return constant;
-    return TotalLimit(multiplier, constant, count);
-}
-
-BOOL ResultOf(const OVERLAPPED& overlapped, LPDWORD moved) {
-    if (moved)
-        *moved = static_cast<DWORD>(overlapped.InternalHigh);
-    const DWORD error = static_cast<DWORD>(overlapped.Internal);
-    return error == ERROR_SUCCESS ? TRUE : FailWith(error);
+// Makes a descriptor that shows POLLIN while one of these shows it or has hung up.
+BOOL JoinDescriptors(CDescriptor& both, int one, int other) {
+    both.Reset(epoll_create1(EPOLL_CLOEXEC));
+    if (!both)
+        return FailWithErrno();
+    for (const int descriptor : {one, other}) {
+        epoll_event event{};
+        event.events = EPOLLIN;
+        if (epoll_ctl(both.Get(), EPOLL_CTL_ADD, descriptor, &event) != 0)
+            return FailWithErrno();
+    }
+    return TRUE;
 }
 
 } // namespace
 
 BOOL CCommPort::Open(LPCSTR path) {
-    m_dwOutputQueueSize = QUEUE_SIZE_AT_OPENING;
-    if (!m_queue.Resize(QUEUE_SIZE_AT_OPENING))
+    m_dwOutputQueueSize = kQueueSizeAtOpening;
+    if (!m_queue.Resize(kQueueSizeAtOpening))
         return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    return m_read.Create() && m_write.Create() && m_events.Create() && m_driver.Open(path) &&
-           m_waiters.Create(m_driver.Descriptor());
+    return m_output.Create() && m_waiters.Create() && m_events.Create() && m_driver.Open(path) &&
+           JoinDescriptors(m_readable, m_driver.Descriptor(), m_waiters.WakeDescriptor());
 }
 
 bool CCommPort::IsReady() const {
@@ -71,15 +68,10 @@ void CCommPort::EndWait() {
 
 BOOL CCommPort::Close() {
     m_events.Close();
-    {
-        const std::lock_guard lock(m_transmitMutex);
-        m_bTransmitClosed = true;
-        m_write.End(ERROR_OPERATION_ABORTED);
-    }
+    m_output.Close();
     {
         const std::lock_guard lock(m_receiveMutex);
         m_bReceiveClosed = true;
-        m_read.End(ERROR_OPERATION_ABORTED);
     }
     HANDLE hangup = nullptr;
     {
@@ -119,21 +111,13 @@ int CCommPort::FillQueue() {
     return received;
 }
 
-// By others than the reader, whose pending read looks for its bytes at the driver.
-int CCommPort::FillForTheReader() {
-    const int received = FillQueue();
-    if (received > 0 && m_read.IsPending())
-        StepRead();
-    return received;
-}
-
 CCommPort::Intake CCommPort::TakeIn() {
     const std::lock_guard lock(m_receiveMutex);
     if (m_bReceiveClosed)
-        return Intake::ENDED;
-    Intake result = Intake::HELD;
+        return Intake::Ended;
+    Intake result = Intake::Held;
     if (m_queue.Free() > 0 || m_queue.Extend())
-        result = FillForTheReader() < 0 ? Intake::ENDED : Intake::TAKEN;
+        result = FillQueue() < 0 ? Intake::Ended : Intake::Taken;
     else if (!m_driver.HoldsSender())
         result = DiscardReceived();
     m_bAskDriver = true;
@@ -141,11 +125,11 @@ CCommPort::Intake CCommPort::TakeIn() {
 }
 
 CCommPort::Intake CCommPort::DiscardReceived() {
-    BYTE unwanted[QUEUE_SIZE_AT_OPENING];
+    BYTE unwanted[kQueueSizeAtOpening];
     const int received = ReceiveFromDriver(unwanted, sizeof unwanted);
     if (received < 0)
-        return Intake::ENDED;
-    return received > 0 ? Intake::DISCARDED : Intake::TAKEN;
+        return Intake::Ended;
+    return received > 0 ? Intake::Discarded : Intake::Taken;
 }
 
 // The queue's bytes first, then the driver's: large pieces straight into the buffer, small ones by
@@ -172,137 +156,37 @@ int CCommPort::TakeReceived(void* buffer, DWORD count) {
 }
 
 BOOL CCommPort::Read(void* buffer, DWORD count, LPDWORD read, OVERLAPPED* overlapped) {
-    OVERLAPPED own{};
-    {
-        const std::lock_guard lock(m_receiveMutex);
-        if (m_bReceiveClosed)
-            return FailWith(ERROR_INVALID_HANDLE);
-        if (m_read.IsPending())
-            return FailWith(ERROR_INVALID_PARAMETER);
-        const int taken = TakeReceived(buffer, count);
-        if (taken < 0)
-            return FALSE;
-        const DWORD limit = ReadLimit(m_readTimeouts, count);
-        if (taken > 0 || count == 0 || limit == 0) {
-            *read = static_cast<DWORD>(taken);
-            if (overlapped)
-                RecordTransfer(overlapped, ERROR_SUCCESS, *read);
-            return TRUE;
-        }
-        m_target = static_cast<BYTE*>(buffer);
-        m_read.Begin(overlapped ? overlapped : &own, count, 0, limit);
-    }
-    return overlapped ? FailWith(ERROR_IO_PENDING) : FinishOwn(Receiving(), own, read);
+    const std::lock_guard lock(m_receiveMutex);
+    if (m_bReceiveClosed)
+        return FailWith(ERROR_INVALID_HANDLE);
+    const int taken = TakeReceived(buffer, count);
+    if (taken < 0)
+        return FALSE;
+    *read = static_cast<DWORD>(taken);
+    if (overlapped)
+        EndTransfer(*overlapped, ERROR_SUCCESS, *read);
+    return TRUE;
 }
-
-void CCommPort::StepRead() {
-    const int taken = TakeReceived(m_target, m_read.Left());
-    if (taken == 0)
-        return;
-    if (taken > 0)
-        m_read.Advance(static_cast<DWORD>(taken));
-    m_read.End(taken > 0 ? ERROR_SUCCESS : GetLastError());
-}
-
-// ---- Sending
 
 BOOL CCommPort::Write(const void* buffer, DWORD count, LPDWORD written, OVERLAPPED* overlapped) {
-    OVERLAPPED own{};
-    {
-        const std::lock_guard lock(m_transmitMutex);
-        if (m_bTransmitClosed)
-            return FailWith(ERROR_INVALID_HANDLE);
-        if (m_write.IsPending())
-            return FailWith(ERROR_INVALID_PARAMETER);
-        if (IsGone())
-            return FailWith(ERROR_DEVICE_NOT_CONNECTED);
-        const int sent = m_driver.Send(buffer, count);
-        if (sent < 0)
-            return FALSE;
-        ++m_dwWrites;
-        if (static_cast<DWORD>(sent) == count) {
-            *written = count;
-            if (overlapped)
-                RecordTransfer(overlapped, ERROR_SUCCESS, count);
-            return TRUE;
-        }
-        m_source = static_cast<const BYTE*>(buffer);
-        m_write.Begin(overlapped ? overlapped : &own, count, static_cast<DWORD>(sent),
-                      TotalLimit(m_writeTimeouts.WriteTotalTimeoutMultiplier,
-                                 m_writeTimeouts.WriteTotalTimeoutConstant, count));
-    }
-    return overlapped ? FailWith(ERROR_IO_PENDING) : FinishOwn(Sending(), own, written);
+    return m_output.Write(buffer, count, written, overlapped);
 }
-
-void CCommPort::StepWrite() {
-    if (IsGone())
-        return m_write.End(ERROR_DEVICE_NOT_CONNECTED);
-    const int sent = m_driver.Send(m_source + m_write.Done(), m_write.Left());
-    if (sent < 0)
-        return m_write.End(GetLastError());
-    ++m_dwWrites;
-    m_write.Advance(static_cast<DWORD>(sent));
-    if (m_write.Left() == 0)
-        m_write.End(ERROR_SUCCESS);
-}
-
-// ---- Pending transfers
 
 BOOL CCommPort::GetResult(OVERLAPPED* overlapped, LPDWORD transferred, BOOL wait) {
-    if (!Finish(Sending(), overlapped, wait) || !Finish(Receiving(), overlapped, wait) ||
-        !m_events.Finish(overlapped, wait))
+    if (!m_output.Finish(overlapped, wait) || !m_events.Finish(overlapped, wait))
         return FailWith(ERROR_IO_INCOMPLETE);
     return ResultOf(*overlapped, transferred);
-}
-
-BOOL CCommPort::FinishOwn(const Direction& direction, OVERLAPPED& own, LPDWORD moved) {
-    Finish(direction, &own, TRUE);
-    return ResultOf(own, moved);
-}
-
-// Carries the transfer on if it is this direction's; false when it is not finished and must not be
-// waited for.
-bool CCommPort::Finish(const Direction& direction, const OVERLAPPED* overlapped, BOOL wait) {
-    std::unique_lock lock(direction.mutex);
-    while (direction.transfer.IsPending(overlapped)) {
-        (this->*direction.step)();
-        if (!direction.transfer.IsPending(overlapped))
-            return true;
-        if (direction.transfer.Remaining() == 0)
-            direction.transfer.End(ERROR_SUCCESS);
-        else if (!wait)
-            return false;
-        else
-            WaitForProgress(direction, lock, overlapped);
-    }
-    return true;
-}
-
-void CCommPort::WaitForProgress(const Direction& direction, std::unique_lock<std::mutex>& lock,
-                                const OVERLAPPED* overlapped) {
-    const DWORD limit = direction.transfer.Remaining();
-    direction.transfer.EnterWait();
-    lock.unlock();
-    const int events = WaitForDescriptor(m_driver.Descriptor(), direction.events, limit,
-                                         direction.transfer.AbortDescriptor());
-    const DWORD error = events < 0 ? GetLastError() : ERROR_SUCCESS;
-    lock.lock();
-    direction.transfer.LeaveWait();
-    if (events > 0 && (events & (POLLHUP | POLLERR)) != 0)
-        m_driver.SetGone();
-    if (events < 0 && direction.transfer.IsPending(overlapped))
-        direction.transfer.End(error);
 }
 
 // ---- State
 
 BOOL CCommPort::GetProperties(COMMPROP& properties) {
-    if (properties.wPacketLength != PROPERTIES_LENGTH)
+    if (properties.wPacketLength != kPropertiesLength)
         return FailWith(ERROR_INVALID_PARAMETER);
     if (IsGone())
         return FailWith(ERROR_DEVICE_NOT_CONNECTED);
     properties = {};
-    properties.wPacketLength = PROPERTIES_LENGTH;
+    properties.wPacketLength = kPropertiesLength;
     properties.dwCurrentTxQueue = m_dwOutputQueueSize;
     const std::lock_guard lock(m_receiveMutex);
     properties.dwCurrentRxQueue = m_queue.Size();
@@ -310,7 +194,7 @@ BOOL CCommPort::GetProperties(COMMPROP& properties) {
 }
 
 BOOL CCommPort::SetQueueSizes(DWORD input, DWORD output) {
-    if (input < 1 || input > LARGEST_QUEUE_SIZE || output < 1 || output > LARGEST_QUEUE_SIZE)
+    if (input < 1 || input > kLargestQueueSize || output < 1 || output > kLargestQueueSize)
         return FailWith(ERROR_INVALID_PARAMETER);
     if (IsGone())
         return FailWith(ERROR_DEVICE_NOT_CONNECTED);
@@ -321,45 +205,18 @@ BOOL CCommPort::SetQueueSizes(DWORD input, DWORD output) {
     return TRUE;
 }
 
-BOOL CCommPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
-    if (IsGone())
-        return FailWith(ERROR_DEVICE_NOT_CONNECTED);
-    {
-        const std::lock_guard lock(m_receiveMutex);
-        m_readTimeouts = timeouts;
-    }
-    const std::lock_guard lock(m_transmitMutex);
-    m_writeTimeouts = timeouts;
-    return TRUE;
-}
-
 // Costs no system call while a reader works the queue off: the driver is asked when the queue is
 // empty, when its last fill left bytes in the driver, and when nothing was taken since it was last
 // asked.
 BOOL CCommPort::CountReceived(DWORD& count) {
     const std::lock_guard lock(m_receiveMutex);
-    if (m_queue.IsEmpty() && FillForTheReader() < 0)
+    if (m_queue.IsEmpty() && FillQueue() < 0)
         return FALSE;
     count = m_queue.Count();
     DWORD waiting = 0;
     if (count > 0 && m_bAskDriver && m_driver.CountInput(waiting))
         count += waiting;
     m_bAskDriver = true;
-    return TRUE;
-}
-
-// Bytes that are handed over meanwhile may be counted twice, but none is left out.
-BOOL CCommPort::CountUnsent(DWORD& count) {
-    count = m_write.Left();
-    const DWORD writes = m_dwWrites;
-    if (writes == m_dwDrained)
-        return TRUE;
-    DWORD waiting = 0;
-    if (!m_driver.CountOutput(waiting))
-        return FALSE;
-    if (waiting == 0)
-        m_dwDrained = writes;
-    count += waiting;
     return TRUE;
 }
 
@@ -371,7 +228,7 @@ BOOL CCommPort::ClearError(LPDWORD errors, COMSTAT* status) {
         return FALSE;
     // What was received before the device went is still to be read.
     const bool isAnswered =
-        (!errors || m_driver.TakeErrors(found)) && (!status || CountUnsent(unsent));
+        (!errors || m_driver.TakeErrors(found)) && (!status || m_output.CountUnsent(unsent));
     if (!isAnswered && received == 0)
         return FALSE;
     if (errors)
@@ -385,22 +242,11 @@ BOOL CCommPort::ClearError(LPDWORD errors, COMSTAT* status) {
 }
 
 BOOL CCommPort::Purge(DWORD flags) {
-    BOOL purged = TRUE;
-    if (flags & (PURGE_TXABORT | PURGE_TXCLEAR)) {
-        const std::lock_guard lock(m_transmitMutex);
-        if (flags & PURGE_TXABORT)
-            m_write.End(ERROR_OPERATION_ABORTED);
-        if (flags & PURGE_TXCLEAR)
-            purged = m_driver.Flush(TCOFLUSH);
-    }
-    if (flags & (PURGE_RXABORT | PURGE_RXCLEAR)) {
+    BOOL purged = m_output.Purge(flags);
+    if (flags & PURGE_RXCLEAR) {
         const std::lock_guard lock(m_receiveMutex);
-        if (flags & PURGE_RXABORT)
-            m_read.End(ERROR_OPERATION_ABORTED);
-        if (flags & PURGE_RXCLEAR) {
-            m_queue.Clear();
-            purged = m_driver.Flush(TCIFLUSH) && purged;
-        }
+        m_queue.Clear();
+        purged = m_driver.Flush(TCIFLUSH) && purged;
     }
     return IsGone() ? FailWith(ERROR_DEVICE_NOT_CONNECTED) : purged;
 }

@@ -1,8 +1,8 @@
-// An open serial port: its driver, its receive queue and its pending transfers.
+// An open serial port: its driver, its receive queue, its sending side and its comm events.
 //
 // Owned by the handle table and by the calls in progress on it. Any thread may call any operation;
 // the two directions have a lock each, so that a reader and a writer do not wait for one another,
-// and no lock is held while a call blocks. Close ends pending transfers and gives the device back;
+// and no lock is held while a call blocks. Close ends what is pending and gives the device back;
 // the descriptor itself goes with the last call that still uses it.
 //
 // The operations have the arguments, results and errors of the calls in platform/Comm.h.
@@ -11,9 +11,10 @@
 #include "platform/comm/CommDriver.h"
 #include "platform/comm/CommEventWait.h"
 #include "platform/comm/CommLines.h"
+#include "platform/comm/CommOutput.h"
 #include "platform/comm/CommQueue.h"
-#include "platform/comm/CommTransfer.h"
 #include "platform/comm/CommWaiters.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/TransferObject.h"
 
 #include <atomic>
@@ -28,7 +29,7 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     // FALSE with the errors of CreateFileA.
     BOOL Open(LPCSTR path);
 
-    int WaitDescriptor() const override { return m_waiters.Descriptor(); }
+    int WaitDescriptor() const override { return m_readable.Get(); }
     bool IsReady() const override;
     void BeginWait() override;
     void EndWait() override;
@@ -41,14 +42,13 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
 
     BOOL GetProperties(COMMPROP& properties);
     BOOL SetQueueSizes(DWORD input, DWORD output);
-    BOOL SetTimeouts(const COMMTIMEOUTS& timeouts);
     BOOL ClearError(LPDWORD errors, COMSTAT* status);
     BOOL Purge(DWORD flags);
 
     // Takes what the driver holds into the receive queue while nobody reads it, up to 1 MiB. What
-    // finds no room is left in the driver when that can hold the sender (HELD), else discarded.
-    // ENDED once nothing more can come.
-    enum class Intake { TAKEN, HELD, DISCARDED, ENDED };
+    // finds no room is left in the driver when that can hold the sender (Held), else discarded.
+    // Ended once nothing more can come.
+    enum class Intake { Taken, Held, Discarded, Ended };
     Intake TakeIn();
 
     // For what is the driver's alone: lines and line settings.
@@ -70,54 +70,30 @@ class CCommPort final : public CTransferObject, public std::enable_shared_from_t
     void ForgetHangupHandle();
 
   private:
-    // One direction's pending transfer, and how it is carried on.
-    struct Direction {
-        CCommTransfer& transfer;
-        std::mutex& mutex;
-        short events;
-        void (CCommPort::*step)();
-    };
-    Direction Sending() { return {m_write, m_transmitMutex, POLLOUT, &CCommPort::StepWrite}; }
-    Direction Receiving() { return {m_read, m_receiveMutex, POLLIN, &CCommPort::StepRead}; }
-
     int TakeReceived(void* buffer, DWORD count);
     int FillQueue();
-    int FillForTheReader();
     Intake DiscardReceived();
     int ReceiveFromDriver(void* buffer, DWORD count);
-    BOOL CountUnsent(DWORD& count);
-    void StepRead();
-    void StepWrite();
-    bool Finish(const Direction& direction, const OVERLAPPED* overlapped, BOOL wait);
-    void WaitForProgress(const Direction& direction, std::unique_lock<std::mutex>& lock,
-                         const OVERLAPPED* overlapped);
-    BOOL FinishOwn(const Direction& direction, OVERLAPPED& own, LPDWORD moved);
 
     CCommDriver m_driver;
     CCommDriverLines m_driverLines{m_driver};
     std::shared_ptr<ICommLines> m_otherLines;
     CCommEventWait m_events{*this};
+    CCommOutput m_output{m_driver};
+    std::atomic<DWORD> m_dwOutputQueueSize;
+
+    // An epoll instance: shows what the device shows, and that the waiters have been woken.
+    CDescriptor m_readable;
 
     mutable std::mutex m_receiveMutex; // guards what follows
     CCommQueue m_queue;
+    // For received bytes; woken when another thread has taken them from under those who poll, out
+    // of the driver into the queue.
     CCommWaiters m_waiters;
-    CCommTransfer m_read;
-    BYTE* m_target = nullptr; // the pending read's buffer
-    COMMTIMEOUTS m_readTimeouts{};
     bool m_bInputEnded = false; // the device is gone and the driver has nothing left
     bool m_bFilledUp = false;   // the last fill left bytes in the driver
     bool m_bAskDriver = false;  // the driver may hold bytes beside those in the queue
     bool m_bReceiveClosed = false;
-
-    std::mutex m_transmitMutex; // guards what follows
-    CCommTransfer m_write;
-    const BYTE* m_source = nullptr; // the pending write's buffer
-    COMMTIMEOUTS m_writeTimeouts{};
-    bool m_bTransmitClosed = false;
-
-    std::atomic<DWORD> m_dwOutputQueueSize;
-    std::atomic<DWORD> m_dwWrites = 0;  // counts the calls that have given the driver bytes
-    std::atomic<DWORD> m_dwDrained = 0; // that count when the driver was last seen to hold none
 
     std::mutex m_hangupMutex; // guards what follows
     HANDLE m_hHangup = nullptr;

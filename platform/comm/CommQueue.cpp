@@ -14,8 +14,8 @@ bool CCommQueue::Resize(DWORD size) {
 }
 
 bool CCommQueue::Extend() {
-    return m_dwCapacity < MOST_KEPT &&
-           Allocate(std::min(std::max<DWORD>(m_dwCapacity, 1) * 2, MOST_KEPT));
+    return m_dwCapacity < kMostKept &&
+           Allocate(std::min(std::max<DWORD>(m_dwCapacity, 1) * 2, kMostKept));
 }
 
 bool CCommQueue::Allocate(DWORD capacity) {

@@ -21,10 +21,10 @@ class CCommQueue {
     // The size that Resize was last asked for.
     DWORD Size() const { return m_dwSize; }
     DWORD Count() const { return m_dwEnd - m_dwBegin; }
-    // Makes the queue larger than its size, up to MOST_KEPT bytes. False when it is as large as
+    // Makes the queue larger than its size, up to kMostKept bytes. False when it is as large as
     // that already, or there is no memory.
     bool Extend();
-    static constexpr DWORD MOST_KEPT = 1 << 20;
+    static constexpr DWORD kMostKept = 1 << 20;
 
     bool IsEmpty() const { return m_dwBegin == m_dwEnd; }
 

@@ -1,3 +1,6 @@
+// Only what the DCB and the kernel both know is carried over; the rest of a DCB is refused instead
+// of being left out without a word. Drivers replace what they cannot do just as silently, for which
+// AreSettingsTaken looks afterwards.
 #include "platform/comm/CommSettings.h"
 
 #include <algorithm>
@@ -12,7 +15,7 @@ struct ParityFlags {
 };
 
 // With CMSPAR the parity bit is constant: PARODD makes it a mark, otherwise it is a space.
-constexpr ParityFlags PARITIES[] = {
+constexpr ParityFlags kParities[] = {
     {NOPARITY, 0},
     {ODDPARITY, PARENB | PARODD},
     {EVENPARITY, PARENB},
@@ -20,23 +23,23 @@ constexpr ParityFlags PARITIES[] = {
     {SPACEPARITY, PARENB | CMSPAR},
 };
 
-constexpr tcflag_t PARITY_MASK = PARENB | PARODD | CMSPAR;
-constexpr tcflag_t FORMAT_MASK = CSIZE | CSTOPB | PARITY_MASK;
-constexpr tcflag_t SOFTWARE_FLOW = IXON | IXOFF;
+constexpr tcflag_t kParityMask = PARENB | PARODD | CMSPAR;
+constexpr tcflag_t kFormatMask = CSIZE | CSTOPB | kParityMask;
+constexpr tcflag_t kSoftwareFlow = IXON | IXOFF;
 
-constexpr BYTE SMALLEST_BYTE_SIZE = 5;
-constexpr tcflag_t BYTE_SIZES[] = {CS5, CS6, CS7, CS8};
+constexpr BYTE kSmallestByteSize = 5;
+constexpr tcflag_t kByteSizes[] = {CS5, CS6, CS7, CS8};
 
 // The characters that nearly every device knows as XON and XOFF (DC1, DC3).
-constexpr char USUAL_XON = 0x11;
-constexpr char USUAL_XOFF = 0x13;
+constexpr char kUsualXon = 0x11;
+constexpr char kUsualXoff = 0x13;
 
 // Receivers sample in the middle of a bit: ten bits long, a byte tolerates about 5 % in all, and
 // the other side needs its share.
-constexpr std::uint64_t SPEED_TOLERANCE_PERCENT = 3;
+constexpr std::uint64_t kSpeedTolerancePercent = 3;
 
 tcflag_t ParityOf(tcflag_t controlFlags) {
-    return (controlFlags & PARENB) ? controlFlags & PARITY_MASK : 0;
+    return (controlFlags & PARENB) ? controlFlags & kParityMask : 0;
 }
 
 tcflag_t FormatOf(tcflag_t controlFlags) {
@@ -45,14 +48,14 @@ tcflag_t FormatOf(tcflag_t controlFlags) {
 
 bool IsSpeedTaken(speed_t asked, speed_t inPlace) {
     const std::uint64_t difference = asked > inPlace ? asked - inPlace : inPlace - asked;
-    return difference * 100 <= SPEED_TOLERANCE_PERCENT * asked;
+    return difference * 100 <= kSpeedTolerancePercent * asked;
 }
 
 // CSTOPB is one and a half stop bits with 5 data bits and two with more.
 bool HasStopBits(BYTE byteSize, BYTE stopBits) {
     if (stopBits == ONESTOPBIT)
         return true;
-    return stopBits == (byteSize == SMALLEST_BYTE_SIZE ? ONE5STOPBITS : TWOSTOPBITS);
+    return stopBits == (byteSize == kSmallestByteSize ? ONE5STOPBITS : TWOSTOPBITS);
 }
 
 // The kernel couples RTS and CTS flow control, and knows no flow control by DSR and DTR, no
@@ -76,8 +79,8 @@ void MakeRaw(termios2& settings) {
     // A terminal in line mode has the kernel's own start values, XON/XOFF among them, which nobody
     // chose for this device.
     if (settings.c_lflag & ICANON)
-        settings.c_iflag &= ~SOFTWARE_FLOW;
-    settings.c_iflag &= SOFTWARE_FLOW;
+        settings.c_iflag &= ~kSoftwareFlow;
+    settings.c_iflag &= kSoftwareFlow;
     // A received break and an overrun are counted by the driver and add no byte: with BRKINT, the
     // kernel looks at the marks that drivers put on the NULs for them. The signal that BRKINT is
     // for finds nobody, as no process is controlled by the port; NOFLSH keeps what was received
@@ -93,9 +96,9 @@ void MakeRaw(termios2& settings) {
 
 DCB DcbOfSettings(const termios2& settings) {
     const tcflag_t flags = settings.c_cflag;
-    const auto size = std::find(std::begin(BYTE_SIZES), std::end(BYTE_SIZES), flags & CSIZE);
+    const auto size = std::find(std::begin(kByteSizes), std::end(kByteSizes), flags & CSIZE);
     const auto parity =
-        std::find_if(std::begin(PARITIES), std::end(PARITIES),
+        std::find_if(std::begin(kParities), std::end(kParities),
                      [&](const ParityFlags& row) { return row.flags == ParityOf(flags); });
     const bool hardwareFlow = (flags & CRTSCTS) != 0;
 
@@ -112,29 +115,29 @@ DCB DcbOfSettings(const termios2& settings) {
     dcb.fTXContinueOnXoff = 1;
     dcb.fOutX = (settings.c_iflag & IXON) != 0;
     dcb.fInX = (settings.c_iflag & IXOFF) != 0;
-    dcb.ByteSize = static_cast<BYTE>(SMALLEST_BYTE_SIZE + (size - std::begin(BYTE_SIZES)));
+    dcb.ByteSize = static_cast<BYTE>(kSmallestByteSize + (size - std::begin(kByteSizes)));
     dcb.Parity = parity->parity;
     if (flags & CSTOPB)
-        dcb.StopBits = dcb.ByteSize == SMALLEST_BYTE_SIZE ? ONE5STOPBITS : TWOSTOPBITS;
+        dcb.StopBits = dcb.ByteSize == kSmallestByteSize ? ONE5STOPBITS : TWOSTOPBITS;
     dcb.XonChar = static_cast<char>(settings.c_cc[VSTART]);
     dcb.XoffChar = static_cast<char>(settings.c_cc[VSTOP]);
     return dcb;
 }
 
 bool ApplyDcb(const DCB& dcb, termios2& settings) {
-    const std::size_t size = static_cast<std::size_t>(dcb.ByteSize) - SMALLEST_BYTE_SIZE;
+    const std::size_t size = static_cast<std::size_t>(dcb.ByteSize) - kSmallestByteSize;
     const auto parity =
-        std::find_if(std::begin(PARITIES), std::end(PARITIES),
+        std::find_if(std::begin(kParities), std::end(kParities),
                      [&](const ParityFlags& row) { return row.parity == dcb.Parity; });
     // Speed 0 would drop DTR.
-    if (dcb.BaudRate == 0 || dcb.ByteSize < SMALLEST_BYTE_SIZE || size >= std::size(BYTE_SIZES) ||
-        parity == std::end(PARITIES))
+    if (dcb.BaudRate == 0 || dcb.ByteSize < kSmallestByteSize || size >= std::size(kByteSizes) ||
+        parity == std::end(kParities))
         return false;
     if (!HasStopBits(dcb.ByteSize, dcb.StopBits) || !IsFlowKnown(dcb))
         return false;
 
-    settings.c_cflag &= ~(FORMAT_MASK | CRTSCTS | CBAUD | static_cast<tcflag_t>(CIBAUD));
-    settings.c_cflag |= BOTHER | BYTE_SIZES[size] | parity->flags;
+    settings.c_cflag &= ~(kFormatMask | CRTSCTS | CBAUD | static_cast<tcflag_t>(CIBAUD));
+    settings.c_cflag |= BOTHER | kByteSizes[size] | parity->flags;
     if (dcb.StopBits != ONESTOPBIT)
         settings.c_cflag |= CSTOPB;
     if (dcb.fOutxCtsFlow)
@@ -142,14 +145,14 @@ bool ApplyDcb(const DCB& dcb, termios2& settings) {
     settings.c_ispeed = dcb.BaudRate;
     settings.c_ospeed = dcb.BaudRate;
 
-    settings.c_iflag &= ~SOFTWARE_FLOW;
+    settings.c_iflag &= ~kSoftwareFlow;
     if (dcb.fOutX)
         settings.c_iflag |= IXON;
     if (dcb.fInX)
         settings.c_iflag |= IXOFF;
     if (dcb.fOutX || dcb.fInX) {
-        settings.c_cc[VSTART] = FlowCharacter(dcb.XonChar, USUAL_XON);
-        settings.c_cc[VSTOP] = FlowCharacter(dcb.XoffChar, USUAL_XOFF);
+        settings.c_cc[VSTART] = FlowCharacter(dcb.XonChar, kUsualXon);
+        settings.c_cc[VSTOP] = FlowCharacter(dcb.XoffChar, kUsualXoff);
     }
     return true;
 }
@@ -158,7 +161,7 @@ bool AreSettingsTaken(const termios2& asked, const termios2& inPlace, bool pseud
     if (!IsSpeedTaken(asked.c_ospeed, inPlace.c_ospeed))
         return false;
     if ((asked.c_cflag & CRTSCTS) != (inPlace.c_cflag & CRTSCTS) ||
-        (asked.c_iflag & SOFTWARE_FLOW) != (inPlace.c_iflag & SOFTWARE_FLOW))
+        (asked.c_iflag & kSoftwareFlow) != (inPlace.c_iflag & kSoftwareFlow))
         return false;
     return pseudoTerminal || FormatOf(asked.c_cflag) == FormatOf(inPlace.c_cflag);
 }

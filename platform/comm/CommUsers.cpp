@@ -1,7 +1,9 @@
+// Who has a device open is read off /proc: first the holder of the lock that every port of ours
+// takes, which is one file to read, then any process with a descriptor of the device.
 #include "platform/comm/CommUsers.h"
 
 #include "platform/Comm.h"
-#include "platform/TerminalDevice.h"
+#include "platform/terminal/TerminalDevice.h"
 
 #include <dirent.h>
 #include <sys/sysmacros.h>
@@ -24,8 +26,8 @@ struct CloseFolder {
 using FilePointer = std::unique_ptr<FILE, CloseFile>;
 using FolderPointer = std::unique_ptr<DIR, CloseFolder>;
 
-constexpr std::size_t LINE_LENGTH = 256;
-constexpr char DEVICE_FOLDER[] = "/dev/";
+constexpr std::size_t kLineLength = 256;
+constexpr char kDeviceFolder[] = "/dev/";
 
 // The number that a folder of /proc is named by; 0 for other entries.
 pid_t NumberOf(const char* entry) {
@@ -38,7 +40,7 @@ pid_t NumberOf(const char* entry) {
 // file.
 pid_t FindLockHolder(const struct stat& device) {
     const FilePointer locks(fopen("/proc/locks", "re"));
-    char line[LINE_LENGTH];
+    char line[kLineLength];
     while (locks && fgets(line, sizeof line, locks.get())) {
         int process = 0;
         unsigned majorNumber = 0;
@@ -55,10 +57,10 @@ pid_t FindLockHolder(const struct stat& device) {
 
 // The link is read first: following one to a file somewhere else may block.
 bool IsLinkTo(int folder, const char* entry, dev_t device) {
-    char target[sizeof DEVICE_FOLDER];
+    char target[sizeof kDeviceFolder];
     const ssize_t length = readlinkat(folder, entry, target, sizeof target);
-    if (length < static_cast<ssize_t>(std::strlen(DEVICE_FOLDER)) ||
-        std::strncmp(target, DEVICE_FOLDER, std::strlen(DEVICE_FOLDER)) != 0)
+    if (length < static_cast<ssize_t>(std::strlen(kDeviceFolder)) ||
+        std::strncmp(target, kDeviceFolder, std::strlen(kDeviceFolder)) != 0)
         return false;
     struct stat status {};
     return fstatat(folder, entry, &status, 0) == 0 && S_ISCHR(status.st_mode) &&
@@ -68,7 +70,7 @@ bool IsLinkTo(int folder, const char* entry, dev_t device) {
 // The other end of a pseudo-terminal tells in its notes "tty-index:<TAB>7" which one it is.
 bool IsOtherEnd(const std::string& notesPath, dev_t device) {
     const FilePointer notes(fopen(notesPath.c_str(), "re"));
-    char line[LINE_LENGTH];
+    char line[kLineLength];
     while (notes && fgets(line, sizeof line, notes.get())) {
         unsigned index = 0;
         if (sscanf(line, "tty-index: %u", &index) == 1)
@@ -117,7 +119,7 @@ pid_t FindOpener(dev_t device) {
 std::string NameOf(pid_t process) {
     const std::string path = "/proc/" + std::to_string(process) + "/comm";
     const FilePointer file(fopen(path.c_str(), "re"));
-    char name[LINE_LENGTH];
+    char name[kLineLength];
     if (!file || !fgets(name, sizeof name, file.get()))
         return {};
     return std::string(name, std::strcspn(name, "\n"));

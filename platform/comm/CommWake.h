@@ -2,7 +2,8 @@
 // thread may call any operation. Nothing outside platform/ includes this header.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/Types.h"
+#include "platform/objects/Descriptor.h"
 
 namespace platform {
 

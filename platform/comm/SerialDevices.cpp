@@ -1,7 +1,7 @@
 #include "platform/comm/SerialDevices.h"
 
 #include "platform/Comm.h"
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -18,12 +18,12 @@
 namespace platform {
 namespace {
 
-const std::string CLASS_FOLDER = "/sys/class/tty/";
-constexpr std::string_view ON_BOARD_PREFIX = "ttyS";
+const std::string kClassFolder = "/sys/class/tty/";
+constexpr std::string_view kOnBoardPrefix = "ttyS";
 // Terminals of virtual machines and firmware: consoles, whatever is behind them.
-constexpr std::string_view CONSOLE_PREFIX = "hvc";
+constexpr std::string_view kConsolePrefix = "hvc";
 // The kernel has no more minor numbers for all serial drivers together.
-constexpr std::size_t MOST_DEVICES = 4096;
+constexpr std::size_t kMostDevices = 4096;
 
 // "ttyUSB12" is ("ttyUSB", 12).
 std::pair<std::string_view, unsigned> SplitName(std::string_view name) {
@@ -63,10 +63,10 @@ std::vector<SerialDevice> ListSerialDevices(const std::string& folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
     while (const dirent* entry = listing ? readdir(listing.get()) : nullptr) {
         const std::string_view name = entry->d_name;
-        if (name.starts_with('.') || name.starts_with(CONSOLE_PREFIX))
+        if (name.starts_with('.') || name.starts_with(kConsolePrefix))
             continue;
-        if (devices.size() < MOST_DEVICES && IsThere(folder + "/" + entry->d_name))
-            devices.push_back({std::string(name), SplitName(name).first == ON_BOARD_PREFIX});
+        if (devices.size() < kMostDevices && IsThere(folder + "/" + entry->d_name))
+            devices.push_back({std::string(name), SplitName(name).first == kOnBoardPrefix});
     }
     std::sort(devices.begin(), devices.end(), [](const SerialDevice& a, const SerialDevice& b) {
         return SplitName(a.name) < SplitName(b.name);
@@ -83,7 +83,7 @@ std::string FindSerialDevice(const std::string& name) {
         return {};
     const std::string kernelName(
         std::string_view(target).substr(std::string_view(target).find_last_of('/') + 1));
-    const bool isSerial = access((CLASS_FOLDER + kernelName + "/device").c_str(), F_OK) == 0;
+    const bool isSerial = access((kClassFolder + kernelName + "/device").c_str(), F_OK) == 0;
     return isSerial ? path : std::string();
 }
 

@@ -1,7 +1,11 @@
+// Nothing here blocks in the kernel: the descriptor is non-blocking, and what would block becomes a
+// wait for it. A lock is taken before a file is emptied, so that a refused open leaves it whole.
 #include "platform/objects/DiskFile.h"
 
 #include "platform/Error.h"
+#include "platform/objects/DescriptorWait.h"
 #include "platform/objects/MakeObject.h"
+#include "platform/objects/TransferRecord.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -19,9 +23,9 @@ namespace {
 
 // How long a FIFO or a terminal may take no byte until a write to it fails: a reader that has gone
 // must not hold the program for ever.
-constexpr DWORD WRITE_PATIENCE = 10'000;
+constexpr DWORD kWritePatience = 10'000;
 
-constexpr mode_t NEW_FILE_MODE = 0666; // the user's umask takes from it
+constexpr mode_t kNewFileMode = 0666; // the user's umask takes from it
 
 BOOL FailWithWriteErrno(int systemError) {
     const bool isFull = systemError == ENOSPC || systemError == EDQUOT;
@@ -64,12 +68,8 @@ BOOL LockFile(int file, DWORD shareMode) {
 }
 
 void RecordResult(OVERLAPPED* overlapped, BOOL succeeded, DWORD count) {
-    if (overlapped == nullptr)
-        return;
-    overlapped->Internal = succeeded ? ERROR_SUCCESS : GetLastError();
-    overlapped->InternalHigh = count;
-    if (overlapped->hEvent != nullptr)
-        SetEvent(overlapped->hEvent);
+    if (overlapped != nullptr)
+        EndTransfer(*overlapped, succeeded ? ERROR_SUCCESS : GetLastError(), count);
 }
 
 } // namespace
@@ -88,7 +88,7 @@ bool IsSameFile(LPCSTR name, LPCSTR other) {
 
 std::shared_ptr<CTransferObject> OpenDiskFile(LPCSTR name, DWORD access, DWORD shareMode,
                                               DWORD disposition) {
-    CDescriptor file(open(name, OpenFlags(access, disposition), NEW_FILE_MODE));
+    CDescriptor file(open(name, OpenFlags(access, disposition), kNewFileMode));
     struct stat status {};
     if (!file || fstat(file.Get(), &status) != 0) {
         SetOpenError(name, errno);
@@ -127,9 +127,7 @@ BOOL CDiskFile::Write(const void* buffer, DWORD count, LPDWORD written, OVERLAPP
 }
 
 BOOL CDiskFile::GetResult(OVERLAPPED* overlapped, LPDWORD transferred, BOOL) {
-    *transferred = static_cast<DWORD>(overlapped->InternalHigh);
-    const auto code = static_cast<DWORD>(overlapped->Internal);
-    return code == ERROR_SUCCESS ? TRUE : FailWith(code);
+    return ResultOf(*overlapped, transferred);
 }
 
 BOOL CDiskFile::ReadSome(void* buffer, DWORD count, LPDWORD read) {
@@ -167,7 +165,7 @@ BOOL CDiskFile::WriteAll(const BYTE* bytes, DWORD count, LPDWORD written) {
             continue;
         if (errno != EAGAIN)
             return FailWithWriteErrno(errno);
-        const int shown = WaitForDescriptor(m_file.Get(), POLLOUT, WRITE_PATIENCE);
+        const int shown = WaitForDescriptor(m_file.Get(), POLLOUT, kWritePatience);
         if (shown <= 0)
             return shown == 0 ? FailWith(ERROR_TIMEOUT) : FALSE;
     }

@@ -6,6 +6,7 @@
 // thread waits as in every other wait, with the console served.
 #pragma once
 
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/TransferObject.h"
 
 #include <shared_mutex>

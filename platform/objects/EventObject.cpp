@@ -66,31 +66,3 @@ void CEventObject::Mirror(bool signalled) {
 }
 
 } // namespace platform
-
-HANDLE CreateEventA(SECURITY_ATTRIBUTES* lpEventAttributes, BOOL bManualReset, BOOL bInitialState,
-                    LPCSTR lpName) {
-    if (lpEventAttributes != nullptr || lpName != nullptr) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    const auto event = platform::MakeObject<platform::CEventObject>(bManualReset != FALSE);
-    if (!event || !event->Create(bInitialState != FALSE))
-        return nullptr;
-    return platform::RegisterHandle(event);
-}
-
-BOOL SetEvent(HANDLE hEvent) {
-    const auto event = platform::FindHandleOf<platform::CEventObject>(hEvent);
-    if (!event)
-        return FALSE;
-    event->Set();
-    return TRUE;
-}
-
-BOOL ResetEvent(HANDLE hEvent) {
-    const auto event = platform::FindHandleOf<platform::CEventObject>(hEvent);
-    if (!event)
-        return FALSE;
-    event->Reset();
-    return TRUE;
-}

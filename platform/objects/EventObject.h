@@ -5,6 +5,7 @@
 // system call. An eventfd mirrors it for poll(); word and eventfd change together under the mutex.
 #pragma once
 
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/HandleObject.h"
 
 #include <atomic>

@@ -7,11 +7,13 @@
 #pragma once
 
 #include "platform/Thread.h"
+#include "platform/objects/Descriptor.h"
 #include "platform/objects/HandleObject.h"
 
 #include <sys/types.h>
 
 #include <atomic>
+#include <memory>
 #include <mutex>
 
 namespace platform {
@@ -49,7 +51,8 @@ class CThreadObject final : public CHandleObject {
     bool IsReady() const override { return m_bEnded.load(std::memory_order_acquire); }
     bool TryAcquire(short) override { return IsReady(); }
 
-    // Of the calling thread; false and -1 on one that CreateThread did not start.
+    // Of the calling thread: whether TerminateThread has named it, and the descriptor that shows
+    // POLLIN from then on. False and -1 on a thread that CreateThread did not start.
     static bool IsCurrentTerminated();
     static int CurrentTerminationDescriptor();
 
@@ -57,7 +60,7 @@ class CThreadObject final : public CHandleObject {
     static void* Main(void* argument);
     void Run();
 
-    static constexpr DWORD STILL_RUNNING = 259;
+    static constexpr DWORD kStillRunning = 259;
 
     const LPTHREAD_START_ROUTINE m_procedure;
     const LPVOID m_parameter;
@@ -65,7 +68,7 @@ class CThreadObject final : public CHandleObject {
     pthread_t m_thread{};
     bool m_bStarted = false;
     std::atomic<pid_t> m_identifier = 0;
-    std::atomic<DWORD> m_dwExitCode = STILL_RUNNING;
+    std::atomic<DWORD> m_dwExitCode = kStillRunning;
     std::atomic<bool> m_bTerminated = false;
     std::atomic<bool> m_bSuspended;
     std::atomic<bool> m_bEnded = false;

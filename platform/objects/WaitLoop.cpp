@@ -1,9 +1,15 @@
+// A wait is turns of one poll() over the objects' descriptors, the companion's, the thread's
+// termination and the end of the program. Before a turn blocks, the companion does its work, but
+// only after a look that has found nothing: who need not wait does not pay for it. What poll()
+// shows is only a hint; TryAcquire decides, since another thread may have been faster.
 #include "platform/objects/WaitLoop.h"
 
 #include "platform/Error.h"
 #include "platform/objects/DueTimer.h"
 #include "platform/objects/EndWatch.h"
+#include "platform/objects/HandleTable.h"
 #include "platform/objects/ThreadObject.h"
+#include "platform/objects/WaitCompanion.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -26,7 +32,7 @@ CWaitLoop::CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseco
 DWORD CWaitLoop::Run() {
     for (DWORD index = 0; index < m_dwCount; ++index)
         m_objects[index]->BeginWait();
-    while (TakeTurn() == Turn::AGAIN)
+    while (TakeTurn() == Turn::Again)
         continue;
     for (DWORD index = 0; index < m_dwCount; ++index)
         m_objects[index]->EndWait();
@@ -45,28 +51,28 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
     if (IsOver(untilEnd))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireFirst())
-        return Turn::DONE;
+        return Turn::Done;
 
-    const std::int64_t remaining = m_deadline.Remaining();
+    const std::int64_t remaining = m_deadline.RemainingNanoseconds();
     const std::int64_t patience =
         std::min({PatienceOf(remaining), ThreadTimerRemaining(), untilEnd});
-    m_bWatchesEnd = untilEnd == CDeadline::NEVER;
+    m_bWatchesEnd = untilEnd == CDeadline::kNever;
     const bool looksOnly =
         patience != 0 && !m_bWorkTried && t_companion != nullptr && t_companion->HasWork();
     const int shown = Poll(looksOnly ? 0 : patience);
     if (shown < 0)
-        return errno == EINTR ? Turn::AGAIN : Fail(ErrorFromErrno(errno));
+        return errno == EINTR ? Turn::Again : Fail(ErrorFromErrno(errno));
     ServeCompanion();
     RunDueThreadTimer();
     if (IsOver(EndRemaining()))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireAny())
-        return Turn::DONE;
+        return Turn::Done;
     if (looksOnly && LetCompanionWork())
-        return Turn::AGAIN;
+        return Turn::Again;
     if (remaining == 0 || (shown == 0 && !looksOnly && patience == remaining))
         return End(WAIT_TIMEOUT);
-    return shown == 0 || HandlesAreOpen() ? Turn::AGAIN : Fail(ERROR_INVALID_HANDLE);
+    return shown == 0 || HandlesAreOpen() ? Turn::Again : Fail(ERROR_INVALID_HANDLE);
 }
 
 // The thread was terminated, or the end was asked for and the thread heeds it.
@@ -102,7 +108,7 @@ std::int64_t CWaitLoop::PatienceOf(std::int64_t remaining) const {
             return 0;
         const int readyIn = m_objects[index]->ReadyInMilliseconds();
         if (readyIn >= 0)
-            patience = std::min(patience, readyIn * NANOSECONDS_PER_MILLISECOND);
+            patience = std::min(patience, readyIn * kNanosecondsPerMillisecond);
     }
     return patience;
 }
@@ -115,13 +121,14 @@ int CWaitLoop::Poll(std::int64_t patience) {
     pollfd* const watched = m_polled + m_dwCount;
     m_dwWatched = t_companion != nullptr ? static_cast<DWORD>(t_companion->Watch(watched)) : 0;
     nfds_t count = m_dwCount + m_dwWatched;
-    if (patience != 0 && TerminationDescriptor() >= 0)
-        m_polled[count++] = {TerminationDescriptor(), POLLIN, 0};
+    const int termination = CThreadObject::CurrentTerminationDescriptor();
+    if (patience != 0 && termination >= 0)
+        m_polled[count++] = {termination, POLLIN, 0};
     if (patience != 0 && m_bWatchesEnd && EndDescriptor() >= 0)
         m_polled[count++] = {EndDescriptor(), POLLIN, 0};
 
-    const timespec limit = {patience / NANOSECONDS_PER_SECOND, patience % NANOSECONDS_PER_SECOND};
-    return ppoll(m_polled, count, patience == CDeadline::NEVER ? nullptr : &limit, nullptr);
+    const timespec limit = {patience / kNanosecondsPerSecond, patience % kNanosecondsPerSecond};
+    return ppoll(m_polled, count, patience == CDeadline::kNever ? nullptr : &limit, nullptr);
 }
 
 void CWaitLoop::ServeCompanion() {
@@ -154,7 +161,7 @@ bool CWaitLoop::HandlesAreOpen() const {
 
 CWaitLoop::Turn CWaitLoop::End(DWORD result) {
     m_dwResult = result;
-    return Turn::DONE;
+    return Turn::Done;
 }
 
 CWaitLoop::Turn CWaitLoop::Fail(DWORD error) {

@@ -4,7 +4,7 @@
 // may call. Without a descriptor to wait on, waits end by their time alone.
 #pragma once
 
-#include "services/telephony/Descriptor.h"
+#include "platform/objects/Descriptor.h"
 
 #include <atomic>
 
@@ -24,7 +24,7 @@ class CCancellation {
     bool Wait(int milliseconds) const;
 
   private:
-    CDescriptor m_event;
+    platform::CDescriptor m_event;
     std::atomic<bool> m_bCancelled = false;
 };
 

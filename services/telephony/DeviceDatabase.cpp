@@ -1,3 +1,5 @@
+// Goes through all ttys and keeps those that have a device of USB or PCI above them. What is asked
+// of an interface is asked of itself first, and then of its device.
 #include "services/telephony/DeviceDatabase.h"
 
 #include <libudev.h>
@@ -9,14 +11,14 @@ namespace telephonyservice {
 namespace {
 
 // The kernel has no more minor numbers for all serial drivers together.
-constexpr std::size_t MOST_INTERFACES = 4096;
-constexpr std::string_view ON_BOARD_PREFIX = "ttyS";
-constexpr std::string_view TAG_PREFIX = "ID_MM_";
+constexpr std::size_t kMostInterfaces = 4096;
+constexpr std::string_view kOnBoardPrefix = "ttyS";
+constexpr std::string_view kTagPrefix = "ID_MM_";
 // Simple communications controller, modem; any programming interface.
-constexpr std::string_view PCI_MODEM_CLASS = "0x0703";
+constexpr std::string_view kPciModemClass = "0x0703";
 // USB communications class, abstract control model.
-constexpr std::string_view USB_COMMUNICATIONS_CLASS = "02";
-constexpr std::string_view USB_ACM_SUBCLASS = "02";
+constexpr std::string_view kUsbCommunicationsClass = "02";
+constexpr std::string_view kUsbAcmSubclass = "02";
 
 template <auto Unref> struct Unreferencer {
     template <class Object> void operator()(Object* object) const { Unref(object); }
@@ -50,7 +52,7 @@ void CollectTags(udev_device* device, std::set<std::string>& tags) {
     udev_list_entry* entry = nullptr;
     udev_list_entry_foreach(entry, udev_device_get_properties_list_entry(device)) {
         const std::string name = TextOf(udev_list_entry_get_name(entry));
-        if (name.starts_with(TAG_PREFIX) && TextOf(udev_list_entry_get_value(entry)) == "1")
+        if (name.starts_with(kTagPrefix) && TextOf(udev_list_entry_get_value(entry)) == "1")
             tags.insert(name);
     }
 }
@@ -62,8 +64,8 @@ udev_device* FindHardware(udev_device* tty) {
     if (usb != nullptr)
         return usb;
     udev_device* const pci = udev_device_get_parent_with_subsystem_devtype(tty, "pci", nullptr);
-    const bool isModem = AttributeOf(pci, "class").starts_with(PCI_MODEM_CLASS);
-    const bool isPort = TextOf(udev_device_get_sysname(tty)).starts_with(ON_BOARD_PREFIX);
+    const bool isModem = AttributeOf(pci, "class").starts_with(kPciModemClass);
+    const bool isPort = TextOf(udev_device_get_sysname(tty)).starts_with(kOnBoardPrefix);
     return isModem || !isPort ? pci : nullptr;
 }
 
@@ -85,8 +87,8 @@ bool Describe(udev_device* tty, SerialInterface& serial) {
         udev_device_get_parent_with_subsystem_devtype(tty, "usb", "usb_interface");
     serial.role = AttributeOf(interface, "interface");
     serial.number = AttributeOf(interface, "bInterfaceNumber");
-    if (AttributeOf(interface, "bInterfaceClass") == USB_COMMUNICATIONS_CLASS &&
-        AttributeOf(interface, "bInterfaceSubClass") == USB_ACM_SUBCLASS)
+    if (AttributeOf(interface, "bInterfaceClass") == kUsbCommunicationsClass &&
+        AttributeOf(interface, "bInterfaceSubClass") == kUsbAcmSubclass)
         serial.acmProtocol = AttributeOf(interface, "bInterfaceProtocol");
     return true;
 }
@@ -105,7 +107,7 @@ std::vector<SerialInterface> ListSerialInterfaces() {
         const DevicePtr tty(
             udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
         SerialInterface serial;
-        if (tty && interfaces.size() < MOST_INTERFACES && Describe(tty.get(), serial))
+        if (tty && interfaces.size() < kMostInterfaces && Describe(tty.get(), serial))
             interfaces.push_back(std::move(serial));
     }
     return interfaces;

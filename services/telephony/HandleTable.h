@@ -13,13 +13,13 @@
 namespace telephonyservice {
 
 // More than any program has open; bounds what one that forgets to close takes.
-inline constexpr std::size_t MOST_HANDLES = 1024;
+inline constexpr std::size_t kMostHandles = 1024;
 
 template <class Object> class CHandleTable {
   public:
     // The new handle; 0 when the table is full.
     DWORD Add(std::shared_ptr<Object> object) {
-        if (m_objects.size() >= MOST_HANDLES)
+        if (m_objects.size() >= kMostHandles)
             return 0;
         do
             ++m_dwLast;

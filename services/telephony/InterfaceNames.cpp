@@ -1,3 +1,6 @@
+// What the database has found out about an interface stands in its tags. One table gives them their
+// meaning, for the name and for the question who takes commands; the first one that is there
+// counts.
 #include "services/telephony/InterfaceNames.h"
 
 #include "services/telephony/PlainText.h"
@@ -11,8 +14,8 @@
 namespace telephonyservice {
 namespace {
 
-constexpr std::size_t MAX_PART = 64; // of a maker, a model, a role
-constexpr int HEXADECIMAL = 16;
+constexpr std::size_t kLongestPart = 64; // of a maker, a model, a role
+constexpr int kHexadecimal = 16;
 
 struct Tag {
     const char* property;
@@ -21,7 +24,7 @@ struct Tag {
 };
 
 // Those that end the question stand first.
-constexpr Tag TAGS[] = {
+constexpr Tag kTags[] = {
     {"ID_MM_DEVICE_IGNORE", "", false},
     {"ID_MM_PORT_IGNORE", "", false},
     {"ID_MM_PORT_TYPE_GPS", "GPS", false},
@@ -36,22 +39,22 @@ constexpr Tag TAGS[] = {
 
 // The protocols of a CDC-ACM interface that are AT commands: ITU-T V.250, PCCA-101 and its annex O,
 // GSM 07.07, 3GPP 27.007, TIA CDMA (USB CDC, table 5 of the PSTN subclass).
-constexpr int FIRST_AT_PROTOCOL = 1;
-constexpr int LAST_AT_PROTOCOL = 6;
+constexpr int kFirstAtProtocol = 1;
+constexpr int kLastAtProtocol = 6;
 
 // -1 for what is no number.
 int ParseHexadecimal(std::string_view text) {
     int number = -1;
     const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), number, HEXADECIMAL);
+        std::from_chars(text.data(), text.data() + text.size(), number, kHexadecimal);
     return error == std::errc() && end == text.data() + text.size() ? number : -1;
 }
 
 const Tag* FindTag(const SerialInterface& serial) {
-    const auto* const found = std::find_if(std::begin(TAGS), std::end(TAGS), [&](const Tag& tag) {
+    const auto* const found = std::find_if(std::begin(kTags), std::end(kTags), [&](const Tag& tag) {
         return serial.tags.count(tag.property) != 0;
     });
-    return found != std::end(TAGS) ? found : nullptr;
+    return found != std::end(kTags) ? found : nullptr;
 }
 
 bool TakesCommands(const SerialInterface& serial) {
@@ -60,26 +63,26 @@ bool TakesCommands(const SerialInterface& serial) {
     if (serial.acmProtocol.empty())
         return true;
     const int protocol = ParseHexadecimal(serial.acmProtocol);
-    return protocol >= FIRST_AT_PROTOCOL && protocol <= LAST_AT_PROTOCOL;
+    return protocol >= kFirstAtProtocol && protocol <= kLastAtProtocol;
 }
 
 // "\x20" becomes a blank; an escape that is none stays as it is.
 std::string Decode(std::string_view text) {
-    constexpr std::size_t ESCAPE_LENGTH = 4;
+    constexpr std::size_t kEscapeLength = 4;
     std::string decoded;
     while (!text.empty()) {
-        const int byte = text.starts_with("\\x") && text.size() >= ESCAPE_LENGTH
+        const int byte = text.starts_with("\\x") && text.size() >= kEscapeLength
                              ? ParseHexadecimal(text.substr(2, 2))
                              : -1;
         decoded += byte >= 0 ? static_cast<char>(byte) : text.front();
-        text.remove_prefix(byte >= 0 ? ESCAPE_LENGTH : 1);
+        text.remove_prefix(byte >= 0 ? kEscapeLength : 1);
     }
     return decoded;
 }
 
 std::string MakePart(const std::string& known, const std::string& encoded) {
     const std::string text = known.empty() ? Decode(encoded) : known;
-    return MakePlainText(Trim(text), MAX_PART);
+    return MakePlainText(Trim(text), kLongestPart);
 }
 
 bool BeginsWith(const std::string& text, const std::string& beginning) {

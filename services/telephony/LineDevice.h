@@ -6,7 +6,7 @@
 namespace telephonyservice {
 
 // What a caller's buffer for names holds, with room for a number behind the name.
-inline constexpr std::size_t MAX_NAME = 200;
+inline constexpr std::size_t kLongestName = 200;
 
 struct LineDevice {
     std::string name;

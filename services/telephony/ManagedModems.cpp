@@ -1,9 +1,11 @@
+// Walks through the answer once, as it comes: enters what may hold the two properties that count,
+// and skips all else by its type. Whatever is not of the type that it should be ends the walk.
 #include "services/telephony/ManagedModems.h"
 
 namespace telephonyservice {
 namespace {
 
-constexpr const char* MODEM_INTERFACE = "org.freedesktop.ModemManager1.Modem";
+constexpr const char* kModemInterface = "org.freedesktop.ModemManager1.Modem";
 
 struct Modem {
     std::string device;
@@ -63,7 +65,7 @@ bool ReadInterface(sd_bus_message* message, const std::string& port, Modem& mode
     const char* interface = nullptr;
     if (sd_bus_message_read(message, "s", &interface) <= 0)
         return false;
-    if (std::string(interface) != MODEM_INTERFACE)
+    if (std::string(interface) != kModemInterface)
         return sd_bus_message_skip(message, "a{sv}") >= 0;
     return ForEachEntry(message, "{sv}", [&] { return ReadProperty(message, port, modem); });
 }

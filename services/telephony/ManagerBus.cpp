@@ -1,3 +1,5 @@
+// Each question is one call with one of three outcomes: an answer, a reason, or nobody there, which
+// is an empty reason. Coming and going is noticed by signals, which set marks.
 #include "services/telephony/ManagerBus.h"
 
 #include "services/telephony/ManagedModems.h"
@@ -5,22 +7,22 @@
 namespace telephonyservice {
 namespace {
 
-constexpr const char* MANAGER = "org.freedesktop.ModemManager1";
-constexpr const char* MANAGER_PATH = "/org/freedesktop/ModemManager1";
-constexpr const char* LIST_INTERFACE = "org.freedesktop.DBus.ObjectManager";
+constexpr const char* kManager = "org.freedesktop.ModemManager1";
+constexpr const char* kManagerPath = "/org/freedesktop/ModemManager1";
+constexpr const char* kListInterface = "org.freedesktop.DBus.ObjectManager";
 
-constexpr const char* BUS = "org.freedesktop.DBus";
-constexpr const char* BUS_PATH = "/org/freedesktop/DBus";
+constexpr const char* kBus = "org.freedesktop.DBus";
+constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
-constexpr const char* OWNER_CHANGED =
+constexpr const char* kOwnerChanged =
     "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
     "arg0='org.freedesktop.ModemManager1'";
-constexpr const char* NEW_MODEM =
+constexpr const char* kNewModem =
     "type='signal',path='/org/freedesktop/ModemManager1',"
     "interface='org.freedesktop.DBus.ObjectManager',member='InterfacesAdded'";
 
 // What is at hand is answered at once.
-constexpr BusTime ANSWER_TIME = 5 * SECOND;
+constexpr BusTime kAnswerTime = 5 * kSecond;
 
 bool IsAnswer(const MessagePtr& message) {
     return message && sd_bus_message_is_method_error(message.get(), nullptr) <= 0;
@@ -46,16 +48,16 @@ std::string DescribeFailure(const MessagePtr& answer) {
 CManagerBus::CManagerBus() {
     if (!IsThere())
         return;
-    m_bus.Watch(OWNER_CHANGED, m_bOwnerChanged);
-    m_bus.Watch(NEW_MODEM, m_bNewModem);
+    m_bus.Watch(kOwnerChanged, m_bOwnerChanged);
+    m_bus.Watch(kNewModem, m_bNewModem);
 }
 
 std::optional<std::string> CManagerBus::FindDevice(const std::string& port, std::string& reason,
                                                    const CCancellation& cancellation) const {
     const MessagePtr call =
-        m_bus.NewCall(MANAGER, MANAGER_PATH, LIST_INTERFACE, "GetManagedObjects");
+        m_bus.NewCall(kManager, kManagerPath, kListInterface, "GetManagedObjects");
     const MessagePtr answer =
-        call ? m_bus.Call(call.get(), GetBusTime() + ANSWER_TIME, cancellation) : nullptr;
+        call ? m_bus.Call(call.get(), GetBusTime() + kAnswerTime, cancellation) : nullptr;
     reason = IsAnswer(answer) ? "" : DescribeFailure(answer);
     if (!IsAnswer(answer))
         return std::nullopt;
@@ -63,10 +65,10 @@ std::optional<std::string> CManagerBus::FindDevice(const std::string& port, std:
 }
 
 DWORD CManagerBus::FindProcess(const CCancellation& cancellation) const {
-    const MessagePtr call = m_bus.NewCall(BUS, BUS_PATH, BUS, "GetConnectionUnixProcessID");
-    if (!call || sd_bus_message_append(call.get(), "s", MANAGER) < 0)
+    const MessagePtr call = m_bus.NewCall(kBus, kBusPath, kBus, "GetConnectionUnixProcessID");
+    if (!call || sd_bus_message_append(call.get(), "s", kManager) < 0)
         return 0;
-    const MessagePtr answer = m_bus.Call(call.get(), GetBusTime() + ANSWER_TIME, cancellation);
+    const MessagePtr answer = m_bus.Call(call.get(), GetBusTime() + kAnswerTime, cancellation);
     std::uint32_t process = 0;
     return IsAnswer(answer) && sd_bus_message_read(answer.get(), "u", &process) > 0 ? process : 0;
 }
@@ -74,7 +76,7 @@ DWORD CManagerBus::FindProcess(const CCancellation& cancellation) const {
 bool CManagerBus::Inhibit(const std::string& device, BusTime deadline, std::string& reason,
                           const CCancellation& cancellation) const {
     MessagePtr answer;
-    const MessagePtr call = m_bus.NewCall(MANAGER, MANAGER_PATH, MANAGER, "InhibitDevice");
+    const MessagePtr call = m_bus.NewCall(kManager, kManagerPath, kManager, "InhibitDevice");
     if (call && sd_bus_message_append(call.get(), "sb", device.c_str(), 1) >= 0 &&
         sd_bus_message_set_allow_interactive_authorization(call.get(), 1) >= 0)
         answer = m_bus.Call(call.get(), deadline, cancellation);

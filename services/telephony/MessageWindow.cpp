@@ -1,3 +1,6 @@
+// Only the thread of a window can destroy it. When another one lets go of it, the window is emptied
+// and gets a last message, in which its own thread destroys it; the module stays until then, and
+// that is for good.
 #include "services/telephony/MessageWindow.h"
 
 #include "services/telephony/ModuleReference.h"
@@ -5,24 +8,24 @@
 namespace telephonyservice {
 namespace {
 
-constexpr LPCSTR CLASS_NAME = "WireletTelephonyService";
+constexpr LPCSTR kClassName = "WireletTelephonyService";
 
-constexpr UINT WM_DELIVER = WM_APP;
-constexpr UINT WM_END = WM_APP + 1;
+constexpr UINT kDeliver = WM_APP;
+constexpr UINT kEndWindow = WM_APP + 1;
 
 // The class goes with its last window: its procedure must not outlive the module. Fails harmlessly
 // while there are others.
 void ForgetClass() {
-    UnregisterClassA(CLASS_NAME, nullptr);
+    UnregisterClassA(kClassName, nullptr);
 }
 
 } // namespace
 
 CMessageWindow::CMessageWindow(Delivery delivery) {
-    const WNDCLASSA windowClass{OnMessage, CLASS_NAME};
+    const WNDCLASSA windowClass{OnMessage, kClassName};
     // Fails when the class is known already, and then it is this one.
     RegisterClassA(&windowClass);
-    m_hWindow = CreateWindowExA(0, CLASS_NAME, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+    m_hWindow = CreateWindowExA(0, kClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                 nullptr, nullptr);
     if (m_hWindow != nullptr)
         SetWindowLongPtrA(m_hWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(delivery));
@@ -35,23 +38,23 @@ CMessageWindow::~CMessageWindow() {
         SetWindowLongPtrA(m_hWindow, GWLP_USERDATA, 0);
         // Its procedure is still to be called.
         HoldModule(true);
-        PostMessageA(m_hWindow, WM_END, 0, 0);
+        PostMessageA(m_hWindow, kEndWindow, 0, 0);
     }
     ForgetClass();
 }
 
 void CMessageWindow::Post(DWORD number) const {
-    PostMessageA(m_hWindow, WM_DELIVER, number, 0);
+    PostMessageA(m_hWindow, kDeliver, number, 0);
 }
 
 LRESULT CMessageWindow::OnMessage(HWND window, UINT message, WPARAM number, LPARAM parameter) {
-    if (message == WM_END) {
+    if (message == kEndWindow) {
         DestroyWindow(window);
         ForgetClass();
         return 0;
     }
     const auto delivery = reinterpret_cast<Delivery>(GetWindowLongPtrA(window, GWLP_USERDATA));
-    if (message != WM_DELIVER || delivery == nullptr)
+    if (message != kDeliver || delivery == nullptr)
         return DefWindowProcA(window, message, number, parameter);
     delivery(static_cast<DWORD>(number));
     return 0;

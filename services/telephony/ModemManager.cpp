@@ -1,7 +1,11 @@
+// The manager can only be asked for a modem that it knows, and it knows one only once it has probed
+// it. A device that it does not know is therefore watched from two sides: the bus, for a new modem,
+// and the manager's process, for whether it has the device open. What both say is looked at again
+// after each signal and each opening or closing of the device.
 #include "services/telephony/ModemManager.h"
 
 #include "platform/Comm.h"
-#include "services/telephony/Descriptor.h"
+#include "platform/objects/Descriptor.h"
 #include "services/telephony/Notice.h"
 
 #include <algorithm>
@@ -14,15 +18,15 @@ namespace telephonyservice {
 namespace {
 
 // All in all below the 60 s that a program waits for its call.
-constexpr BusTime TAKE_TIME = 50 * SECOND;
+constexpr BusTime kTakeTime = 50 * kSecond;
 // Of a modem's first probing. A device that answers nothing takes the manager's full patience.
-constexpr BusTime PROBE_TIME = 30 * SECOND;
-constexpr BusTime TELL_TIME = SECOND;
+constexpr BusTime kProbeTime = 30 * kSecond;
+constexpr BusTime kTellTime = kSecond;
 // It closes a port and opens it again between two kinds of questions, and closes it at last before
 // it tells of the modem.
-constexpr BusTime SETTLE_TIME = 2 * SECOND;
+constexpr BusTime kSettleTime = 2 * kSecond;
 
-constexpr const char* SHARED = "may use the modem, too";
+constexpr const char* kShared = "may use the modem, too";
 
 // "ttyUSB0", also for a link to it; empty when the path leads nowhere.
 std::string FindPortName(const std::string& devicePath) {
@@ -35,14 +39,14 @@ std::string FindPortName(const std::string& devicePath) {
 }
 
 // Readable when anybody opens or closes the device. Without one, waits end by their time.
-CDescriptor WatchDevice(const std::string& devicePath) {
-    CDescriptor watch(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+platform::CDescriptor WatchDevice(const std::string& devicePath) {
+    platform::CDescriptor watch(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
     if (watch)
         inotify_add_watch(watch.Get(), devicePath.c_str(), IN_OPEN | IN_CLOSE);
     return watch;
 }
 
-void Drain(const CDescriptor& watch) {
+void Drain(const platform::CDescriptor& watch) {
     std::array<char, 4096> events;
     while (read(watch.Get(), events.data(), events.size()) > 0)
         continue;
@@ -51,7 +55,7 @@ void Drain(const CDescriptor& watch) {
 } // namespace
 
 EHold CModemHold::Take(const LineDevice& device, const CCancellation& cancellation) {
-    const BusTime deadline = GetBusTime() + TAKE_TIME;
+    const BusTime deadline = GetBusTime() + kTakeTime;
     m_device = device;
     m_port = FindPortName(device.devicePath);
     if (m_port.empty())
@@ -72,7 +76,7 @@ EHold CModemHold::Take(const LineDevice& device, const CCancellation& cancellati
     if (cancellation.IsCancelled())
         return EHold::Cancelled;
     if (!m_refusal.empty())
-        TellRefusal(hold == EHold::Refused ? "keeps the modem" : SHARED);
+        TellRefusal(hold == EHold::Refused ? "keeps the modem" : kShared);
     return hold;
 }
 
@@ -80,11 +84,11 @@ EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
     const DWORD manager = m_manager->FindProcess(cancellation);
     const std::string files = "/proc/" + std::to_string(manager) + "/fd";
     m_bUnseen = manager != 0 && access(files.c_str(), R_OK) != 0;
-    const CDescriptor watch = WatchDevice(m_device.devicePath);
+    const platform::CDescriptor watch = WatchDevice(m_device.devicePath);
     if (manager == 0 || !platform::IsDeviceOpenIn(manager, m_device.devicePath))
         return EHold::NotManaged;
     const BusTime start = GetBusTime();
-    BusTime settled = NEVER;
+    BusTime settled = kNever;
     bool isTold = false;
     while (!cancellation.IsCancelled()) {
         Drain(watch);
@@ -93,20 +97,20 @@ EHold CModemHold::AwaitProbing(const CCancellation& cancellation) {
             return EHold::Left;
         const BusTime now = GetBusTime();
         if (platform::IsDeviceOpenIn(manager, m_device.devicePath))
-            settled = NEVER;
+            settled = kNever;
         else
-            settled = std::min(settled, now + SETTLE_TIME);
+            settled = std::min(settled, now + kSettleTime);
         if (now >= settled)
             return EHold::Left;
-        if (now - start >= PROBE_TIME) {
+        if (now - start >= kProbeTime) {
             m_refusal = "it is still probing it";
             return EHold::Refused;
         }
-        if (!isTold && now - start >= TELL_TIME) {
+        if (!isTold && now - start >= kTellTime) {
             TellNews("ModemManager is probing " + m_device.name + "; waiting for up to 30 seconds");
             isTold = true;
         }
-        const BusTime next = start + (isTold ? PROBE_TIME : TELL_TIME);
+        const BusTime next = start + (isTold ? kProbeTime : kTellTime);
         if (!m_manager->Wait(std::min(next, settled), watch.Get(), cancellation))
             return EHold::Left;
     }
@@ -129,11 +133,11 @@ void CModemHold::Ask(BusTime deadline, const CCancellation& cancellation) {
 void CModemHold::Keep(const CCancellation& cancellation) {
     while (!cancellation.IsCancelled()) {
         // Its coming, going or telling may have been noticed while it was asked.
-        if (AskAnew(cancellation) || m_manager->Wait(NEVER, -1, cancellation))
+        if (AskAnew(cancellation) || m_manager->Wait(kNever, -1, cancellation))
             continue;
         m_refusal = "the connection to the system bus was lost";
         if (m_bHeld)
-            TellRefusal(SHARED);
+            TellRefusal(kShared);
         return;
     }
 }
@@ -150,10 +154,10 @@ bool CModemHold::AskAnew(const CCancellation& cancellation) {
         m_bHeld = false;
     if (m_bHeld || ((!isOther || m_modem.empty()) && !IsKnown(cancellation)))
         return true;
-    Ask(GetBusTime() + TAKE_TIME, cancellation);
+    Ask(GetBusTime() + kTakeTime, cancellation);
     if (!m_bHeld && !m_refusal.empty() && !cancellation.IsCancelled())
         TellRefusal(isOther && !isNewModem ? "was started again, and may be probing the modem"
-                                           : SHARED);
+                                           : kShared);
     return true;
 }
 

@@ -1,6 +1,8 @@
+// A file is read in one piece, as far as its bound, so that whoever changes it meanwhile cannot
+// stop the program; what is wrong with it is told and does not stop anything either.
 #include "services/telephony/NamedModems.h"
 
-#include "services/telephony/Descriptor.h"
+#include "platform/objects/Descriptor.h"
 #include "services/telephony/NamesFile.h"
 #include "services/telephony/Notice.h"
 
@@ -15,24 +17,25 @@
 namespace telephonyservice {
 namespace {
 
-constexpr const char* SYSTEM_FILE = "/etc/wirelet/modems.conf";
-constexpr const char* USER_FILE = "/wirelet/modems.conf";
+constexpr const char* kSystemFile = "/etc/wirelet/modems.conf";
+constexpr const char* kUserFile = "/wirelet/modems.conf";
 
 // Told one by one. A file that is no list of names at all has thousands.
-constexpr std::size_t MOST_FAULTS = 8;
+constexpr std::size_t kMostFaults = 8;
 
 // Empty when the user has no place for such files.
 std::string FindUserFile() {
     const char* const folder = secure_getenv("XDG_CONFIG_HOME");
     if (folder != nullptr && folder[0] == '/')
-        return std::string(folder) + USER_FILE;
+        return std::string(folder) + kUserFile;
     const char* const home = secure_getenv("HOME");
-    return home != nullptr && home[0] == '/' ? std::string(home) + "/.config" + USER_FILE : "";
+    return home != nullptr && home[0] == '/' ? std::string(home) + "/.config" + kUserFile : "";
 }
 
 std::string ReadContent(const std::string& path) {
     // Not to wait for the other end of a FIFO that stands there.
-    const CDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const platform::CDescriptor file(
+        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
     if (!file) {
         if (errno != ENOENT && errno != ENOTDIR)
@@ -43,7 +46,7 @@ std::string ReadContent(const std::string& path) {
         TellFault(path + ": is no file");
         return {};
     }
-    std::string content(MAX_NAMES_FILE + 1, '\0');
+    std::string content(kLongestNamesFile + 1, '\0');
     std::size_t filled = 0;
     while (filled < content.size()) {
         const ssize_t count = read(file.Get(), content.data() + filled, content.size() - filled);
@@ -52,10 +55,10 @@ std::string ReadContent(const std::string& path) {
         filled += static_cast<std::size_t>(count);
     }
     content.resize(filled);
-    if (filled > MAX_NAMES_FILE) {
+    if (filled > kLongestNamesFile) {
         TellFault(path + ": is too long; what is behind its first 64 KiB is left out");
         // What is there of the last line may be another device's path.
-        content.resize(content.rfind('\n', MAX_NAMES_FILE - 1) + 1);
+        content.resize(content.rfind('\n', kLongestNamesFile - 1) + 1);
     }
     return content;
 }
@@ -64,10 +67,10 @@ void AppendModemsOf(const std::string& path, std::vector<LineDevice>& modems) {
     std::vector<NamesFileFault> faults;
     for (LineDevice& modem : ParseNamesFile(ReadContent(path), faults))
         modems.push_back(std::move(modem));
-    for (std::size_t index = 0; index < std::min(faults.size(), MOST_FAULTS); ++index)
+    for (std::size_t index = 0; index < std::min(faults.size(), kMostFaults); ++index)
         TellFault(path + ":" + std::to_string(faults[index].line) + ": " + faults[index].reason);
-    if (faults.size() > MOST_FAULTS)
-        TellFault(path + ": " + std::to_string(faults.size() - MOST_FAULTS) +
+    if (faults.size() > kMostFaults)
+        TellFault(path + ": " + std::to_string(faults.size() - kMostFaults) +
                   " more lines are wrong");
 }
 
@@ -75,7 +78,7 @@ void AppendModemsOf(const std::string& path, std::vector<LineDevice>& modems) {
 
 std::vector<LineDevice> ReadNamedModems() {
     std::vector<LineDevice> modems;
-    AppendModemsOf(SYSTEM_FILE, modems);
+    AppendModemsOf(kSystemFile, modems);
     const std::string userFile = FindUserFile();
     if (!userFile.empty())
         AppendModemsOf(userFile, modems);

@@ -10,8 +10,8 @@
 namespace telephonyservice {
 
 // No list that anybody writes by hand is longer; what is behind it is left out.
-inline constexpr std::size_t MAX_NAMES_FILE = std::size_t{64} * 1024;
-inline constexpr std::size_t MAX_NAMED_MODEMS = 256;
+inline constexpr std::size_t kLongestNamesFile = std::size_t{64} * 1024;
+inline constexpr std::size_t kMostNamedModems = 256;
 
 struct NamesFileFault {
     unsigned line; // from 1

@@ -1,16 +1,16 @@
 #include "services/telephony/Notice.h"
 
-#include "platform/ModuleNotice.h"
+#include "platform/notify/ModuleNotice.h"
 #include "services/telephony/PlainText.h"
 
 namespace telephonyservice {
 namespace {
 
 // A line that the log's daemons take whole.
-constexpr std::size_t MAX_LINE = 900;
+constexpr std::size_t kLongestLine = 900;
 
 void Tell(platform::ENotice kind, const std::string& text) {
-    platform::GiveNotice(kind, MakePlainText(text, MAX_LINE).c_str());
+    platform::GiveNotice(kind, MakePlainText(text, kLongestLine).c_str());
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+// First the hold, then the port: the manager closes the device some time after it has let go of it,
+// so a device that is still in use then is tried again for a while.
 #include "services/telephony/Opening.h"
 
 #include "platform/Comm.h"
@@ -14,8 +16,8 @@ namespace telephonyservice {
 namespace {
 
 // The modem manager closes its ports shortly after it has answered.
-constexpr int TRIES_AFTER_HOLD = 30;
-constexpr int MILLISECONDS_BETWEEN_TRIES = 100;
+constexpr int kTriesAfterHold = 30;
+constexpr int kMillisecondsBetweenTries = 100;
 
 // Refused access is one of three things.
 LONG ExplainRefusal(const std::string& path) {
@@ -60,13 +62,13 @@ LONG OpenDevice(const LineDevice& device, const CCancellation& cancellation, Dev
     const EHold hold = use.hold.Take(device, cancellation);
     if (hold == EHold::Refused)
         return LINEERR_INUSE;
-    int tries = hold == EHold::Held || hold == EHold::Left ? TRIES_AFTER_HOLD : 1;
+    int tries = hold == EHold::Held || hold == EHold::Left ? kTriesAfterHold : 1;
     LONG result = LINEERR_OPERATIONFAILED;
     while (!cancellation.IsCancelled()) {
         result = OpenPort(device.devicePath, use.port);
         if (result != LINEERR_ALLOCATED || --tries == 0)
             break;
-        cancellation.Wait(MILLISECONDS_BETWEEN_TRIES);
+        cancellation.Wait(kMillisecondsBetweenTries);
     }
     if (result == LINEERR_ALLOCATED && use.hold.MayBeProbing() &&
         !platform::IsDeviceUserSeen(device.devicePath))

@@ -46,8 +46,8 @@ template <class Record> class CRecordFiller {
   private:
     // A part may begin with a 32-bit number.
     static DWORD Align(DWORD size) {
-        constexpr DWORD UNIT = sizeof(DWORD);
-        return (size + UNIT - 1) / UNIT * UNIT;
+        constexpr DWORD kUnit = sizeof(DWORD);
+        return (size + kUnit - 1) / kUnit * kUnit;
     }
 
     Record* const m_pRecord;

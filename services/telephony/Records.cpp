@@ -9,11 +9,11 @@ namespace {
 
 // The same for a name from start to start (32-bit FNV-1a).
 DWORD MakePermanentId(const std::string& name) {
-    constexpr DWORD BASIS = 2166136261U;
-    constexpr DWORD PRIME = 16777619U;
-    DWORD hash = BASIS;
+    constexpr DWORD kBasis = 2166136261U;
+    constexpr DWORD kPrime = 16777619U;
+    DWORD hash = kBasis;
     for (const unsigned char byte : name)
-        hash = (hash ^ byte) * PRIME;
+        hash = (hash ^ byte) * kPrime;
     return hash;
 }
 

@@ -1,4 +1,6 @@
-// The calls of the service.
+// The calls of the service. A call's device is opened, and its hold kept, by a thread of its own,
+// which is told to end by the call's cancellation and tells of its end by the call's state. Whoever
+// gives a device back awaits that, so the device is free when he returns.
 #include "services/telephony/RecordFiller.h"
 #include "services/telephony/Records.h"
 #include "services/telephony/Service.h"
@@ -10,11 +12,11 @@
 namespace telephonyservice {
 namespace {
 
-constexpr std::string_view MODEM_CLASS = "comm/datamodem";
-constexpr std::string_view PORT_NAME_CLASS = "comm/datamodem/portname";
+constexpr std::string_view kModemClass = "comm/datamodem";
+constexpr std::string_view kPortNameClass = "comm/datamodem/portname";
 
 // The states that a call's owner is told of.
-constexpr DWORD CALL_STATES =
+constexpr DWORD kCallStates =
     LINECALLSTATE_CONNECTED | LINECALLSTATE_DISCONNECTED | LINECALLSTATE_IDLE;
 
 bool IsClass(std::string_view name, std::string_view known) {
@@ -167,7 +169,7 @@ LONG CService::GetCallInfo(HCALL hCall, LINECALLINFO* info) const {
     info->dwMediaMode = call->m_parameters.dwMediaMode;
     info->dwCallID = hCall;
     info->dwCallParamFlags = call->m_parameters.dwCallParamFlags;
-    info->dwCallStates = CALL_STATES;
+    info->dwCallStates = kCallStates;
     info->DialParams = call->m_parameters.DialParams;
     info->dwOrigin = LINECALLORIGIN_OUTBOUND;
     info->dwReason = LINECALLREASON_DIRECT;
@@ -217,13 +219,13 @@ LONG CService::GetId(HLINE hLine, HCALL hCall, DWORD select, VARSTRING* identifi
     const LONG result = FindCallFor(hLine, hCall, select, call);
     if (result != 0)
         return result;
-    if (IsClass(deviceClass, PORT_NAME_CLASS)) {
+    if (IsClass(deviceClass, kPortNameClass)) {
         if (call)
             return FillPortName(call->m_device, identifier);
         const auto line = m_lines.Find(hLine);
         return line ? FillPortName(line->m_device, identifier) : LINEERR_INVALLINEHANDLE;
     }
-    if (!IsClass(deviceClass, MODEM_CLASS))
+    if (!IsClass(deviceClass, kModemClass))
         return LINEERR_INVALDEVICECLASS;
     if (!call || call->m_state != ECallState::Connected)
         return LINEERR_INVALCALLSTATE;

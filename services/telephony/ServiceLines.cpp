@@ -6,12 +6,12 @@
 namespace telephonyservice {
 namespace {
 
-constexpr DWORD ALL_PRIVILEGES = LINECALLPRIVILEGE_MONITOR | LINECALLPRIVILEGE_OWNER;
+constexpr DWORD kAllPrivileges = LINECALLPRIVILEGE_MONITOR | LINECALLPRIVILEGE_OWNER;
 
 bool IsPrivilegeSelection(DWORD privileges) {
     if (privileges == LINECALLPRIVILEGE_NONE)
         return true;
-    return privileges != 0 && (privileges & ~ALL_PRIVILEGES) == 0;
+    return privileges != 0 && (privileges & ~kAllPrivileges) == 0;
 }
 
 } // namespace

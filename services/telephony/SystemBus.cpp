@@ -1,3 +1,6 @@
+// The library is driven by hand: what is there is processed, and then its descriptor is awaited
+// together with the cancellation and, perhaps, one of the caller. A call is sent without waiting,
+// so that awaiting its answer ends like any other wait.
 #include "services/telephony/SystemBus.h"
 
 #include <algorithm>
@@ -8,8 +11,8 @@
 namespace telephonyservice {
 namespace {
 
-constexpr BusTime MICROSECONDS_PER_MILLISECOND = 1'000;
-constexpr BusTime NANOSECONDS_PER_MICROSECOND = 1'000;
+constexpr BusTime kMicrosecondsPerMillisecond = 1'000;
+constexpr BusTime kNanosecondsPerMicrosecond = 1'000;
 
 struct SlotUnreferencer {
     void operator()(sd_bus_slot* slot) const { sd_bus_slot_unref(slot); }
@@ -33,11 +36,11 @@ int IgnoreRefusal(sd_bus_message*, void*, sd_bus_error*) {
 // From a moment on that clock to a time for poll().
 int MillisecondsUntil(BusTime moment) {
     const BusTime now = GetBusTime();
-    if (moment == NEVER)
+    if (moment == kNever)
         return -1;
     if (moment <= now)
         return 0;
-    const BusTime left = (moment - now) / MICROSECONDS_PER_MILLISECOND + 1;
+    const BusTime left = (moment - now) / kMicrosecondsPerMillisecond + 1;
     return static_cast<int>(std::min<BusTime>(left, INT_MAX));
 }
 
@@ -46,8 +49,8 @@ int MillisecondsUntil(BusTime moment) {
 BusTime GetBusTime() {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<BusTime>(time.tv_sec) * SECOND +
-           static_cast<BusTime>(time.tv_nsec) / NANOSECONDS_PER_MICROSECOND;
+    return static_cast<BusTime>(time.tv_sec) * kSecond +
+           static_cast<BusTime>(time.tv_nsec) / kNanosecondsPerMicrosecond;
 }
 
 CSystemBus::CSystemBus() {
@@ -96,11 +99,11 @@ bool CSystemBus::Wait(BusTime deadline, int descriptor, const CCancellation& can
 bool CSystemBus::WaitForEvents(BusTime deadline, int descriptor,
                                const CCancellation& cancellation) const {
     const int events = sd_bus_get_events(m_bus.get());
-    BusTime moment = NEVER;
+    BusTime moment = kNever;
     if (events < 0 || sd_bus_get_timeout(m_bus.get(), &moment) < 0)
         return false;
     if (cancellation.GetDescriptor() < 0)
-        deadline = std::min(deadline, GetBusTime() + SECOND);
+        deadline = std::min(deadline, GetBusTime() + kSecond);
     pollfd descriptors[] = {
         {sd_bus_get_fd(m_bus.get()), static_cast<short>(events), 0},
         {cancellation.GetDescriptor(), POLLIN, 0},

@@ -20,8 +20,8 @@ using MessagePtr = std::unique_ptr<sd_bus_message, MessageUnreferencer>;
 
 // Of the monotonic clock, in microseconds.
 using BusTime = std::uint64_t;
-inline constexpr BusTime NEVER = UINT64_MAX;
-inline constexpr BusTime SECOND = 1'000'000;
+inline constexpr BusTime kNever = UINT64_MAX;
+inline constexpr BusTime kSecond = 1'000'000;
 BusTime GetBusTime();
 
 class CSystemBus {

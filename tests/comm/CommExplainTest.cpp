@@ -1,7 +1,12 @@
+// What the user is told about a port that did not open.
 #include "tests/comm/TestPort.h"
 #include "tests/support/PseudoTerminal.h"
 
 #include <sys/stat.h>
+
+namespace {
+
+using platform::ExplainPortOpenFailure;
 
 TEST(CommExplain, TellsWhyAPortCannotBeOpened) {
     const struct {
@@ -25,32 +30,46 @@ TEST(CommExplain, TellsWhyAPortCannotBeOpened) {
     };
     for (const auto& row : rows) {
         if (row.isTried) {
-            EXPECT_EQ(OpenPort(row.name.c_str()), INVALID_HANDLE_VALUE) << row.name;
+            EXPECT_EQ(OpenPort(row.name), INVALID_HANDLE_VALUE) << row.name;
             EXPECT_EQ(GetLastError(), row.error) << row.name;
         }
-        const std::string why = platform::ExplainPortOpenFailure(row.name.c_str(), row.error);
+        const std::string why = ExplainPortOpenFailure(row.name.c_str(), row.error);
         EXPECT_TRUE(why.starts_with(row.beginning)) << why;
     }
+}
+
+TEST(CommExplain, OneUserAtATime) {
+    const CPseudoTerminal device;
+    const std::string& path = device.GetPath();
     // Who provides the device, as this process here, is not who uses it.
-    const CPseudoTerminal line;
-    EXPECT_EQ(platform::ExplainPortOpenFailure(line.GetPath().c_str(), ERROR_ACCESS_DENIED),
-              line.GetPath() + ": in use by another process; end it, or choose another device");
+    EXPECT_EQ(ExplainPortOpenFailure(path.c_str(), ERROR_ACCESS_DENIED),
+              path + ": in use by another process; end it, or choose another device");
+    const HANDLE port = OpenPort(path);
+    EXPECT_EQ(OpenPort(path), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    const std::string why = ExplainPortOpenFailure(path.c_str(), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(why.starts_with(path + ": in use by process " + std::to_string(getpid()) + " ("))
+        << why;
+    EXPECT_TRUE(CloseHandle(port));
 }
 
 TEST(CommExplain, MissingPermission) {
-    CTestDevice device;
-    constexpr uid_t NOBODY = 65534;
-    constexpr gid_t SOME_GROUP = 5;
+    const CPseudoTerminal device;
+    const std::string& path = device.GetPath();
+    constexpr uid_t kNobody = 65534;
+    constexpr gid_t kSomeGroup = 5;
     // Root of a user namespace may not have one.
-    if (chown(device.Path(), 0, SOME_GROUP) != 0)
+    if (chown(path.c_str(), 0, kSomeGroup) != 0)
         GTEST_SKIP() << "only root can give a device to another group";
-    ASSERT_EQ(chmod(device.Path(), 0660), 0);
-    ASSERT_EQ(seteuid(NOBODY), 0);
-    EXPECT_EQ(OpenPort(device.Path()), INVALID_HANDLE_VALUE);
+    ASSERT_EQ(chmod(path.c_str(), 0660), 0);
+    ASSERT_EQ(seteuid(kNobody), 0);
+    EXPECT_EQ(OpenPort(path), INVALID_HANDLE_VALUE);
     const DWORD error = GetLastError();
-    const std::string why = platform::ExplainPortOpenFailure(device.Path(), error);
+    const std::string why = ExplainPortOpenFailure(path.c_str(), error);
     ASSERT_EQ(seteuid(0), 0);
     EXPECT_EQ(error, ERROR_ACCESS_DENIED);
     EXPECT_NE(why.find(": permission denied; it belongs to the group "), std::string::npos) << why;
     EXPECT_NE(why.find("'sudo adduser "), std::string::npos) << why;
 }
+
+} // namespace

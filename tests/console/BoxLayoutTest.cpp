@@ -1,5 +1,5 @@
 // The text of a message box and where it stands, without a terminal.
-#include "platform/console/BoxLayout.h"
+#include "console/BoxLayout.h"
 #include "tests/support/Screen.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ using namespace platform;
 
 namespace {
 
-constexpr char FFFD[] = "\xEF\xBF\xBD";
+constexpr char kFffd[] = "\xEF\xBF\xBD";
 
 std::string Wrapped(std::string_view text, int columns) {
     std::string lines;
@@ -35,13 +35,13 @@ std::string WithoutBlanks(const std::vector<BoxLine>& lines) {
 
 // Words, blanks, line ends, wide and combining characters, and any bytes.
 std::string RandomText(std::mt19937& random) {
-    static constexpr std::string_view PIECES[] = {
+    static constexpr std::string_view kPieces[] = {
         "word", "a",  " ",        "  ",           "\n",           "\r\n",       "\t",
         "\r",   "\b", "\x1b[2J",  "\xE4\xB8\xAD", "e\xCC\x81",    "\xCC\x81",   "\xC2\x9B",
         "\xFF", "\0", "\xE2\x82", "\xE2\x80\xAE", "\xEF\xB8\x8F", "caf\xC3\xA9"};
     std::string text;
     for (auto pieces = random() % 40; pieces > 0; --pieces)
-        text += PIECES[random() % std::size(PIECES)];
+        text += kPieces[random() % std::size(kPieces)];
     // None that begins a character: terminals disagree on the width of rare ones.
     for (auto bytes = random() % 8; bytes > 0; --bytes)
         text += static_cast<char>(random() % 2 == 0 ? random() % 0xC0 : 0xF5 + random() % 11);
@@ -55,14 +55,14 @@ void ExpectInWindow(const std::vector<BoxRow>& drawn, int columns, int rows) {
         ASSERT_FALSE(used[static_cast<std::size_t>(row.row)]);
         used[static_cast<std::size_t>(row.row)] = true;
         ASSERT_LE(row.column + LinesOf(row.text)[0].columns, columns);
-        ASSERT_LE(row.text.size(), CBoxLayout::MOST_ROW_BYTES);
+        ASSERT_LE(row.text.size(), CBoxLayout::kMostRowBytes);
     }
 }
 
 } // namespace
 
 TEST(BoxText, WrapsAtBlanksAndDrawsEverything) {
-    const std::string r = FFFD;
+    const std::string r = kFffd;
     const struct {
         std::string_view text;
         int columns;
@@ -115,7 +115,7 @@ TEST(BoxText, AnyBytesBecomePlainLinesThatFit) {
     for (int count = 0; count < 1000; ++count)
         marks += "\xCC\x81";
     for (const BoxLine& line : WrapText(marks, 10))
-        EXPECT_LE(line.text.size(), MOST_BOX_LINE_BYTES);
+        EXPECT_LE(line.text.size(), kMostBoxLineBytes);
 }
 
 // In a window of any size everything can be read, nothing is drawn outside of it or over something

@@ -1,6 +1,6 @@
 // Message boxes and beeps, and what a process leaves behind that has taken its console over.
-#include "platform/Console.h"
-#include "platform/Notification.h"
+#include "console/Console.h"
+#include "console/MessageBox.h"
 #include "tests/console/ConsoleTest.h"
 #include "tests/platform/TestHandle.h"
 
@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr int COLUMNS = CTerminal::kColumns;
-constexpr int ROWS = CTerminal::kRows;
+constexpr int kColumns = CTerminal::kColumns;
+constexpr int kRows = CTerminal::kRows;
 
 // ---- The work of the process under test.
 
@@ -100,13 +100,13 @@ void Act(char key) {
 void RunConsole() {
     TakeOver();
     DWORD count = 0;
-    FillConsoleOutputCharacterA(g_hOutput, ' ', COLUMNS * ROWS, {0, 0}, &count);
-    FillConsoleOutputAttribute(g_hOutput, 0x07, COLUMNS * ROWS, {0, 0}, &count);
+    FillConsoleOutputCharacterA(g_hOutput, ' ', kColumns * kRows, {0, 0}, &count);
+    FillConsoleOutputAttribute(g_hOutput, 0x07, kColumns * kRows, {0, 0}, &count);
     SetConsoleCursorPosition(g_hOutput, {0, 0});
     Say("plain\r\n");
     SetConsoleTitleA("title");
     SetConsoleTextAttribute(g_hOutput, 0x1E);
-    Say("ready" + std::string(COLUMNS - 5, '.'));
+    Say("ready" + std::string(kColumns - 5, '.'));
     DWORD mode = 0;
     INPUT_RECORD record{};
     while (mode == 0 && ReadConsoleInputA(g_hInput, &record, 1, &count)) {
@@ -154,8 +154,8 @@ class BoxTest : public CConsoleTest {
     // Everything that can be seen.
     std::string Sight() const {
         std::string all;
-        for (int cell = 0; cell < COLUMNS * ROWS; ++cell) {
-            const VTermScreenCell seen = screen.GetCell(cell / COLUMNS, cell % COLUMNS);
+        for (int cell = 0; cell < kColumns * kRows; ++cell) {
+            const VTermScreenCell seen = screen.GetCell(cell / kColumns, cell % kColumns);
             all.append(reinterpret_cast<const char*>(seen.chars), sizeof seen.chars);
             for (const VTermColor& colour : {seen.fg, seen.bg})
                 all += std::to_string(colour.type) + ':' + std::to_string(colour.indexed.idx) + ';';
@@ -189,7 +189,7 @@ TEST_F(BoxTest, IsShownOverTheScreenUntilAKeyClosesIt) {
         results += '1';
         ASSERT_TRUE(HidesBox() && Waits([&] { return screen.GetRow(2) == results; }));
     }
-    const VTermScreenCell full = screen.GetCell(1, COLUMNS - 1);
+    const VTermScreenCell full = screen.GetCell(1, kColumns - 1);
     const VTermScreenCell result = screen.GetCell(2, 2);
     EXPECT_EQ(result.fg.indexed.idx, full.fg.indexed.idx);
     EXPECT_EQ(result.bg.indexed.idx, full.bg.indexed.idx);
@@ -222,7 +222,7 @@ TEST_F(BoxTest, OtherKeysScrollAndWhatWasTypedBeforeIsKept) {
         {10, 40, "[ OK ] 1-8 of 60, Up/Down"},
         {5, 18, "[ OK ] 1-3/60"},
         {5, 24, "[ OK ] 1-3/60 Up/Dn"},
-        {ROWS, COLUMNS, "Lines 1-19 of 60: Up, Down, PageUp, PageDown"},
+        {kRows, kColumns, "Lines 1-19 of 60: Up, Down, PageUp, PageDown"},
     };
     for (const auto& window : windows) {
         user.Resize(window.rows, window.columns);
@@ -290,7 +290,7 @@ TEST_P(BoxEndTest, LeavesTheFirstScreen) {
     process->Kill(GetParam());
     ASSERT_TRUE(Ends() && HidesBox() && Shows("ready"));
     EXPECT_NE(process->GetExit(), CProcess::kWorkDone);
-    EXPECT_EQ(screen.GetCursor().row, ROWS - 1);
+    EXPECT_EQ(screen.GetCursor().row, kRows - 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, BoxEndTest, ::testing::Values(SIGSEGV, SIGTERM, SIGUSR1));

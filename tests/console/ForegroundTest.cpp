@@ -1,5 +1,5 @@
 // Taking the terminal over from a shell: what was typed before, and a start in the background.
-#include "platform/Console.h"
+#include "console/Console.h"
 #include "tests/console/ConsoleTest.h"
 
 #include <csignal>

@@ -4,15 +4,12 @@
 #include <csignal>
 #include <filesystem>
 #include <sys/file.h>
-#include <sys/ioctl.h>
+
+namespace fs = std::filesystem;
 
 class CCommandFileTest : public CSessionTest {
   protected:
-    void StartRun(std::string_view commands) {
-        const std::string file = m_folder.Write("commands", commands);
-        Start(m_device.GetPath(), {"-A:" + file, "-O:" + m_folder.GetPath("capture")});
-    }
-    std::string ReadCapture() { return ReadWholeFile(m_folder.GetPath("capture")); }
+    std::string ReadCapture() { return ReadWholeFile(m_capture); }
 
     // The device gets a command and answers.
     Result Answers(const std::string& command, const std::string& answer) {
@@ -21,20 +18,10 @@ class CCommandFileTest : public CSessionTest {
             m_device.Send(answer);
         return received;
     }
-
-    // The run ends without a command sent.
-    void ExpectRefusal(const std::string& commands, const std::string& capture,
-                       const std::string& message, const std::string& reason) {
-        Start(m_device.GetPath(), {"-A:" + commands, "-O:" + capture});
-        ASSERT_TRUE(Shows(message));
-        ASSERT_TRUE(Shows("(" + reason + ")"));
-        ASSERT_TRUE(Ends());
-        EXPECT_EQ(m_device.GetReceived(), "") << message;
-    }
 };
 
 TEST_F(CCommandFileTest, SendsLineByLineAndCaptures) {
-    StartRun("ATI\r\n\r\n\n; comment\nATZ\r\r\n;\nAT+X\n\tspaced \nAT+LAST");
+    StartCommands("ATI\r\n\r\n\n; comment\nATZ\r\r\n;\nAT+X\n\tspaced \nAT+LAST");
     ASSERT_TRUE(Answers("ATI\r", "ATI\r\r\nModem\nModel\r\n\r\nOK\r\n"));
     ASSERT_TRUE(Answers("ATZ\r\r", "ATZ\r\x1B[2J\x1B]2;stolen\x07\r\nOK\r\n"));
     // An error is an answer: the command is not repeated.
@@ -59,40 +46,19 @@ TEST_F(CCommandFileTest, SendsLineByLineAndCaptures) {
     EXPECT_EQ(m_device.GetReceived(), "");
 
     // Nothing to send: the old capture goes all the same.
-    StartRun("");
+    StartCommands("");
     EXPECT_TRUE(Ends());
-    EXPECT_TRUE(std::filesystem::exists(m_folder.GetPath("capture")));
+    EXPECT_TRUE(fs::exists(m_capture));
     EXPECT_EQ(ReadCapture(), "");
     EXPECT_EQ(m_device.GetReceived(), "");
 }
 
-TEST_F(CCommandFileTest, DeviceGoneInMidAnswer) {
-    StartRun("ATI\nATZ\nAT+NEVER\n");
-    ASSERT_TRUE(Answers("ATI\r", "\r\nOK\r\n"));
-    ASSERT_TRUE(Answers("ATZ\r", "ATZ\r\r\nhalf an ans"));
-    // A pseudo-terminal that closes takes with it what was not read yet.
-    ASSERT_TRUE(Fulfils("the device to be read", [this] {
-        m_pump.RunFor(std::chrono::milliseconds(200));
-        int unread = -1;
-        ioctl(m_device.GetLine().GetSlave(), FIONREAD, &unread);
-        return m_device.IsAllSent() && unread == 0;
-    }));
-    m_device.Vanish();
-    ASSERT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
-    EXPECT_GE(Screen().FindRow("half an ans"), 0);
-    EXPECT_EQ(Screen().FindRow("AT+NEVER"), -1);
-    ASSERT_TRUE(Ends());
-    EXPECT_EQ(ReadCapture(), "ATI\r\n\r\nOK\r\nATZ\r\nATZ\r\n\r\nhalf an ans");
-}
-
 TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOnToTheSecondSignal) {
-    StartRun("ATI\nATZ\n");
+    StartCommands("ATI\nATZ\n");
     ASSERT_TRUE(DeviceGets("ATI\r"));
     Type(std::string("a shell's command\r") + kCtrlBackslash);
     ASSERT_TRUE(Shows("wirelet: the run goes on without the screen; Ctrl+C ends it"));
-    int unread = -1;
-    ioctl(m_terminal.GetLine().GetSlave(), FIONREAD, &unread);
-    EXPECT_EQ(unread, 0);
+    EXPECT_EQ(m_terminal.GetLine().CountUnread(), 0);
     m_device.Send("\r\nOK\r\n");
     ASSERT_TRUE(Answers("ATZ\r", "\r\nunseen\r\n\r\nOK\r\n"));
     ASSERT_TRUE(Ends());
@@ -100,7 +66,7 @@ TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOnToTheSecondSignal) {
     EXPECT_EQ(Screen().FindRow("unseen"), -1);
 
     for (const int signal : {SIGQUIT, SIGTERM, SIGHUP, SIGINT}) {
-        StartRun("ATI\nATZ\n");
+        StartCommands("ATI\nATZ\n");
         ASSERT_TRUE(DeviceGets("ATI\r"));
         m_program->Kill(SIGQUIT);
         ASSERT_TRUE(GivesTerminalBack());
@@ -110,56 +76,59 @@ TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOnToTheSecondSignal) {
     }
 }
 
+// Nothing is sent then, and no file is made or changed.
 TEST_F(CCommandFileTest, RefusesFilesThatCannotBeOpened) {
+    const std::string script = m_folder.Write("script", "FUNCTION main()\r\nENDFUNCTION\r\n");
     const std::string commands = m_folder.Write("commands", "ATI\n");
     const std::string kept = m_folder.Write("kept", "kept content");
     const std::string missing = m_folder.GetPath("missing");
     const std::string folder = m_folder.GetPath("folder");
     const std::string link = m_folder.GetPath("link");
-    std::filesystem::create_directory(folder);
-    std::filesystem::create_symlink(commands, link);
-
-    // A missing command file is found out before the capture file is made.
-    ExpectRefusal(missing, missing, "Cannot open " + missing, "there is no such file");
-    EXPECT_FALSE(std::filesystem::exists(missing));
-    ExpectRefusal(folder, kept, "Cannot open " + folder, "it is a directory");
-    ExpectRefusal(commands, folder, "Cannot create " + folder, "it is a directory");
-    ExpectRefusal(commands, missing + "/x", "Cannot create " + missing + "/x",
-                  "there is no such folder");
-    ExpectRefusal(commands, link, "Cannot create " + link, "it is the command file itself");
-    EXPECT_EQ(ReadWholeFile(commands), "ATI\n");
-
+    fs::create_directory(folder);
+    fs::create_symlink(commands, link);
     const CDescriptor other(open(kept.c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(other.Get(), LOCK_EX), 0);
-    ExpectRefusal(commands, kept, "Cannot create " + kept, "another program has it open");
-    EXPECT_EQ(ReadWholeFile(kept), "kept content");
-    if (geteuid() != 0) {
-        std::filesystem::permissions(commands, std::filesystem::perms::none);
-        ExpectRefusal(commands, missing, "Cannot open " + commands, "access is denied");
+    std::vector<std::pair<Words, std::string>> rows = {
+        // A missing command file is found out before the capture file is made.
+        {{"-A:" + missing, "-O:" + missing}, "open " + missing + ": there is no such file"},
+        {{"-A:" + folder, "-O:" + missing}, "open " + folder + ": it is a directory"},
+        {{"-A:" + commands, "-O:" + folder}, "create " + folder + ": it is a directory"},
+        {{"-A:" + commands, "-O:" + missing + "/x"},
+         "create " + missing + "/x: there is no such folder"},
+        {{"-A:" + commands, "-O:" + link}, "create " + link + ": it is the command file itself"},
+        {{"-A:" + commands, "-O:" + kept}, "create " + kept + ": another program has it open"},
+        {{"-O:" + folder}, "create " + folder + ": it is a directory"},
+        {{"-O:" + script, "-S:" + script}, "create " + script + ": it is the script file itself"},
+        {{"-O:" + link, "-A:" + commands, "-S:" + script},
+         "create " + link + ": it is the command file itself"},
+        {{"-O:" + script, "-S:" + missing}, missing}, // without a script the last log stays
+    };
+    const std::string secret = m_folder.Write("secret", "ATI\n");
+    fs::permissions(secret, fs::perms::none);
+    if (geteuid() != 0)
+        rows.push_back({{"-A:" + secret}, "open " + secret + ": access is denied"});
+    for (auto& [options, told] : rows) {
+        options.insert(options.begin(), m_device.GetPath());
+        const Outcome outcome = Run(options);
+        EXPECT_NE(outcome.error.find(told), std::string::npos) << told << '\n' << outcome.error;
+        EXPECT_EQ(outcome.exit, 0) << told;
+        EXPECT_EQ(m_device.GetReceived(), "") << told;
     }
+    EXPECT_FALSE(fs::exists(missing));
+    EXPECT_EQ(ReadWholeFile(commands) + ReadWholeFile(kept), "ATI\nkept content");
+    EXPECT_EQ(ReadWholeFile(script), "FUNCTION main()\r\nENDFUNCTION\r\n");
+
+    Start({"-A:" + folder});
+    EXPECT_TRUE(ShowsInRow(2, "Cannot open " + folder));
+    EXPECT_TRUE(ShowsInRow(3, "(it is a directory)"));
+    EXPECT_TRUE(Ends());
 }
 
 TEST_F(CCommandFileTest, FullDisk) {
-    Start(m_device.GetPath(), {"-A:" + m_folder.Write("commands", "ATI\nATZ\n"), "-O:/dev/full"});
+    Start({"-A:" + m_folder.Write("commands", "ATI\nATZ\n"), "-O:/dev/full"});
     // Whether the first line or the end finds the disk full, it is told.
     m_device.Send("\r\nOK\r\n");
     ASSERT_TRUE(Shows("Cannot write /dev/full: the disk is full"));
     EXPECT_TRUE(Ends());
     EXPECT_EQ(m_device.GetReceived(), "") << "nothing is asked whose answer is not kept";
-}
-
-TEST_F(CCommandFileTest, NulBytesAndALongLine) {
-    const std::string longLine(1 << 20, 'L');
-    StartRun(std::string("AT\0I\n", 5) + longLine + "\nATZ\n");
-    // A command is text: it ends with its CR or before its NUL, and the run goes on either way.
-    std::string& received = m_device.GetReceived();
-    ASSERT_TRUE(Fulfils("the first line", [&] { return received.starts_with("AT"); }));
-    m_device.Send("\r\nOK\r\n");
-    ASSERT_TRUE(Fulfils("the long line", [&] { return received.ends_with(longLine + '\r'); }));
-    EXPECT_LE(received.find('L'), 5U);
-    received.clear();
-    m_device.Send("\r\nOK\r\n");
-    ASSERT_TRUE(Answers("ATZ\r", "\r\nOK\r\n"));
-    ASSERT_TRUE(Ends());
-    EXPECT_NE(ReadCapture().find(longLine + "\r\n\r\nOK\r\nATZ\r\n"), std::string::npos);
 }

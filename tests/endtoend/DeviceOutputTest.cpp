@@ -4,31 +4,21 @@
 #include <random>
 #include <utf8proc.h>
 
-class CDeviceOutputTest : public CSessionTest {
-  protected:
-    std::pair<int, int> GetColours(int row, int column) {
-        const VTermScreenCell cell = Screen().GetCell(row, column);
-        return {IndexOf(cell.fg), IndexOf(cell.bg)};
-    }
-};
+using CDeviceOutputTest = CSessionTest;
 
 namespace {
 
-// A control function that is none of those the program itself uses.
-bool IsHostile(utf8proc_int32_t character) {
-    const std::u32string_view own = U"\a\b\t\n\r\x1B";
-    const auto code = static_cast<char32_t>(character);
-    return (code < 0x20 && own.find(code) == own.npos) || (code >= 0x7F && code < 0xA0);
-}
-
-// Where the first such one or invalid UTF-8 begins; npos when there is none.
+// Where a control function that is none of those the program itself uses, or invalid UTF-8, begins;
+// npos when there is none.
 std::size_t FindHostileByte(const std::string& output) {
-    const auto* const bytes = reinterpret_cast<const utf8proc_uint8_t*>(output.data());
+    const std::string_view own = "\a\b\t\n\r\x1B";
     for (std::size_t place = 0; place < output.size();) {
         utf8proc_int32_t character = 0;
-        const auto left = static_cast<utf8proc_ssize_t>(output.size() - place);
-        const utf8proc_ssize_t length = utf8proc_iterate(bytes + place, left, &character);
-        if (length < 1 || IsHostile(character))
+        const utf8proc_ssize_t length =
+            utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(&output[place]),
+                             static_cast<utf8proc_ssize_t>(output.size() - place), &character);
+        const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
+        if (length < 1 || (isControl && own.find(output[place]) == own.npos))
             return place;
         place += static_cast<std::size_t>(length);
     }
@@ -39,30 +29,35 @@ std::size_t FindHostileByte(const std::string& output) {
 
 TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
     StartInteractive();
-    m_device.Send("left over\x1B[2J\x1B[5;10Hhere\x1B[1;33;44mhot\x1B[m cold\x1B[8;1H");
-    m_device.Send(
-        "\x1B[18;1H\x1B[32mA\x1B[40mB\x1B[0;44mC\x1B[37mD\x1B[7mE\x1B[0;1mF\x1B[m\x1B[8;1H");
-    m_device.Send("\x1B[7mreverse\x1B[0m\x1B[10;1Habc\x1B[100CX\x1B[3DY\x1B[s");
+    m_device.Send("left over\x1B[2J\x1B[5;10Hhere\x1B[1;33;44mhot\x1B[m cold\x1B[8;1H"
+                  "\x1B[7mreverse\x1B[0m\x1B[10;1Habc\x1B[100CX\x1B[3DY\x1B[s");
     // Each part of a sequence in a write of its own.
     for (const char* part : {"\x1B", "[", "1", "2", ";", "3", "H", "split"}) {
         m_device.Send(part);
         ASSERT_TRUE(m_pump.RunUntil([&] { return m_device.IsAllSent(); }));
     }
-    m_device.Send("\x1B[uZ\x1B[?25h\x1B[14;1H\x1Bx\x1BH\x1B[15;1Hcut here\x1B[15;4H\x1B[Kend");
-
-    ASSERT_TRUE(ShowsInRow(14, "cutend"));
+    m_device.Send("\x1B[uZ\x1B[?25h\x1B[14;1H\x1Bx\x1BH\x1B[15;1Hcut here\x1B[15;4H\x1B[Kend"
+                  "\x1B[18;1H\x1B[32mA\x1B[40mB\x1B[0;44mC\x1B[37mD\x1B[7mE\x1B[0;1mF\x1B[m");
+    ASSERT_TRUE(ShowsInRow(17, "ABCDEF"));
     EXPECT_EQ(Screen().GetText(), "\n\n\n\n         herehot cold\n\n\nreverse\n\nabYZX\n\n"
                                   "  split\n\n\u2190x\u2190H\ncutend\n\n\nABCDEF");
-    EXPECT_EQ(GetColours(4, 12), std::make_pair(-1, -1));
-    EXPECT_EQ(GetColours(4, 13), std::make_pair(11, 4));
-    EXPECT_EQ(GetColours(4, 17), std::make_pair(-1, -1));
-    EXPECT_EQ(GetColours(7, 0), std::make_pair(0, 7));
     // What was not asked for is the terminal's own.
-    const std::pair<int, int> asked[] = {{2, -1}, {2, 0}, {-1, 4}, {7, 4}, {4, 7}, {-1, -1}};
-    for (int column = 0; column < 6; ++column)
-        EXPECT_EQ(GetColours(17, column), asked[column]);
+    const struct {
+        int row;
+        int column;
+        int foreground;
+        int background;
+    } colours[] = {{4, 12, -1, -1}, {4, 13, 11, 4}, {4, 17, -1, -1}, {7, 0, 0, 7},
+                   {17, 0, 2, -1},  {17, 1, 2, 0},  {17, 2, -1, 4},  {17, 3, 7, 4},
+                   {17, 4, 4, 7},   {17, 5, -1, -1}};
+    for (const auto& [row, column, foreground, background] : colours) {
+        const VTermScreenCell cell = Screen().GetCell(row, column);
+        EXPECT_EQ(IndexOf(cell.fg), foreground) << row << ' ' << column;
+        EXPECT_EQ(IndexOf(cell.bg), background) << row << ' ' << column;
+    }
 
-    // Wide and combining characters, the end of a row and what lies beyond the screen.
+    // Wide and combining characters, the end of a row, what lies beyond the screen, also when its
+    // size has changed.
     const std::pair<std::string, const char*> reports[] = {
         {"\x1B[16;1H\u6F22e\u0301", "\x1B[16;4R"},
         {"\x1B[17;1H" + std::string(80, 'x'), "\x1B[17;80R"},
@@ -74,6 +69,11 @@ TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
         EXPECT_TRUE(DeviceGets(report));
     }
     EXPECT_TRUE(Fulfils("the bell", [this] { return Screen().GetBells() == 1; }));
+    m_terminal.Resize(10, 40);
+    EXPECT_TRUE(Fulfils("the new size", [&] {
+        m_device.Send("\x1B[99;99H\x1B[6n");
+        return DeviceGets("\x1B[10;40R");
+    }));
 }
 
 TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
@@ -102,8 +102,7 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
 TEST_F(CDeviceOutputTest, GoesOutInTheLocalesCharacterSet) {
     SetVariable("LANG", "de_DE.ISO-8859-1"); // also where the system does not have it
     StartInteractive();
-    m_device.Send("\x1B[2J\x1B[H\u00DB\u6F22\x1B[6n");
-    EXPECT_TRUE(DeviceGets("\x1B[1;3R"));
+    m_device.Send("\u00DB\u6F22");
     EXPECT_TRUE(Fulfils("the characters", [this] {
         return m_terminal.GetOutput().find("\xDB?") != std::string::npos;
     }));
@@ -113,15 +112,6 @@ TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {
     StartInteractive();
     m_device.Send(std::string(10 << 20, '\x1B') + "[2J\x1B[Hafter the escapes");
     ASSERT_TRUE(ShowsInRow(0, "after the escapes"));
-
-    std::string colours;
-    for (int index = 0; index < 20000; ++index)
-        colours +=
-            "\x1B[1;3" + std::to_string(index % 8) + ";4" + std::to_string(index / 8 % 8) + 'm';
-    m_device.Send(colours + "\x1B[" + std::string(100000, '9') +
-                  "\x1B[0m\x1B[2J\x1B[Hafter the rest");
-    ASSERT_TRUE(ShowsInRow(0, "after the rest"));
-
     m_device.SendEndlessly("no line end ");
     ASSERT_TRUE(m_pump.RunUntil([this] { return m_device.GetSentCount() > (11 << 20); }));
     Type("key");
@@ -134,40 +124,15 @@ TEST_F(CDeviceOutputTest, LosesNothingOnATerminalThatHoldsBack) {
     m_terminal.SetReading(false);
     m_device.Send(MakeLines(kLines) + "the end");
     // The terminal takes no more, and yet keys reach the device.
-    const bool stuck = m_pump.RunUntil([this, last = std::size_t{0}, same = 0]() mutable {
-        same = last == m_device.GetSentCount() ? same + 1 : 0;
-        last = m_device.GetSentCount();
-        return same == 10;
-    });
-    ASSERT_TRUE(stuck);
+    ASSERT_TRUE(Fulfils("a stop", [this] {
+        const std::size_t sent = m_device.GetSentCount();
+        m_pump.RunFor(std::chrono::milliseconds(500));
+        return sent == m_device.GetSentCount();
+    }));
     Type("keys\r");
     ASSERT_TRUE(DeviceGets("keys\r"));
 
     m_terminal.SetReading(true);
     ASSERT_TRUE(Shows("the end"));
     ExpectLines(kLines);
-}
-
-TEST_F(CDeviceOutputTest, StaysRightInAWindowOfAnotherSize) {
-    StartInteractive();
-    const std::pair<int, int> sizes[] = {{10, 40}, {50, 99}, {24, 80}, {3, 10}, {30, 90}};
-    for (const auto& [rows, columns] : sizes) {
-        m_terminal.Resize(rows, columns);
-        const std::string corner =
-            "\x1B[" + std::to_string(rows) + ';' + std::to_string(columns) + 'R';
-        ASSERT_TRUE(Fulfils(corner.c_str(), [&] {
-            m_device.GetReceived().clear();
-            m_device.Send("\x1B[99;99H\x1B[6n");
-            m_pump.RunUntil([&] { return m_device.GetReceived().ends_with('R'); });
-            return m_device.GetReceived() == corner;
-        }));
-        m_device.Send("\x1B[2J\x1B[1;1Htop\x1B[2;" + std::to_string(columns - 1) + "Hwrap");
-        ASSERT_TRUE(ShowsInRow(2, "ap"));
-        EXPECT_EQ(Screen().GetRow(0), "top");
-        EXPECT_EQ(Screen().GetRow(1),
-                  std::string(static_cast<std::size_t>(columns) - 2, ' ') + "wr");
-        m_device.Send("\x1B[99;1Hlast\r\nscrolled");
-        ASSERT_TRUE(ShowsInRow(rows - 1, "scrolled"));
-        EXPECT_EQ(Screen().GetRow(rows - 2), "last");
-    }
 }

@@ -65,53 +65,6 @@ TEST_F(CEndTest, SequencesCutShortAndACursorAnywhere) {
     }
 }
 
-TEST_F(CEndTest, DeviceGone) {
-    const std::function<void()> moments[] = {
-        [] {},
-        [this] {
-            m_device.SendEndlessly("some output\r\n");
-            m_pump.RunUntil([this] { return m_device.GetSentCount() > 200000; });
-        },
-        [this] {
-            Type(kF6);
-            EXPECT_TRUE(Shows("Flow Control:"));
-        },
-    };
-    for (const auto& moment : moments) {
-        StartColoured();
-        moment();
-        m_device.Vanish();
-        EXPECT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
-        EXPECT_TRUE(Ends());
-        m_device = CDevice();
-    }
-}
-
-TEST_F(CEndTest, DeviceGoneWhileAScriptsLastBoxIsOpen) {
-    const std::string script = m_folder.Write(
-        "script", "FUNCTION main()\r\n  MessageBox(\"last words\", \"\")\r\nENDFUNCTION\r\n");
-    Start(m_device.GetPath(), {"-S:" + script});
-    ASSERT_TRUE(Shows("last words"));
-    m_device.Vanish();
-    Type("\r");
-    EXPECT_TRUE(Shows("The device " + m_device.GetPath() + " is gone"));
-    EXPECT_TRUE(EndsWith(0));
-}
-
-TEST_F(CEndTest, DeviceGoneDuringAPaste) {
-    StartInteractive();
-    m_device.SetReadLimit(0);
-    Type(std::string(1 << 20, 'p'));
-    m_pump.RunFor(std::chrono::milliseconds(300));
-    m_device.Vanish();
-    // What the program did not take is the shell's from now on; here it is only echoed.
-    EXPECT_TRUE(EndsWith(0));
-    EXPECT_TRUE(Fulfils("the message", [this] {
-        return m_terminal.GetOutput().find("The device " + m_device.GetPath() + " is gone") !=
-               std::string::npos;
-    }));
-}
-
 // However busy the device is.
 TEST_F(CEndTest, WhileTheDeviceSends) {
     for (const bool isClosed : {false, true}) {

@@ -3,7 +3,6 @@
 #include "tests/endtoend/SessionTest.h"
 
 #include <algorithm>
-#include <fcntl.h>
 #include <filesystem>
 
 namespace {
@@ -14,14 +13,6 @@ struct Example {
     std::vector<std::string_view> sent;  // to the modem, in this order
     std::vector<std::string_view> boxes; // shown to the user, in this order
 };
-
-// In the test's name.
-std::ostream& operator<<(std::ostream& stream, const Example& example) {
-    stream << example.script;
-    for (const std::string& option : example.modem)
-        stream << ' ' << option;
-    return stream;
-}
 
 const std::vector<Example> kExamples = {
     {"identify",
@@ -52,37 +43,6 @@ const std::vector<Example> kExamples = {
      {"Check: 5 of 6 passed\n", "passed     AT+CPIN?\n", "refused    AT+CBC\n"}},
 };
 
-// The cable from the test's device to a modem: what the program sends is in the device's record.
-class CCable : public IPollable {
-  public:
-    CCable(CDevice& device, const std::string& modem)
-        : m_device(device),
-          m_modem(open(modem.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
-        EXPECT_TRUE(m_modem);
-    }
-
-    int GetDescriptor() const override { return m_modem.Get(); }
-    short GetEvents() const override { return HasMore() ? POLLIN | POLLOUT : POLLIN; }
-    void OnReady(short events) override {
-        char bytes[4096];
-        const ssize_t received = events & POLLIN ? read(m_modem.Get(), bytes, sizeof(bytes)) : 0;
-        if (received > 0)
-            m_device.Send({bytes, static_cast<std::size_t>(received)});
-        if (!HasMore())
-            return;
-        const std::string_view rest = std::string_view(m_device.GetReceived()).substr(m_nPassed);
-        const ssize_t passed = write(m_modem.Get(), rest.data(), rest.size());
-        m_nPassed += passed > 0 ? static_cast<std::size_t>(passed) : 0;
-    }
-
-  private:
-    bool HasMore() const { return m_nPassed < m_device.GetReceived().size(); }
-
-    CDevice& m_device;
-    CDescriptor m_modem;
-    std::size_t m_nPassed = 0;
-};
-
 void ExpectInOrder(std::string_view text, const std::vector<std::string_view>& pieces) {
     std::size_t position = 0;
     for (const std::string_view piece : pieces) {
@@ -99,22 +59,12 @@ void ExpectInOrder(std::string_view text, const std::vector<std::string_view>& p
 class CExampleScriptsTest : public CSessionTest, public ::testing::WithParamInterface<Example> {};
 
 TEST_P(CExampleScriptsTest, DoesWhatItSays) {
-    CSimulator modem(m_pump, GetParam().modem);
-    CCable cable(m_device, modem.GetPath());
-    CCollector boxes;
-    m_pump.Add(cable);
-    m_pump.Add(boxes);
-    const CDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
-    StartWith(null.Get(), null.Get(), boxes.GetWriter(),
-              {m_device.GetPath(),
-               "-S:" + std::string(WIRELET_EXAMPLES) + '/' + GetParam().script + ".scr"});
-    boxes.CloseWriter();
-    EXPECT_TRUE(Ends());
-    EXPECT_TRUE(m_pump.RunUntil([&] { return boxes.HasEnded(); }));
+    ConnectModem(GetParam().modem);
+    const Outcome outcome = Run({m_device.GetPath(), "-S:" + std::string(WIRELET_EXAMPLES) + '/' +
+                                                         GetParam().script + ".scr"});
+    EXPECT_EQ(outcome.exit, 0);
     ExpectInOrder(m_device.GetReceived(), GetParam().sent);
-    ExpectInOrder(boxes.GetText(), GetParam().boxes);
-    m_pump.Remove(cable);
-    m_pump.Remove(boxes);
+    ExpectInOrder(outcome.error, GetParam().boxes);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, CExampleScriptsTest, ::testing::ValuesIn(kExamples),

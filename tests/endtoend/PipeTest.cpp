@@ -1,9 +1,7 @@
 // The program in a pipeline: standard input or output, or both, are no terminal.
 #include "tests/endtoend/SessionTest.h"
 
-#include <csignal>
 #include <fcntl.h>
-#include <sstream>
 #include <unistd.h>
 
 class CPipeTest : public CSessionTest {
@@ -11,8 +9,8 @@ class CPipeTest : public CSessionTest {
     CPipeTest() { m_pump.Add(m_output); }
 
     // Runs the program with the pipe as its input; the test holds no copy of its ends then.
-    void StartPiped(int output) {
-        StartWith(m_input.reader.Get(), output, -1, {m_device.GetPath()});
+    void StartPiped() {
+        StartWith({m_device.GetPath()}, m_input.reader.Get(), m_output.GetWriter());
         m_input.reader.Reset();
         m_output.CloseWriter();
     }
@@ -26,13 +24,10 @@ class CPipeTest : public CSessionTest {
             return bytes.empty();
         }));
     }
-    // The program's memory in bytes.
-    std::size_t GetMemory() const {
-        std::size_t pages = 0;
-        std::istringstream(
-            ReadWholeFile("/proc/" + std::to_string(m_program->GetId()) + "/statm")) >>
-            pages >> pages;
-        return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    // The program's memory in pages.
+    long GetMemory() const {
+        const std::string path = "/proc/" + std::to_string(m_program->GetId()) + "/statm";
+        return std::stol(ReadWholeFile(path).substr(ReadWholeFile(path).find(' ')));
     }
 
     CCollector m_output;
@@ -43,7 +38,7 @@ TEST_F(CPipeTest, LongInputIsExactPlainTextComesOutAndItEnds) {
     std::string input;
     while (input.size() < 300000)
         input += "AT+CMGS=" + std::to_string(input.size()) + "\r\n\x1A\x03\x1B[A\xC3\xA9";
-    StartPiped(m_output.GetWriter());
+    StartPiped();
     m_device.SetReadLimit(1024);
     Feed(input);
     m_input.writer.Reset();
@@ -62,21 +57,21 @@ TEST_F(CPipeTest, LongInputIsExactPlainTextComesOutAndItEnds) {
 
 // With a device that is always behind.
 TEST_F(CPipeTest, EndlessInputTakesNoMoreAndMoreMemory) {
-    constexpr std::size_t kMostTypedAhead = std::size_t{4} << 20;
-    StartPiped(m_output.GetWriter());
+    constexpr std::size_t kMostTypedAhead = 4 << 20;
+    StartPiped();
     m_device.SetReadLimit(0);
     Feed(std::string(kMostTypedAhead, 'x'));
     m_device.SetReadLimit(65536);
     Feed(std::string(kMostTypedAhead, 'x'));
-    const std::size_t before = GetMemory();
+    const long before = GetMemory();
     Feed(std::string(2 * kMostTypedAhead, 'x'));
-    EXPECT_LT(GetMemory(), before + kMostTypedAhead);
+    EXPECT_LT((GetMemory() - before) * sysconf(_SC_PAGESIZE), long{kMostTypedAhead});
     m_input.writer.Reset();
     EXPECT_TRUE(Ends());
 }
 
 TEST_F(CPipeTest, InputFromTheTerminalOutputToAPipe) {
-    StartWith(-1, m_output.GetWriter(), -1, {m_device.GetPath()});
+    StartWith({m_device.GetPath()}, -1, m_output.GetWriter());
     m_output.CloseWriter();
     ASSERT_TRUE(DeviceGets("ATE1V1\r"));
     Type("A");
@@ -92,12 +87,12 @@ TEST_F(CPipeTest, InputFromTheTerminalOutputToAPipe) {
 
 TEST_F(CPipeTest, EmptyInput) {
     const CDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
-    StartWith(null.Get(), null.Get(), -1, {m_device.GetPath()});
+    StartWith({m_device.GetPath()}, null.Get(), null.Get());
     EXPECT_TRUE(DeviceGets("ATE1V1\r"));
     EXPECT_TRUE(Ends());
     // Where the disk is full for the last piece alone.
     const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
-    StartWith(null.Get(), full.Get(), -1, {m_device.GetPath()});
+    StartWith({m_device.GetPath()}, null.Get(), full.Get());
     EXPECT_TRUE(Ends());
     EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
 }
@@ -106,7 +101,7 @@ TEST_F(CPipeTest, EmptyInput) {
 TEST_F(CPipeTest, OutputThatNobodyReadsOrOnAFullDisk) {
     const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
     for (const int output : {m_output.GetWriter(), full.Get()}) {
-        StartWith(-1, output, -1, {m_device.GetPath()});
+        StartWith({m_device.GetPath()}, -1, output);
         m_output.CloseWriter();
         ASSERT_TRUE(DeviceGets("ATE1V1\r"));
         m_output.CloseReader();
@@ -118,7 +113,7 @@ TEST_F(CPipeTest, OutputThatNobodyReadsOrOnAFullDisk) {
 }
 
 TEST_F(CPipeTest, DeviceGone) {
-    StartPiped(m_output.GetWriter());
+    StartPiped();
     EXPECT_TRUE(DeviceGets("ATE1V1\r"));
     m_device.Vanish();
     EXPECT_TRUE(Ends());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sstream>
 
 using ::testing::AssertionFailure;
 using ::testing::AssertionSuccess;
@@ -12,7 +13,7 @@ namespace {
 constexpr char kPrompt[] = "prompt>";
 
 std::string Quote(std::string_view bytes) {
-    return ::testing::PrintToString(std::string(bytes));
+    return ::testing::PrintToString(std::string(bytes.substr(0, 300)));
 }
 
 } // namespace
@@ -40,29 +41,24 @@ void CSessionTest::TearDown() {
     EXPECT_TRUE(Ends());
 }
 
-void CSessionTest::Start(const std::string& device, const std::vector<std::string>& options) {
-    std::vector<std::string> arguments = {device};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    StartWith(-1, -1, -1, arguments);
+ProcessOptions CSessionTest::Options(const Words& arguments) const {
+    ProcessOptions options;
+    options.arguments = {WIRELET};
+    options.arguments.insert(options.arguments.end(), arguments.begin(), arguments.end());
+    options.environment = m_environment;
+    return options;
 }
 
-void CSessionTest::StartWith(int input, int output, int error,
-                             const std::vector<std::string>& arguments) {
+void CSessionTest::StartWith(const Words& arguments, int input, int output, int error) {
     m_device.GetReceived().clear();
     m_terminalBefore = m_terminal.GetLine().GetSettings();
     m_deviceBefore = m_device.GetLine().GetSettings();
-    const auto orTerminal = [this](int descriptor) {
-        return descriptor >= 0 ? descriptor : m_terminal.GetLine().GetSlave();
-    };
-
-    ProcessOptions process;
-    process.arguments = {WIRELET};
-    process.arguments.insert(process.arguments.end(), arguments.begin(), arguments.end());
-    process.environment = m_environment;
-    process.input = orTerminal(input);
-    process.output = orTerminal(output);
-    process.error = orTerminal(error);
-    process.terminal = m_terminal.GetLine().GetPath();
+    const int terminal = m_terminal.GetLine().GetSlave();
+    ProcessOptions options = Options(arguments);
+    options.input = input >= 0 ? input : terminal;
+    options.output = output >= 0 ? output : terminal;
+    options.error = error >= 0 ? error : terminal;
+    options.terminal = m_terminal.GetLine().GetPath();
     if (m_program) {
         m_pump.Remove(*m_program);
         // A terminal controls one session at a time.
@@ -70,23 +66,73 @@ void CSessionTest::StartWith(int input, int output, int error,
         // What the session before has left must not pass for this one's output.
         Screen().Feed("\x1B[2J\x1B[H");
     }
-    m_program = std::make_unique<CProcess>(process);
+    m_program = std::make_unique<CProcess>(options);
     m_pump.Add(*m_program);
 }
 
-void CSessionTest::StartInteractive() {
-    Start(m_device.GetPath());
-    ASSERT_TRUE(Shows("Setting 19200 baud"));
-    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+void CSessionTest::Start(const Words& options) {
+    Words arguments = {m_device.GetPath()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    StartWith(arguments);
 }
 
-CSessionTest::Result CSessionTest::Fulfils(const char* what,
-                                           const std::function<bool()>& condition) {
-    if (m_pump.RunUntil(condition))
+void CSessionTest::StartInteractive(const Words& options) {
+    Start(options);
+    // A device that was plugged in again may still have something of before.
+    std::string& received = m_device.GetReceived();
+    ASSERT_TRUE(Fulfils("the initialisation", [&] { return received.ends_with("ATE1V1\r"); }));
+    received.clear();
+}
+
+void CSessionTest::StartCommands(std::string_view commands) {
+    Start({"-A:" + m_folder.Write("commands", commands), "-O:" + m_capture});
+}
+
+void CSessionTest::StartScript(const std::string& statements, const Words& options) {
+    const std::string script = "FUNCTION main()\r\n" + statements + "\r\nENDFUNCTION\r\n";
+    Words all = {"-S:" + m_folder.Write("script", script)};
+    all.insert(all.end(), options.begin(), options.end());
+    Start(all);
+}
+
+void CSessionTest::ConnectModem(const Words& options) {
+    m_modem.emplace(m_pump, options);
+    m_modemEnd.emplace(m_modem->GetPath(), m_modem->GetPath());
+    m_modemEnd->JoinTo(m_device);
+    m_pump.Add(*m_modemEnd);
+}
+
+CSessionTest::Outcome CSessionTest::Run(const Words& arguments, const std::string& input,
+                                        const std::string& program) {
+    CCollector output;
+    CCollector error;
+    ProcessOptions options = Options(arguments);
+    options.arguments[0] = program;
+    const CDescriptor file(open(m_folder.Write("input", input).c_str(), O_RDONLY | O_CLOEXEC));
+    options.input = file.Get();
+    options.output = output.GetWriter();
+    options.error = error.GetWriter();
+    CProcess process(options);
+    output.CloseWriter();
+    error.CloseWriter();
+    const std::initializer_list<IPollable*> parts = {&process, &output, &error};
+    for (IPollable* part : parts)
+        m_pump.Add(*part);
+    EXPECT_TRUE(Fulfils("the other program's end", [&] {
+        return process.HasEnded() && output.HasEnded() && error.HasEnded();
+    }));
+    for (IPollable* part : parts)
+        m_pump.Remove(*part);
+    return {process.GetExit(), output.GetText(), error.GetText()};
+}
+
+CSessionTest::Result CSessionTest::Fulfils(const char* what, const std::function<bool()>& condition,
+                                           std::chrono::milliseconds patience) {
+    if (m_pump.RunUntil(condition, patience))
         return AssertionSuccess();
     return AssertionFailure() << "waited in vain: " << what << "; the screen shows\n"
                               << Screen().GetText() << "\nthe device has "
-                              << Quote(m_device.GetReceived().substr(0, 300));
+                              << Quote(m_device.GetReceived());
 }
 
 CSessionTest::Result CSessionTest::Shows(std::string_view text) {
@@ -97,24 +143,48 @@ CSessionTest::Result CSessionTest::ShowsInRow(int row, const std::string& text) 
     return Fulfils(text.c_str(), [&] { return Screen().GetRow(row) == text; });
 }
 
+// However slow the device is, as long as something comes.
 CSessionTest::Result CSessionTest::DeviceGets(const std::string& bytes) {
     std::string& received = m_device.GetReceived();
-    if (!m_pump.RunUntil([&] { return received.size() >= bytes.size(); }))
-        return Fulfils("bytes for the device", [] { return false; }) << Quote(bytes);
-    const auto [expected, actual] = std::mismatch(bytes.begin(), bytes.end(), received.begin());
-    if (expected != bytes.end()) {
-        const auto place = static_cast<std::size_t>(expected - bytes.begin());
-        return AssertionFailure() << "byte " << place
-                                  << " for the device: " << Quote(bytes.substr(place, 60))
-                                  << " came as " << Quote(received.substr(place, 60));
-    }
+    for (std::size_t before = 0; (before = received.size()) < bytes.size();)
+        if (!m_pump.RunUntil([&] { return received.size() != before; }))
+            return Fulfils("bytes for the device", [] { return false; }, {}) << Quote(bytes);
+    const Result same = IsSame(received.substr(0, bytes.size()), bytes);
     received.erase(0, bytes.size());
-    return AssertionSuccess();
+    return same;
 }
 
 CSessionTest::Result CSessionTest::GivesTerminalBack() {
     return Fulfils("the terminal given back",
                    [this] { return m_terminal.GetLine().GetSettings() == m_terminalBefore; });
+}
+
+CSessionTest::Result CSessionTest::IsSame(const std::string& actual, const std::string& expected) {
+    const auto [one, other] =
+        std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+    if (one == actual.end() && other == expected.end())
+        return AssertionSuccess();
+    const auto place = static_cast<std::size_t>(one - actual.begin());
+    return AssertionFailure() << "from byte " << place << " on it is "
+                              << Quote(actual.substr(place)) << ", not "
+                              << Quote(expected.substr(place));
+}
+
+std::string CSessionTest::Decode(const std::string& log) {
+    std::string bytes;
+    char last = 0;
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);) {
+        const char direction = line.starts_with("[PC ==>     ]  [") ? '>' : '<';
+        if (!line.ends_with(" ]\r") || (direction == '<' && !line.starts_with("[  <== Phone]  [")))
+            return bytes + "no line of a log: " + line;
+        if (direction != last)
+            bytes += last = direction;
+        std::istringstream numbers(line.substr(line.rfind('[') + 1));
+        for (int value = 0; numbers >> std::hex >> value;)
+            bytes += static_cast<char>(value);
+    }
+    return bytes;
 }
 
 std::string CSessionTest::MakeLines(int count, std::string_view end) {
@@ -133,8 +203,9 @@ void CSessionTest::ExpectLines(int count) {
     EXPECT_EQ(line, count + 1 - CTerminal::kRows);
 }
 
-CSessionTest::Result CSessionTest::EndsWith(int exit) {
-    if (const Result ended = Fulfils("the end", [this] { return m_program->HasEnded(); }); !ended)
+CSessionTest::Result CSessionTest::EndsWith(int exit, std::chrono::milliseconds patience) {
+    const auto hasEnded = [this] { return m_program->HasEnded(); };
+    if (const Result ended = Fulfils("the end", hasEnded, patience); !ended)
         return ended;
     if (m_program->GetExit() == exit)
         return AssertionSuccess();

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 
 // Keys as xterm sends them.
 inline constexpr char kAltF4[] = "\x1B[1;3S";
@@ -20,19 +21,38 @@ inline constexpr char kCtrlBackslash[] = "\x1C";
 class CSessionTest : public ::testing::Test {
   protected:
     using Result = ::testing::AssertionResult;
+    using Words = std::vector<std::string>;
+
+    // An end that waits for nothing: the graces of the program together are below three seconds,
+    // what it would wait for without them is ten at least.
+    static constexpr std::chrono::seconds kSoon{8};
 
     CSessionTest();
     // A program that still runs is ended by its key.
     void TearDown() override;
 
-    // Runs the program on the terminal: a device and what else the command line holds.
-    void Start(const std::string& device, const std::vector<std::string>& options = {});
-    // Runs it on the test's device and waits until the interactive terminal is there.
-    void StartInteractive();
-    // Runs it with these descriptors instead of the terminal's; -1 is the terminal.
-    void StartWith(int input, int output, int error, const std::vector<std::string>& arguments);
+    // Runs the program with these descriptors instead of the terminal's; -1 is the terminal.
+    void StartWith(const Words& arguments, int input = -1, int output = -1, int error = -1);
+    // Runs it on the test's device with these options.
+    void Start(const Words& options = {});
+    // The same, until the interactive terminal is there.
+    void StartInteractive(const Words& options = {});
+    // A command file with a capture, and a script whose main function does this.
+    void StartCommands(std::string_view commands);
+    void StartScript(const std::string& statements, const Words& options = {});
     // Puts NAME=value in the program's environment, in place of what was there.
     void SetVariable(const std::string& name, const std::string& value);
+    // Connects the simulated modem with the device; what the modem gets is the device's to tell.
+    void ConnectModem(const Words& options = {});
+
+    // Runs a program, the other one or once more the same, on pipes to its end.
+    struct Outcome {
+        int exit;
+        std::string output;
+        std::string error;
+    };
+    Outcome Run(const Words& arguments, const std::string& input = "\n",
+                const std::string& program = WIRELET);
 
     void Type(std::string_view bytes) { m_terminal.Type(bytes); }
     CScreen& Screen() { return m_terminal.GetScreen(); }
@@ -43,29 +63,38 @@ class CSessionTest : public ::testing::Test {
     // The device has received exactly these bytes since it was last asked.
     Result DeviceGets(const std::string& bytes);
     Result GivesTerminalBack();
-    Result Fulfils(const char* what, const std::function<bool()>& condition);
+    Result Fulfils(const char* what, const std::function<bool()>& condition,
+                   std::chrono::milliseconds patience = CPump::kPatience);
 
+    // Whether these are the bytes; the failure tells where they begin to be others.
+    static Result IsSame(const std::string& actual, const std::string& expected);
+    // The bytes of a log (-O), with ">" before those that were sent and "<" before the others.
+    static std::string Decode(const std::string& log);
     // Numbered lines; and whether as many of them have gone through the screen, in order.
     static std::string MakeLines(int count, std::string_view end = "\r\n");
     void ExpectLines(int count);
 
     // The program ends with this exit code (or by minus this signal).
-    Result EndsWith(int exit);
+    Result EndsWith(int exit, std::chrono::milliseconds patience = CPump::kPatience);
     // The terminal is as it was before, too, and the prompt that a shell would print stands below
     // the text.
     Result Ends(int exit = 0);
 
     CPump m_pump;
     CTempFolder m_folder;
+    const std::string m_capture = m_folder.GetPath("capture");
     CTerminal m_terminal;
-    CDevice m_device;
-    std::vector<std::string> m_environment;
+    CDevice m_device = MakeDevice();
+    Words m_environment;
     std::unique_ptr<CProcess> m_program;
     termios m_deviceBefore{}; // its settings when the program was started
 
   private:
+    ProcessOptions Options(const Words& arguments) const;
     Result ShowsPrompt();
     Result IsSane();
 
+    std::optional<CSimulator> m_modem;
+    std::optional<CDevice> m_modemEnd;
     termios m_terminalBefore{};
 };

@@ -1,5 +1,6 @@
 #include "tests/script/ScriptRun.h"
 
+#include "console/MessageBox.h"
 #include "platform/Notification.h"
 
 #include <cstdio>
@@ -118,7 +119,7 @@ BOOL CScriptRun::Read(LPVOID buffer, DWORD, DWORD& count) {
     return TRUE;
 }
 
-BOOL CScriptRun::WaitForBytes(const CDeadline&) {
+BOOL CScriptRun::WaitForBytes(const platform::CDeadline&) {
     return FALSE;
 }
 

@@ -42,7 +42,7 @@ class CScriptRun final : public CVModem {
     BOOL GetBaudRate(DWORD& baudRate) override;
     void SetTimeout(DWORD milliseconds) override;
     BOOL IsDeviceGone() override;
-    BOOL WaitForBytes(const CDeadline& deadline) override;
+    BOOL WaitForBytes(const platform::CDeadline& deadline) override;
 
     void Record(std::string_view event, std::string_view bytes = {});
     void RecordBox(LPCSTR text, LPCSTR caption, UINT type);

@@ -5,34 +5,31 @@
 #include "CORE/VXSerial/Lib/ISerialWait.h"
 #include "common/InterfacePtr.h"
 #include "platform/Clock.h"
-#include "platform/Wait.h"
-#include "tests/comm/TestDevice.h"
+#include "tests/comm/TestPort.h"
 #include "tests/diagnostics/ReportLog.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/PseudoTerminal.h"
 
 #include <filesystem>
 #include <set>
-#include <string>
+#include <thread>
 
 using Texts = std::vector<std::string>;
-using Entries = std::set<std::string>;
 
 class CSerialTest : public testing::Test {
   protected:
-    CSerialTest() {
+    explicit CSerialTest(CPseudoTerminal device = {}) : m_device(std::move(device)) {
         EXPECT_EQ(CreateSerial(m_serial.Receive(), nullptr), S_OK);
         m_wait = m_serial.Query<ISerialWait>(IID_ISerialWait);
     }
 
-    void Open() { ASSERT_TRUE(m_serial->Open(m_device.Path())); }
+    void Open() { ASSERT_TRUE(m_serial->Open(m_device.GetPath().c_str())); }
 
     // Waits until the port has had that many bytes; fewer once the device is gone.
     std::string Read(DWORD count) {
         std::string bytes(count, '\0');
         DWORD taken = 0;
         while (taken < count && !m_wait->IsDeviceGone() &&
-               WaitForSingleObject(m_wait->GetReceiveHandle(), PATIENCE) == WAIT_OBJECT_0)
+               WaitForSingleObject(m_wait->GetReceiveHandle(), kPatience) == WAIT_OBJECT_0)
             taken += m_serial->Read(bytes.data() + taken, count - taken);
         bytes.resize(taken);
         return bytes;
@@ -54,6 +51,7 @@ class CSerialTest : public testing::Test {
     }
 
     // What the process has in this folder of its own and had not before: descriptors or threads.
+    using Entries = std::set<std::string>;
     static Entries EntriesOf(const char* folder, const Entries& before = {}) {
         Entries entries;
         for (const auto& entry : std::filesystem::directory_iterator(folder))
@@ -61,11 +59,10 @@ class CSerialTest : public testing::Test {
                 entries.insert(entry.path());
         return entries;
     }
-    // Gives threads that have ended the time to vanish.
-    static void AwaitEndOf(const Entries& threads) {
-        for (const std::string& thread : threads)
-            for (int i = 0; i < 2000 && std::filesystem::exists(thread); ++i)
-                Sleep(10);
+    // Waits until the port has that many threads: each vanishes a little after it has ended.
+    void AwaitThreads(std::size_t count) {
+        while (EntriesOf("/proc/self/task", m_threads).size() != count)
+            Sleep(1);
     }
 
     // The reports since the last call, with the numbers of lines left out.
@@ -78,14 +75,27 @@ class CSerialTest : public testing::Test {
         }
         return texts;
     }
-
-    static std::string Assert(const char* expression, const char* title = "Assert!") {
-        return std::string(title) + "\n\tFile: Serial\n\tExp: " + expression + '\n';
+    static std::string Verify(const std::string& expression) {
+        return "Verify Failed!\n\tFile: Serial\n\tExp: " + expression + '\n';
     }
 
-    inline static const std::string s_pattern = MakePattern(1 << 20);
+    // Bytes that show where they belong.
+    inline static const std::string s_pattern = [] {
+        std::string pattern(1 << 20, '\0');
+        unsigned value = 1;
+        for (char& byte : pattern) {
+            value = value * 1103515245 + 12345;
+            byte = static_cast<char>(value >> 16);
+        }
+        return pattern;
+    }();
+    // Those of the sanitizers begin with the first thread of ours.
+    const Entries m_threads = [] {
+        std::thread([] {}).join();
+        return EntriesOf("/proc/self/task");
+    }();
     CReportLog m_log;
-    CTestDevice m_device;
+    CPseudoTerminal m_device;
     CInterfacePtr<ISerial> m_serial;
     CInterfacePtr<ISerialWait> m_wait;
 };

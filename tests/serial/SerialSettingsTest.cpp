@@ -1,16 +1,11 @@
-// The settings of a port, as its driver shows them at the device's end.
-#include "platform/Comm.h"
-#include "platform/comm/CommSettings.h"
+// A port's opening, closing and settings, as its driver shows them at the device's end.
 #include "tests/serial/SerialFixture.h"
 
 #include <array>
-#include <thread>
-
-#include <sys/ioctl.h>
 
 namespace {
 
-constexpr DWORD KEEP = KEEP_SETTING;
+constexpr DWORD kKeep = KEEP_SETTING;
 
 class CSerialSettingsTest : public CSerialTest {
   protected:
@@ -21,13 +16,55 @@ class CSerialSettingsTest : public CSerialTest {
         EXPECT_TRUE(m_serial->GetDataFormat(&baudRate, &parity, &byteSize, &stopBits));
         return format;
     }
-    // As the driver has them.
-    termios2 Settings() const {
-        termios2 settings = {};
-        EXPECT_EQ(ioctl(m_device.Get(), TCGETS2, &settings), 0);
-        return settings;
-    }
 };
+
+TEST_F(CSerialSettingsTest, ClosedPortRefusesEverything) {
+    char bytes[4] = {};
+    DWORD baudRate = 0;
+    EXPECT_EQ(Write("AT"), 0u);
+    EXPECT_EQ(m_serial->Read(bytes, sizeof(bytes)), 0u);
+    EXPECT_FALSE(m_serial->Flush(_QUE_TX));
+    EXPECT_FALSE(m_serial->SetLine(LINE_DTR, TRUE));
+    EXPECT_EQ(m_serial->GetLineStatus(), 0u);
+    EXPECT_FALSE(m_serial->GetDataFormat(&baudRate, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(m_serial->Open("/dev/wirelet-none"));
+    const Texts expected = {
+        "CVSerial::Write() - The port is not open\n",
+        "CVSerial::Read() - The port is not open\n",
+        "CVSerial::Flush() - No port handle\n",
+        "CVSerial::SetLine() - No port handle\n",
+        "CVSerial::GetLineStatus() - No port handle\n",
+        "CVSerial::GetDataFormat() - GetCommState() failed - GetLastError() = 6\n",
+        "CVSerial::Open() - Could not open the port \"/dev/wirelet-none\" - GetLastError() = 2\n",
+    };
+    EXPECT_EQ(Reports(), expected);
+    EXPECT_TRUE(m_serial->Close());
+    EXPECT_EQ(m_wait->GetReceiveHandle(), nullptr);
+    EXPECT_FALSE(m_wait->Drain(1000));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(CSerialSettingsTest, ClosingLeavesNothingBehind) {
+    Entries descriptors;
+    for (int i = 0; i < 5; ++i) {
+        Open();
+        Write("AT");
+        EXPECT_EQ(m_device.Hear(2), "AT");
+        m_device.Say("OK");
+        EXPECT_EQ(Read(2), "OK");
+        EXPECT_NE(m_wait->GetHangupHandle(), nullptr);
+        EXPECT_EQ(Reports(), Texts{});
+        EXPECT_FALSE(m_serial->Open(m_device.GetPath().c_str()));
+        EXPECT_EQ(Reports(), Texts{"CVSerial::Open() - Close the current port first, Bozo\n"});
+        EXPECT_EQ(Write("still open"), 10u);
+        EXPECT_EQ(m_device.Hear(10), "still open");
+        EXPECT_TRUE(m_serial->Close());
+        AwaitThreads(0);
+        // The first time makes what stays for the process.
+        EXPECT_TRUE(i == 0 || EntriesOf("/proc/self/fd", descriptors).empty());
+        descriptors = EntriesOf("/proc/self/fd");
+    }
+}
 
 TEST_F(CSerialSettingsTest, BelongToTheObjectAndAreAppliedAtEveryOpening) {
     Open();
@@ -37,12 +74,18 @@ TEST_F(CSerialSettingsTest, BelongToTheObjectAndAreAppliedAtEveryOpening) {
     EXPECT_EQ(m_serial->GetLineStatus(), LINE_RTS | LINE_DTR);
     EXPECT_TRUE(m_serial->Close());
 
-    EXPECT_TRUE(m_serial->SetDataFormat(115200, KEEP, KEEP, KEEP));
-    EXPECT_EQ(CurrentFormat(), (Format{115200, NOPARITY, 8, ONESTOPBIT}));
+    EXPECT_TRUE(m_serial->SetDataFormat(115200, kKeep, kKeep, kKeep));
+    EXPECT_TRUE(m_serial->SetBufferSizes(1000, 2));
     for (int i = 0; i < 2; ++i) {
-        Open();
         EXPECT_EQ(CurrentFormat(), (Format{115200, NOPARITY, 8, ONESTOPBIT}));
-        EXPECT_EQ(Settings().c_ospeed, 115200u);
+        Open();
+        DCB dcb = {};
+        EXPECT_TRUE(GetCommState(m_wait->GetReceiveHandle(), &dcb));
+        EXPECT_EQ(dcb.BaudRate, 115200u);
+        EXPECT_EQ(m_serial->GetQueueInfo(_QUE_RXSIZE), 1000u);
+        EXPECT_EQ(m_serial->GetQueueInfo(_QUE_TXSIZE), 2u);
+        EXPECT_EQ(Write("tiny"), 4u);
+        EXPECT_EQ(m_device.Hear(4), "tiny");
         EXPECT_TRUE(m_serial->Close());
     }
     EXPECT_EQ(Reports(), Texts{});
@@ -51,54 +94,36 @@ TEST_F(CSerialSettingsTest, BelongToTheObjectAndAreAppliedAtEveryOpening) {
 TEST_F(CSerialSettingsTest, FlowControlIsTheDrivers) {
     EXPECT_TRUE(m_serial->SetFlowControl(_FLOW_RTSCTS));
     Open();
-    EXPECT_FALSE(Settings().c_cflag & CRTSCTS) << "applied without a baud rate";
-    EXPECT_TRUE(m_serial->SetDataFormat(38400, KEEP, KEEP, KEEP));
-    EXPECT_TRUE(Settings().c_cflag & CRTSCTS);
+    EXPECT_FALSE(m_device.GetSettings().c_cflag & CRTSCTS) << "applied without a baud rate";
+    EXPECT_TRUE(m_serial->SetDataFormat(38400, kKeep, kKeep, kKeep));
+    EXPECT_TRUE(m_device.GetSettings().c_cflag & CRTSCTS);
     for (const DWORD mode : {_FLOW_NONE, _FLOW_XONXOFF, _FLOW_BOTH, _FLOW_NONE}) {
         EXPECT_TRUE(m_serial->SetFlowControl(mode));
         EXPECT_EQ(m_serial->GetFlowControl(), mode);
-        const bool isXonXoff = (mode & _FLOW_XONXOFF) != 0;
-        EXPECT_EQ((Settings().c_cflag & CRTSCTS) != 0, (mode & _FLOW_RTSCTS) != 0) << mode;
-        EXPECT_EQ(Settings().c_iflag & (IXON | IXOFF), isXonXoff ? IXON | IXOFF : 0u) << mode;
-        EXPECT_EQ(Settings().c_cc[VSTART], 0x11); // no character was named
-        EXPECT_EQ(Settings().c_cc[VSTOP], 0x13);
+        const tcflag_t xonXoff = (mode & _FLOW_XONXOFF) != 0 ? IXON | IXOFF : 0;
+        const termios settings = m_device.GetSettings();
+        EXPECT_EQ((settings.c_cflag & CRTSCTS) != 0, (mode & _FLOW_RTSCTS) != 0) << mode;
+        EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), xonXoff) << mode;
+        EXPECT_EQ(settings.c_cc[VSTART], 0x11); // no character was named
+        EXPECT_EQ(settings.c_cc[VSTOP], 0x13);
     }
     EXPECT_EQ(Reports(), Texts{});
 }
 
 TEST_F(CSerialSettingsTest, WhatTheDriverRefusesIsReported) {
     Open();
-    EXPECT_FALSE(m_serial->SetDataFormat(9600, 256, KEEP, KEEP));
+    EXPECT_FALSE(m_serial->SetDataFormat(9600, 256, kKeep, kKeep));
     EXPECT_EQ(Reports(),
               Texts{"CVSerial::Reset() - SetCommState() failed - GetLastError() - 87\n"});
-    EXPECT_TRUE(m_serial->SetDataFormat(9600, NOPARITY, KEEP, KEEP));
+    EXPECT_TRUE(m_serial->SetDataFormat(9600, NOPARITY, kKeep, kKeep));
 
-    EXPECT_FALSE(m_serial->SetBufferSizes(0, KEEP));
-    EXPECT_EQ(Reports(), Texts{"CVSerial::Reset() - SetupComm() failed - GetLastError() = 87\n"});
+    const std::string refused = "CVSerial::Reset() - SetupComm() failed - GetLastError() = 87\n";
+    EXPECT_FALSE(m_serial->SetBufferSizes(0, kKeep));
+    EXPECT_EQ(Reports(), Texts{refused});
     EXPECT_FALSE(m_serial->SetBufferSizes(4096, 0));
-    EXPECT_EQ(Reports(),
-              (Texts{Assert("m_cvTXBuffer.SetBufferSize(dwTXBufferSize) == dwTXBufferSize",
-                            "Verify Failed!"),
-                     "CVSerial::Reset() - SetupComm() failed - GetLastError() = 87\n"}));
-}
-
-TEST_F(CSerialSettingsTest, SizesAreKeptAndTheWriteThreadGoesOn) {
-    std::thread([] {}).join(); // a sanitizer starts one of its own beside the first
-    const Entries before = EntriesOf("/proc/self/task");
-    Open();
-    const Entries earlier = EntriesOf("/proc/self/task", before);
-    EXPECT_EQ(earlier.size(), 1u);
-    EXPECT_TRUE(m_serial->SetBufferSizes(1000, 2));
-    AwaitEndOf(earlier);
-    EXPECT_EQ(EntriesOf("/proc/self/task", before).size(), 1u);
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(m_serial->GetQueueInfo(_QUE_RXSIZE), 1000u);
-        EXPECT_EQ(m_serial->GetQueueInfo(_QUE_TXSIZE), 2u);
-        EXPECT_EQ(Write("tiny"), 4u);
-        EXPECT_EQ(m_device.Hear(4), "tiny");
-        EXPECT_TRUE(m_serial->Close());
-        Open();
-    }
+    EXPECT_EQ(
+        Reports(),
+        (Texts{Verify("m_cvTXBuffer.SetBufferSize(dwTXBufferSize) == dwTXBufferSize"), refused}));
 }
 
 } // namespace

@@ -19,11 +19,11 @@ CDescriptor OpenDevice(const std::string& path) {
 // Types and reads until the end is seen, the device hangs up or nothing comes for a long time.
 std::string Ask(const CDescriptor& device, std::string_view text, std::string_view end) {
     EXPECT_EQ(write(device.Get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    constexpr int patience = 20000;
+    constexpr int kPatience = 20000;
     std::string answer;
     char block[4096];
     pollfd watched{device.Get(), POLLIN, 0};
-    while (!answer.ends_with(end) && poll(&watched, 1, patience) > 0) {
+    while (!answer.ends_with(end) && poll(&watched, 1, kPatience) > 0) {
         const ssize_t count = read(device.Get(), block, sizeof(block));
         if (count <= 0)
             return answer + "<hang-up>";
@@ -49,16 +49,16 @@ TEST(OptionParsing, RefusesWhatItDoesNotUnderstand) {
         "--delay |--long 100000001|--once=1|--dial 5|--dial x=BUSY|--dial 5=NONE|--vanish-after 0|"
         "--garbage 65537|--seed 4294967296|--messages 51");
     for (std::string line; std::getline(lines, line, '|');) {
-        const SSimulatorOptions options = Parse(line);
-        EXPECT_EQ(options.purpose, SSimulatorOptions::EPurpose::Refuse) << line;
+        const SimulatorOptions options = Parse(line);
+        EXPECT_EQ(options.purpose, SimulatorOptions::EPurpose::Refuse) << line;
         EXPECT_FALSE(options.problem.empty()) << line;
     }
-    const SSimulatorOptions options = Parse("--dial 55=BUSY --dial==CONNECT --ring 1.5");
-    EXPECT_EQ(options.purpose, SSimulatorOptions::EPurpose::Run);
+    const SimulatorOptions options = Parse("--dial 55=BUSY --dial==CONNECT --ring 1.5");
+    EXPECT_EQ(options.purpose, SimulatorOptions::EPurpose::Run);
     EXPECT_EQ(options.profile.dialRules.back().ending, "");
     EXPECT_EQ(options.profile.ringPeriod, 1500);
-    EXPECT_EQ(Parse("--help").purpose, SSimulatorOptions::EPurpose::Help);
-    EXPECT_EQ(Parse("--version").purpose, SSimulatorOptions::EPurpose::Version);
+    EXPECT_EQ(Parse("--help").purpose, SimulatorOptions::EPurpose::Help);
+    EXPECT_EQ(Parse("--version").purpose, SimulatorOptions::EPurpose::Version);
 }
 
 TEST_F(ProgramOnPty, OpenersComeAndGoAndSignalsEndIt) {

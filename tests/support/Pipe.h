@@ -1,7 +1,7 @@
-// Descriptors that close themselves: of a pipe, of a pseudo-terminal.
+// A pipe whose ends close themselves.
 #pragma once
 
-#include "platform/objects/HandleObject.h"
+#include "platform/objects/Descriptor.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -20,6 +20,3 @@ struct Pipe {
     CDescriptor reader;
     CDescriptor writer;
 };
-
-// The master of a new pseudo-terminal, blocking, and the path of its slave.
-CDescriptor OpenMaster(std::string& slavePath);

@@ -9,7 +9,6 @@
 #include "tests/support/Pipe.h"
 #include "tests/support/Pump.h"
 
-#include <map>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -40,13 +39,11 @@ class CProcess : public IPollable {
     int GetExit() const { return m_nExit; }
     void Kill(int signal) const;
 
-    bool IsStopped() const { return ReadStatus().starts_with('T'); }
-    // Voluntary context switches of each of its threads so far.
-    std::map<std::string, long> CountSwitches() const;
-    // Processor time used so far, in clock ticks (10 ms).
-    long CountProcessorTicks() const;
+    bool IsStopped() const;
+    // The processor time of each of its threads so far: the same as before when none has run.
+    std::string GetActivity() const;
 
-    int GetDescriptor() const override { return m_bEnded ? -1 : m_status.Get(); }
+    int GetDescriptor() const override { return m_bEnded ? -1 : m_channel.Get(); }
     void OnReady(short events) override;
 
   private:
@@ -56,14 +53,13 @@ class CProcess : public IPollable {
         int status;
     };
 
-    [[noreturn]] static void Supervise(const ProcessOptions& options, int status, int control);
+    [[noreturn]] static void Supervise(const ProcessOptions& options, int channel);
     [[noreturn]] static void Execute(const ProcessOptions& options);
-    std::string ReadStatus() const;
 
     pid_t m_nSupervisor = -1;
     Report m_report{};
-    CDescriptor m_status;  // reports come here
-    CDescriptor m_control; // closing it ends the supervisor and what is left of the program
+    // Reports come here; closing it ends the supervisor and what is left of the program.
+    CDescriptor m_channel;
     bool m_bEnded = false;
     int m_nExit = 0;
 };

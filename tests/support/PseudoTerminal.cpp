@@ -1,34 +1,45 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
 #include <sys/ioctl.h>
 
-CDescriptor OpenMaster(std::string& slavePath) {
-    CDescriptor master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
-    EXPECT_EQ(grantpt(master.Get()), 0);
-    EXPECT_EQ(unlockpt(master.Get()), 0);
-    char path[64] = "";
-    EXPECT_EQ(ptsname_r(master.Get(), path, sizeof(path)), 0);
-    slavePath = path;
-    return master;
-}
+namespace {
 
-CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
-    fcntl(m_master.Get(), F_SETFL, O_RDWR | O_NONBLOCK);
-    m_slave = CDescriptor(open(m_path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+constexpr int kPatience = 60'000; // milliseconds for what must come
+
+} // namespace
+
+CPseudoTerminal::CPseudoTerminal()
+    : m_master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_EQ(grantpt(m_master.Get()), 0);
+    EXPECT_EQ(unlockpt(m_master.Get()), 0);
+    char path[64] = "";
+    EXPECT_EQ(ptsname_r(m_master.Get(), path, sizeof(path)), 0);
+    m_path = path;
+    m_slave = CDescriptor(open(path, O_RDWR | O_NOCTTY | O_CLOEXEC));
     EXPECT_TRUE(m_slave);
 }
 
-CPseudoTerminal::CPseudoTerminal(const std::string& path)
-    : m_path(path), m_master(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
-    EXPECT_TRUE(m_master) << path;
+CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
+    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_TRUE(m_master) << farEnd;
     termios settings{};
-    if (tcgetattr(m_master.Get(), &settings) != 0)
-        return;
-    cfmakeraw(&settings);
-    tcsetattr(m_master.Get(), TCSANOW, &settings);
+    if (tcgetattr(m_master.Get(), &settings) == 0) {
+        cfmakeraw(&settings);
+        tcsetattr(m_master.Get(), TCSANOW, &settings);
+    }
+    // What a gadget's driver got when nobody had its terminal open comes with the next byte, or
+    // now. And what another program sent may still be on its way.
+    constexpr int kSilence = 200; // milliseconds
+    const int discipline = N_TTY;
+    ioctl(m_master.Get(), TIOCSETD, &discipline);
+    pollfd polled = {m_master.Get(), POLLIN, 0};
+    while (poll(&polled, 1, kSilence) > 0 && !Read(4096).empty())
+        continue;
 }
 
 termios CPseudoTerminal::GetSettings() const {
@@ -39,6 +50,12 @@ termios CPseudoTerminal::GetSettings() const {
 
 void CPseudoTerminal::ApplySettings(const termios& settings) {
     EXPECT_EQ(tcsetattr(m_slave.Get(), TCSANOW, &settings), 0);
+}
+
+int CPseudoTerminal::CountUnread() const {
+    int unread = 0;
+    EXPECT_TRUE(!m_slave || ioctl(m_slave.Get(), FIONREAD, &unread) == 0);
+    return unread;
 }
 
 void CPseudoTerminal::SetSize(int rows, int columns) {
@@ -59,6 +76,32 @@ void CPseudoTerminal::Write(CByteQueue& bytes) {
     const ssize_t count = write(m_master.Get(), front.data(), front.size());
     if (count > 0)
         bytes.Take(static_cast<std::size_t>(count));
+}
+
+bool CPseudoTerminal::AwaitMaster(short events) const {
+    pollfd polled = {m_master.Get(), events, 0};
+    return poll(&polled, 1, kPatience) == 1;
+}
+
+void CPseudoTerminal::Say(std::string_view text) const {
+    while (!text.empty() && AwaitMaster(POLLOUT)) {
+        const ssize_t count = write(m_master.Get(), text.data(), text.size());
+        if (count < 0 && errno != EAGAIN)
+            break;
+        text.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    EXPECT_TRUE(text.empty()) << text.size() << " bytes have not been taken";
+}
+
+std::string CPseudoTerminal::Hear(std::size_t least, std::size_t most) {
+    std::string heard;
+    while (heard.size() < least && AwaitMaster(POLLIN)) {
+        const std::string some = Read(most - heard.size());
+        if (some.empty())
+            break;
+        heard += some;
+    }
+    return heard;
 }
 
 bool operator==(const termios& left, const termios& right) {

@@ -13,8 +13,9 @@
 class CPseudoTerminal {
   public:
     CPseudoTerminal();
-    // A line that is there, in place of the master; it has no slave, and no settings are told.
-    explicit CPseudoTerminal(const std::string& path);
+    // A device that is there, and the far end of its cable in place of the master: what was left at
+    // that is discarded. There is no slave, and no settings are told.
+    CPseudoTerminal(const std::string& path, const std::string& farEnd);
 
     int GetMaster() const { return m_master.Get(); }
     int GetSlave() const { return m_slave.Get(); }
@@ -23,6 +24,9 @@ class CPseudoTerminal {
     termios GetSettings() const;
     void ApplySettings(const termios& settings);
     void SetSize(int rows, int columns);
+
+    // How many bytes written to the master nobody has read from the slave; 0 without a slave.
+    int CountUnread() const;
 
     // Gives the slave away: who has it, has the device open.
     CDescriptor TakeSlave() { return std::move(m_slave); }
@@ -34,7 +38,15 @@ class CPseudoTerminal {
     // Takes from the front of the queue what fits now.
     void Write(CByteQueue& bytes);
 
+    // As a device: writes all of it, and waits for so many bytes; fewer only on failure. Each by
+    // one thread at a time.
+    void Say(std::string_view text) const;
+    std::string Hear(std::size_t count) { return Hear(count, count); }
+    std::string Hear(std::size_t least, std::size_t most);
+
   private:
+    bool AwaitMaster(short events) const;
+
     std::string m_path;
     CDescriptor m_master;
     CDescriptor m_slave;

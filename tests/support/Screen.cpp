@@ -1,17 +1,10 @@
 #include "tests/support/Screen.h"
 
-#include <algorithm>
+#include <bit>
 #include <span>
+#include <utf8proc.h>
 
 namespace {
-
-void AppendUtf8(std::string& text, uint32_t character) {
-    constexpr uint32_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
-    const int tails = character < 0x80 ? 0 : character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-    text += static_cast<char>(kLead[tails] | character >> 6 * tails);
-    for (int tail = tails - 1; tail >= 0; --tail)
-        text += static_cast<char>(0x80 | (character >> 6 * tail & 0x3F));
-}
 
 std::string TextOfCells(std::span<const VTermScreenCell> cells) {
     std::string text;
@@ -21,23 +14,25 @@ std::string TextOfCells(std::span<const VTermScreenCell> cells) {
             continue;
         if (cell.chars[0] == 0)
             text += ' ';
-        for (int index = 0; index < VTERM_MAX_CHARS_PER_CELL && cell.chars[index] != 0; ++index)
-            AppendUtf8(text, cell.chars[index]);
+        for (int index = 0; index < VTERM_MAX_CHARS_PER_CELL && cell.chars[index] != 0; ++index) {
+            utf8proc_uint8_t bytes[4];
+            const auto character = static_cast<utf8proc_int32_t>(cell.chars[index]);
+            const auto count = static_cast<std::size_t>(utf8proc_encode_char(character, bytes));
+            text.append(reinterpret_cast<const char*>(bytes), count);
+        }
     }
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }
 
 // How many bytes at the end begin a character whose other bytes are still to come.
-std::size_t CountCutOff(std::string_view bytes) {
-    for (std::size_t count = 1; count <= std::min<std::size_t>(3, bytes.size()); ++count) {
-        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - count]);
-        if (byte >= 0xC0)
-            return count < (byte < 0xE0 ? 2U : byte < 0xF0 ? 3U : 4U) ? count : 0;
-        if (byte < 0x80)
-            return 0;
-    }
-    return 0;
+std::size_t CountCutOff(const std::string& bytes) {
+    std::size_t count = 1;
+    while (count < bytes.size() && (bytes[bytes.size() - count] & 0xC0) == 0x80)
+        ++count;
+    const auto lead = bytes.empty() ? '\0' : bytes[bytes.size() - count];
+    const int length = std::countl_one(static_cast<unsigned char>(lead));
+    return static_cast<std::size_t>(length) > count ? count : 0;
 }
 
 // The user of the fallbacks is the list of oddities.
@@ -46,39 +41,37 @@ int Note(void* user, std::string oddity) {
     return 1;
 }
 
-const VTermParserCallbacks kFallbacks = {
-    .text = nullptr,
-    .control = [](unsigned char control,
-                  void* user) { return Note(user, "control " + std::to_string(control)); },
-    .escape = nullptr,
-    .csi = [](const char*, const long[], int, const char*, char command,
-              void* user) { return Note(user, std::string("CSI ") + command); },
-    .osc = [](const char* command, size_t length,
-              void* user) { return Note(user, "OSC " + std::string(command, length)); },
-    .dcs = [](const char*, size_t, void* user) { return Note(user, "DCS"); },
-    .resize = nullptr,
-};
+int NoteControl(unsigned char control, void* user) {
+    return Note(user, "control " + std::to_string(control));
+}
+int NoteSequence(const char*, const long[], int, const char*, char command, void* user) {
+    return Note(user, std::string("CSI ") + command);
+}
+int NoteText(const char* command, size_t length, void* user) {
+    return Note(user, "string " + std::string(command, length));
+}
+
+const VTermParserCallbacks kFallbacks = {nullptr,  NoteControl, nullptr, NoteSequence,
+                                         NoteText, NoteText,    nullptr};
 
 } // namespace
 
 const VTermScreenCallbacks CScreen::kCallbacks = {
-    .damage = nullptr,
-    .moverect = nullptr,
-    .movecursor = nullptr,
-    .settermprop =
-        [](VTermProp property, VTermValue* value, void* user) {
-            static_cast<CScreen*>(user)->SetProperty(property, *value);
-            return 1;
-        },
-    .bell = [](void* user) { return ++static_cast<CScreen*>(user)->m_nBells; },
-    .resize = nullptr,
-    .sb_pushline =
-        [](int columns, const VTermScreenCell* cells, void* user) {
-            const std::span row(cells, static_cast<std::size_t>(columns));
-            static_cast<CScreen*>(user)->m_scrollback.push_back(TextOfCells(row));
-            return 1;
-        },
-    .sb_popline = nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    [](VTermProp property, VTermValue* value, void* user) {
+        static_cast<CScreen*>(user)->SetProperty(property, *value);
+        return 1;
+    },
+    [](void* user) { return ++static_cast<CScreen*>(user)->m_nBells; },
+    nullptr,
+    [](int columns, const VTermScreenCell* cells, void* user) {
+        const std::span row(cells, static_cast<std::size_t>(columns));
+        static_cast<CScreen*>(user)->m_scrollback.push_back(TextOfCells(row));
+        return 1;
+    },
+    nullptr,
 };
 
 CScreen::CScreen(int rows, int columns)
@@ -99,14 +92,10 @@ CScreen::CScreen(int rows, int columns)
 void CScreen::SetProperty(VTermProp property, const VTermValue& value) {
     if (property == VTERM_PROP_TITLE)
         m_title = value.string;
-    if (property == VTERM_PROP_CURSORVISIBLE)
+    else if (property == VTERM_PROP_CURSORVISIBLE)
         m_bCursorVisible = value.boolean;
-    if (property == VTERM_PROP_ALTSCREEN)
-        m_oddities.emplace_back("alternate screen");
-    if (property == VTERM_PROP_MOUSE)
-        m_oddities.emplace_back("mouse");
-    if (property == VTERM_PROP_REVERSE)
-        m_oddities.emplace_back("reverse screen");
+    else
+        m_oddities.push_back("property " + std::to_string(property));
 }
 
 void CScreen::Feed(std::string_view bytes) {

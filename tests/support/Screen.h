@@ -32,7 +32,7 @@ class CScreen {
 
     // What the terminal would have answered: the program asked it something.
     const std::string& GetReplies() const { return m_replies; }
-    // Control functions that a program which only draws has no use for, one word each: other
+    // Control functions that a program which only draws has no use for, a few words each: other
     // screens, mouse modes, and what libvterm does not know. The title stack's "CSI t" is among
     // them.
     const std::vector<std::string>& GetOddities() const { return m_oddities; }

@@ -1,64 +1,29 @@
-// The binding, with libraries that are missing, lacking and changing.
-#include "telephony/Tapi.h"
+// The binding, with a library that is missing, lacks a function, and is whole.
+#include "tests/telephony/TelephonyTest.h"
+
 #include "telephony/TapiLibrary.h"
-#include "tests/telephony/FakeTapi.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace {
 
-void Install(const std::string& name) {
-    const std::filesystem::path beside =
-        std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libtapi32.so";
-    std::filesystem::remove(beside);
-    if (!name.empty())
-        std::filesystem::create_symlink(std::filesystem::path(MODULE_FOLDER) / name, beside);
-}
+using CLibraryTest = CTelephonyTest;
 
-// Each function of the list, called with nothing: how many say that they are not there.
-template <class Function> struct SCall;
-template <class... Parameters> struct SCall<LONG(Parameters...)> {
-    template <class Member> static LONG With(Member member) { return member(Parameters{}...); }
-};
-int CountAbsent(CVTapiLibrary& library, LONG lStatus) {
-    int count = 0;
-#define CALL_MEMBER(result, name, parameters)                                                      \
-    count += SCall<result parameters>::With(                                                       \
-                 [&](auto... nothing) { return library.name(nothing...); }) == lStatus;
-    WIRELET_TAPI_FUNCTIONS(CALL_MEMBER)
-    return count;
-}
-
-// One test, as all of it changes the one folder of the program: two at a time would take each
-// other's library away.
-TEST(TapiLibrary, IsMissingThenLackingThenWholeAndLoadedAgainAfterUnloading) {
+TEST_F(CLibraryTest, IsLookedForByEveryCallAndLoadedOnce) {
     CVTapiLibrary library;
-    FakeTapi()->calls.clear();
-    Install("");
+    m_service.missing = "library";
     EXPECT_EQ(library.Load(), 0);
     EXPECT_EQ(CVTapi::LoadTapi(), 0);
-    EXPECT_EQ(CountAbsent(library, E_TAPI_NOLIBRARY), 62);
+    EXPECT_EQ(library.lineHold(7u), E_TAPI_NOLIBRARY);
 
-    // It is looked for again, and every function each time.
-    Install("libtapi32_lacking.so");
+    m_service.missing = "lineGetCountry";
     EXPECT_EQ(library.lineGetCountry(0u, 0u, nullptr), E_TAPI_FAILED);
-    EXPECT_EQ(CountAbsent(library, E_TAPI_FAILED), 1);
-    EXPECT_EQ(FakeTapi()->calls.size(), 61u);
-    library.Unload();
-
-    Install("service/libtapi32.so");
-    EXPECT_NE(library.Load(), 0);
+    EXPECT_EQ(library.lineHold(7u), 1000);
     EXPECT_EQ(library.Load(), 1);
-    EXPECT_EQ(FakeTapi()->loads, 1);
+    EXPECT_EQ(m_service.loads, 1);
     library.Unload();
     library.Unload();
-    EXPECT_EQ(FakeTapi()->loads, 0);
-    FakeTapi()->results["lineHold"] = {LINEERR_INVALCALLHANDLE};
-    EXPECT_EQ(library.lineHold(7), LINEERR_INVALCALLHANDLE);
-    EXPECT_EQ(FakeTapi()->calls.back(), "lineHold 7");
-    EXPECT_EQ(FakeTapi()->loads, 1);
+    EXPECT_EQ(m_service.loads, 0);
+    EXPECT_EQ(library.lineHold(8u), 1001);
+    EXPECT_EQ(Take(), "lineHold 7\nlineHold 8\n");
 }
 
 } // namespace

@@ -4,63 +4,64 @@
 #include "telephony/TapiRecord.h"
 #include "telephony/TapiService.h"
 
+#include <array>
+
 namespace {
 
 using CLineTest = CTelephonyTest;
 
-constexpr DWORD OWNER = LINECALLPRIVILEGE_OWNER;
+constexpr DWORD kOwner = LINECALLPRIVILEGE_OWNER;
 
 TEST_F(CLineTest, IsOpenedOnceAndClosedWhenAnyStepFails) {
+    // What comes after the call that fails; the next attempt goes one step further.
+    const std::pair<std::string, const char*> steps[] = {
+        {"lineInitialize", "! MLineInitialize() - lineInitialize() failed*\n"
+                           "! LineOpen() - MLineInitialize() failed*\n"},
+        {"lineNegotiateAPIVersion",
+         "! MLineNegotiateAPIVersion() - lineNegotiateAPIVersion() failed*\n"
+         "! LineOpen() - MLineNegotiateAPIVersion() faile*\n"},
+        {"lineOpen", "! LineOpen() - lineOpen() failed*\n"},
+        {"lineSetStatusMessages", "! LineOpen() - lineSetStatusMessage() failed*\nlineClose 12\n"},
+        {"lineGetNewCalls", "! LineGetNewCalls() - lineGetNewCalls() failed*\n"
+                            "! LinOpen() - MLineGetNewCalls() failed*\nlineClose 12\n"},
+        {"phoneInitialize", "! MPhoneInitialize() - phoneInitialize() failed*\n"
+                            "! PhoneOpen() - MPhoneInitialize() failed*\n"},
+        {"phoneNegotiateAPIVersion",
+         "! MPhoneNegotiateAPIVersion() - phoneNegotiateAPIVersion() failed*\n"
+         "! PhoneOpen() - MPhoneNegotiateAPIVersion() failed*\n"},
+        {"phoneOpen", "! PhoneOpen() - phoneOpen() failed*\n"},
+        {"phoneSetStatusMessages",
+         "! PhoneOpen() - phoneSetStatusMessages() failed*\nphoneClose 22\n"},
+    };
+    for (const auto& [function, expected] : steps) {
+        m_service.results[function] = {LINEERR_OPERATIONFAILED};
+        EXPECT_EQ(function[0] == 'p' ? m_tapi->PhoneOpen(0, 2) : m_tapi->LineOpen(0, 6, 16),
+                  LINEERR_OPERATIONFAILED);
+        const std::string record = Take();
+        EXPECT_EQ(record.substr(record.find('\n', record.find(function)) + 1), expected);
+        EXPECT_EQ(m_tapi->LineGetLineDevStatus(CResult<LINEDEVSTATUS>()), E_TAPI_NOLINE);
+        EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, FALSE), E_TAPI_NOPHONE);
+        Take();
+    }
     OpenLine();
-    EXPECT_EQ(TakeCalls(),
-              "lineInitialize * null\nlineNegotiateAPIVersion 11 0 65540 65540 *\n"
-              "lineOpen 11 0 65540 0 4 16 null\nlineSetStatusMessages 12 17041102 0\n");
-    EXPECT_EQ(m_tapi->LineOpen(1, OWNER, 16), E_TAPI_LINEOPEN);
+    EXPECT_EQ(m_tapi->LineOpen(1, kOwner, 16), E_TAPI_LINEOPEN);
     EXPECT_EQ(m_tapi->LineGetID(CResult<VARSTRING>(), "c"), 0);
     EXPECT_EQ(m_tapi->LineClose(), 0);
     EXPECT_EQ(m_tapi->LineClose(), 0);
-    EXPECT_EQ(TakeCalls(), "lineGetID 12 0 0 1 [56] 'c'\nlineClose 12\n");
-    EXPECT_EQ(TakeTrace(), "1 CVTapi::LineOpen() - A line has already been opened\n");
-
-    // clang-format off
-    const struct {
-        const char* function;
-        const char* last; // of the calls
-        std::vector<std::string> failures;
-    } STEPS[] = {
-        {"lineNegotiateAPIVersion", "lineNegotiateAPIVersion 11 0 65540 65540 *\n", {"MLineNegotiateAPIVersion() - lineNegotiateAPIVersion() failed", "LineOpen() - MLineNegotiateAPIVersion() faile"}},
-        {"lineOpen", "lineOpen 11 0 65540 0 6 16 null\n", {"LineOpen() - lineOpen() failed"}},
-        {"lineSetStatusMessages", "lineClose 12\n", {"LineOpen() - lineSetStatusMessage() failed"}},
-        {"lineGetNewCalls", "lineClose 12\n", {"LineGetNewCalls() - lineGetNewCalls() failed", "LinOpen() - MLineGetNewCalls() failed"}},
-        {"phoneInitialize", "phoneInitialize * null\n", {"MPhoneInitialize() - phoneInitialize() failed", "PhoneOpen() - MPhoneInitialize() failed"}},
-        {"phoneNegotiateAPIVersion", "65540 *\n", {"MPhoneNegotiateAPIVersion() - phoneNegotiateAPIVersion() failed", "PhoneOpen() - MPhoneNegotiateAPIVersion() failed"}},
-        {"phoneOpen", "phoneOpen 21 0 65540 0 2\n", {"PhoneOpen() - phoneOpen() failed"}},
-        {"phoneSetStatusMessages", "phoneSetStatusMessages 22 14942342 8 2\nphoneClose 22\n", {"PhoneOpen() - phoneSetStatusMessages() failed"}},
-    };
-    // clang-format on
-    for (const auto& step : STEPS) {
-        SCOPED_TRACE(step.function);
-        Fails(step.function, LINEERR_OPERATIONFAILED);
-        EXPECT_EQ(step.function[0] == 'p' ? m_tapi->PhoneOpen(0, 2) : m_tapi->LineOpen(0, 6, 16),
-                  LINEERR_OPERATIONFAILED);
-        EXPECT_TRUE(TakeCalls().ends_with(step.last));
-        std::string trace;
-        for (const std::string& failure : step.failures)
-            trace += "1 CVTapi::" + failure + " returning 0x80000048\n";
-        EXPECT_EQ(TakeTrace(), trace);
-        EXPECT_EQ(m_tapi->LineGetLineDevStatus(CResult<LINEDEVSTATUS>()), E_TAPI_NOLINE);
-        EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, FALSE), E_TAPI_NOPHONE);
-        TakeTrace();
-    }
     EXPECT_EQ(m_tapi->PhoneOpen(0, 2), 0);
     EXPECT_EQ(m_tapi->PhoneOpen(0, 2), E_TAPI_PHONEOPEN);
-    EXPECT_EQ(TakeTrace(), "1 CVTapi::PhoneOpen() - A phone has already been opened\n");
+    EXPECT_EQ(Take(), "lineNegotiateAPIVersion 11 0 65540 65540 *\n"
+                      "lineOpen 11 0 65540 0 4 16 null\nlineSetStatusMessages 12 17041102 0\n"
+                      "! LineOpen() - A line has already been opened\n"
+                      "lineGetID 12 0 0 1 [56] 'c'\nlineClose 12\n"
+                      "phoneNegotiateAPIVersion 21 0 65540 65540 *\nphoneOpen 21 0 65540 0 2\n"
+                      "phoneSetStatusMessages 22 14942342 8 2\n"
+                      "! PhoneOpen() - A phone has already been opened\n");
 }
 
 TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
     LINECALLLIST head = {0, 0, 0, 3, 12, sizeof(LINECALLLIST) + 1};
-    FakeTapi()->fill = [&](const std::string& call, LPVOID record) {
-        EXPECT_EQ(call, "lineGetNewCalls 12 0 1 [1024]");
+    m_service.fill = [&](const std::string&, LPVOID record) {
         head.dwTotalSize = 0xFFFFFFFF;
         const DWORD handles[] = {31, 32, 33};
         std::memcpy(record, &head, sizeof head);
@@ -68,10 +69,10 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
         return 0;
     };
     OpenLine(LINECALLPRIVILEGE_MONITOR);
-    EXPECT_TRUE(TakeCalls().ends_with("]\nlineDeallocateCall 32\nlineDeallocateCall 33\n"));
-    EXPECT_EQ(TakeTrace(), "8 CVTapi::LineGetNewCalls() - Active call found\n\n");
     EXPECT_EQ(m_tapi->LineHandoff("x", 1), 0);
-    EXPECT_EQ(TakeCalls(), "lineHandoff 31 'x' 1\n");
+    EXPECT_TRUE(Take().ends_with("]\n- LineGetNewCalls() - Active call found\n\n"
+                                 "lineDeallocateCall 32\nlineDeallocateCall 33\n"
+                                 "lineHandoff 31 'x' 1\n"));
 
     // Lists that claim what is not there.
     for (const auto& [entries, size, offset] :
@@ -79,95 +80,88 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
         m_tapi->LineClose();
         head = {0, 0, 0, entries, size, offset};
         OpenLine(LINECALLPRIVILEGE_MONITOR);
-        EXPECT_EQ(TakeTrace(), "8 CVTapi::LineGetNewCalls() - No active calls found\n\n");
+        EXPECT_TRUE(Take().ends_with("]\n- LineGetNewCalls() - No active calls found\n\n"));
         EXPECT_EQ(m_tapi->LineHandoff("x", 1), E_TAPI_NOCALL);
-        TakeTrace();
     }
 }
 
-// A client's callback: what it is told.
-std::string s_noted;
+// A client's callback, which tells the service's record what it is told.
 void Note(DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR dwParam1,
           DWORD_PTR dwParam2, DWORD_PTR) {
-    for (const DWORD_PTR value : {DWORD_PTR{hDevice}, DWORD_PTR{dwMessage}, dwInstance, dwParam1})
-        s_noted += std::to_string(value) + ' ';
-    s_noted += std::to_string(dwParam2) + '\n';
+    std::string text = "told";
+    for (const DWORD_PTR value : {DWORD_PTR{hDevice}, DWORD_PTR{dwMessage}, dwParam1, dwParam2})
+        text += ' ' + std::to_string(value);
+    reinterpret_cast<CFakeTapi*>(dwInstance)->log += text + '\n';
 }
 
 TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
-    s_noted.clear();
-    m_tapi->LineSetUserCallback(Note, 7);
     OpenLine();
+    Take();
+    m_tapi->LineSetUserCallback(Note, reinterpret_cast<DWORD_PTR>(&m_service));
     EXPECT_EQ(m_tapi->LineMakeCall("ATD1", 49, nullptr, TRUE), 0);
-    EXPECT_TRUE(TakeCalls().ends_with("lineMakeCall 12 'ATD1' 49 null\n"));
-    EXPECT_EQ(std::exchange(s_noted, {}), "0 12 7 1000 0\n");
     EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, TRUE), E_TAPI_CALLINPROGRESS);
-    EXPECT_EQ(TakeTrace(),
-              "8 CVTapi::LineMakeCall() - A call is already in progress on this line\n\n");
+    EXPECT_EQ(Take(), "lineMakeCall 12 'ATD1' 49 null\ntold 0 12 1000 0\n"
+                      "- LineMakeCall() - A call is already in progress on this line\n\n");
+    m_tapi->LineSetUserCallback(nullptr, 0);
 
     // States arrive in the next wait, before its own reply.
-    Fails("lineDeallocateCall", LINEERR_OPERATIONFAILED);
-    FakeTapi()->CallState(50, LINECALLSTATE_CONNECTED);
-    FakeTapi()->CallState(50, LINECALLSTATE_PROCEEDING);
-    FakeTapi()->CallState(50, LINECALLSTATE_DISCONNECTED);
+    m_service.results["lineDeallocateCall"] = {LINEERR_OPERATIONFAILED};
+    m_service.CallState(50, LINECALLSTATE_CONNECTED);
+    m_service.CallState(50, LINECALLSTATE_PROCEEDING);
+    m_service.CallState(50, LINECALLSTATE_DISCONNECTED);
     EXPECT_EQ(m_tapi->LineHold(TRUE), 0);
-    EXPECT_EQ(TakeCalls(), "lineHold 13\nlineDrop 50 null 0\n");
-    FakeTapi()->CallState(50, LINECALLSTATE_IDLE);
+    m_service.CallState(50, LINECALLSTATE_IDLE);
     EXPECT_EQ(m_tapi->LineUnhold(TRUE), 0);
-    EXPECT_EQ(TakeCalls(), "lineUnhold 50\nlineDeallocateCall 50\n");
-    EXPECT_EQ(TakeTrace(),
-              "1 CVTapi::MLineCallback() - lineDeallocateCall() failed returning 0x80000048\n");
     EXPECT_EQ(m_tapi->LineDrop(FALSE), E_TAPI_NOCALL);
+    EXPECT_EQ(Take(), "lineHold 13\nlineDrop 50 null 0\nlineUnhold 50\nlineDeallocateCall 50\n"
+                      "! MLineCallback() - lineDeallocateCall() failed*\n"
+                      "! LineDrop() - No current call handle\n\n");
 
     // A message of a line that is closed by now, dispatched by another wait, brings no call.
-    FakeTapi()->CallState(51, LINECALLSTATE_OFFERING);
+    m_service.CallState(51, LINECALLSTATE_OFFERING);
     m_tapi->LineClose();
     ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
     EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, TRUE), 0);
     EXPECT_EQ(m_tapi->LineDrop(FALSE), E_TAPI_NOCALL);
-    Fails("lineMakeCall", LINEERR_INVALLINEHANDLE);
-    TakeTrace();
-    EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, FALSE), LINEERR_INVALLINEHANDLE);
-    EXPECT_EQ(TakeTrace(),
-              "1 CVTapi::LineMakeCall() - lineMakeCall() failed returning 0x8000002b\n");
+    m_service.results["lineMakeCall"] = {LINEERR_OPERATIONFAILED};
+    EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, FALSE), LINEERR_OPERATIONFAILED);
+    EXPECT_TRUE(Take().ends_with("! LineMakeCall() - lineMakeCall() failed*\n"));
 }
 
 TEST_F(CLineTest, WaitsForTheReplyOfItsOwnRequest) {
     MakeCall();
-    FakeTapi()->request = [](DWORD request, bool) {
-        FakeTapi()->Reply(request - 1, LINEERR_INUSE);
-        FakeTapi()->Reply(request, LINEERR_CALLUNAVAIL);
-        FakeTapi()->Reply(request, LINEERR_NOMEM);
+    m_service.request = [&](DWORD request, bool) {
+        m_service.Reply(request - 1, LINEERR_INUSE);
+        m_service.Reply(request, LINEERR_CALLUNAVAIL);
+        m_service.Reply(request, LINEERR_NOMEM);
     };
     EXPECT_EQ(m_tapi->LineDial("2", 0, TRUE), LINEERR_CALLUNAVAIL);
 
     // Nothing comes in time; what comes late is nobody's, for the next wait either.
     DWORD late = 0;
-    FakeTapi()->request = [&](DWORD request, bool) { late = request; };
-    const LONG started = m_tapi->LineAnswer(FALSE);
-    EXPECT_EQ(started, static_cast<LONG>(late));
-    TakeTrace();
+    m_service.request = [&](DWORD request, bool) { late = request; };
+    EXPECT_EQ(m_tapi->LineAnswer(FALSE), 1002);
+    EXPECT_EQ(late, 1002u);
+    Take();
     EXPECT_EQ(m_tapi->LineAnswer(TRUE), E_TAPI_TIMEOUT);
-    EXPECT_EQ(TakeTrace(), "1 CVTapi::MLineWaitForReply() - Function timeout\n"
-                           "1 CVTapi::LineAnswer() - MLineWaitForReply() failed returning "
-                           "0xa000000b\n\n");
-    FakeTapi()->Reply(late, LINEERR_INUSE);
-    FakeTapi()->request = [](DWORD request, bool isPhone) {
-        FakeTapi()->Reply(request, isPhone ? 9 : LINEERR_NODEVICE, isPhone);
+    EXPECT_EQ(Take(), "lineAnswer 13 null 0\n! MLineWaitForReply() - Function timeout\n"
+                      "! LineAnswer() - MLineWaitForReply() failed returning "
+                      "0xa000000b\n\n");
+    m_service.Reply(late, LINEERR_INUSE);
+    m_service.request = [&](DWORD request, bool isPhone) {
+        m_service.Reply(request, isPhone ? 9 : LINEERR_NODEVICE, isPhone);
     };
     ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
-    m_tapi->PhoneSetUserCallback(Note, 8);
-    s_noted.clear();
-    const std::string phoneRequest = std::to_string(FakeTapi()->dwNextRequest);
+    m_tapi->PhoneSetUserCallback(Note, reinterpret_cast<DWORD_PTR>(&m_service));
     EXPECT_EQ(m_tapi->PhoneSetVolume(1, 2, TRUE), 9);
-    EXPECT_EQ(s_noted, "0 3 8 " + phoneRequest + " 9\n");
+    EXPECT_TRUE(Take().ends_with("phoneSetVolume 22 1 2\ntold 0 3 1004 9\n"));
     EXPECT_EQ(m_tapi->LineAnswer(TRUE), LINEERR_NODEVICE);
 
     // A request that is over at once.
-    FakeTapi()->results["lineHold"] = {0};
+    m_service.results["lineHold"] = {0};
     EXPECT_EQ(m_tapi->LineHold(TRUE), 0);
 
-    FakeTapi()->request = [](DWORD, bool) {};
+    m_service.request = [](DWORD, bool) {};
     EXPECT_EQ(m_tapi->PhoneSetVolume(1, 2, TRUE), E_TAPI_TIMEOUT);
 }
 
@@ -182,65 +176,57 @@ TEST_F(CLineTest, AWaitInsideAWaitEndsBoth) {
     MakeCall();
     Work work = [&] { EXPECT_EQ(m_tapi->LineHold(TRUE), E_TAPI_REENTERED); };
     m_tapi->LineSetUserCallback(WorkInside, reinterpret_cast<DWORD_PTR>(&work));
-    FakeTapi()->CallState(13, LINECALLSTATE_PROCEEDING);
+    m_service.CallState(13, LINECALLSTATE_PROCEEDING);
     EXPECT_EQ(m_tapi->LineUnhold(TRUE), E_TAPI_REENTERED);
-    const std::string ABORTED =
-        "1 CVTapi::MLineWaitForReply() - Reentrancy caused function to abort\n1 CVTapi::";
-    const std::string FAILED = "() - MLineWaitForReply() failed returning 0xa000000c\n";
-    EXPECT_EQ(TakeTrace(), ABORTED + "LineHold" + FAILED + '\n' + ABORTED + "LineUnhold" + FAILED);
+    const std::string aborted = "! MLineWaitForReply() - Reentrancy caused function to abort\n! ";
+    const std::string failed = "() - MLineWaitForReply() failed returning 0xa000000c\n";
+    EXPECT_EQ(Take(), "lineUnhold 13\nlineHold 13\n" + aborted + "LineHold" + failed + '\n' +
+                          aborted + "LineUnhold" + failed);
 
     // A wait for the phone is another matter.
     work = [&] { EXPECT_EQ(m_tapi->PhoneSetGain(1, 2, TRUE), 0); };
-    FakeTapi()->CallState(13, LINECALLSTATE_PROCEEDING);
+    m_service.CallState(13, LINECALLSTATE_PROCEEDING);
     EXPECT_EQ(m_tapi->LineUnhold(TRUE), 0);
-    EXPECT_EQ(TakeCalls(), "lineUnhold 13\nlineHold 13\nlineUnhold 13\nphoneSetGain 22 1 2\n");
+    EXPECT_EQ(Take(), "lineUnhold 13\nphoneSetGain 22 1 2\n");
 }
 
 TEST_F(CLineTest, GrowsAResultOnceByWhatIsNeeded) {
-    constexpr LONG SMALL = LINEERR_STRUCTURETOOSMALL;
+    constexpr LONG kSmall = LINEERR_STRUCTURETOOSMALL;
+    const std::string first = "lineGetDevCaps 11 4 65540 0 [1240]\n";
+    const std::string both = first + "lineGetDevCaps 11 4 65540 0 [3000]\n";
     const struct {
         LONG answer;
         DWORD needed[2];
         LONG status;
-        DWORD total;
-        std::size_t calls;
-    } ROWS[] = {
-        {0, {1240, 0}, 0, 1240, 1},
-        {0, {3000, 4000}, 0, 3000, 2},
-        {SMALL, {3000, 4000}, SMALL, 0, 2},
-        {SMALL, {0, 0}, SMALL, 0, 1},
-        {SMALL, {7, 0}, SMALL, 0, 1},
-        {SMALL, {1240, 0}, SMALL, 0, 1},
-        {0, {TAPI_RESULT_MAX + 1, 0}, E_TAPI_NOMEMORY, 0, 1},
-        {0, {0xFFFFFFFF, 0}, E_TAPI_NOMEMORY, 0, 1},
+        std::string calls;
+    } rows[] = {
+        {0, {1240, 0}, 0, first},
+        {0, {3000, 4000}, 0, both},
+        {kSmall, {3000, 4000}, kSmall, both},
+        {kSmall, {1240, 0}, kSmall, first},
+        {0, {kMostResultBytes + 1, 0}, E_TAPI_NOMEMORY, first},
     };
     OpenLine();
-    for (const auto& row : ROWS) {
-        SCOPED_TRACE(&row - ROWS);
-        FakeTapi()->fill = [&](const std::string& call, LPVOID record) {
+    for (const auto& row : rows) {
+        m_service.fill = [&](const std::string& call, LPVOID record) {
             auto& caps = *static_cast<LINEDEVCAPS*>(record);
-            EXPECT_EQ(std::exchange(caps.dwNumAddresses, 9), 0u) << "cleared each time";
             caps.dwNeededSize = row.needed[call.ends_with("[1240]") ? 0 : 1];
             caps.dwTotalSize = 0x7FFFFFFF;
             return row.answer;
         };
-        FakeTapi()->calls.clear();
-        TakeTrace();
+        Take();
         CResult<LINEDEVCAPS> caps;
         EXPECT_EQ(m_tapi->LineGetDevCaps(4, caps), row.status);
-        EXPECT_EQ(caps.Get() ? caps->dwTotalSize : 0, row.total);
-        EXPECT_EQ(FakeTapi()->calls.size(), row.calls);
-        EXPECT_TRUE(FakeTapi()->calls.back().ends_with(row.calls == 2 ? "[3000]" : "[1240]"));
+        const std::string record = Take();
+        EXPECT_EQ(record.substr(0, record.find('!')), row.calls);
+        EXPECT_EQ(caps.record ? caps->dwTotalSize : 0, row.status ? 0 : row.needed[0]);
     }
-    EXPECT_EQ(TakeTrace(), "1 CVTapi::MLineGetDevCaps() - CoTaskMemAlloc() failure #2\n"
-                           "1 CVTapi::LineGetDevCaps() - MLineGetDevCaps() failed returning "
-                           "0xa0000003\n\n");
 }
 
 // Only a refusal makes a phone's records grow; the service is asked even without a phone.
 TEST_F(CLineTest, KeepsAPhonesIncompleteRecords) {
     for (const LONG refusal : {0, PHONEERR_STRUCTURETOOSMALL}) {
-        FakeTapi()->fill = [&](const std::string& call, LPVOID record) {
+        m_service.fill = [&](const std::string& call, LPVOID record) {
             static_cast<PHONESTATUS*>(record)->dwNeededSize = 2000;
             return call.ends_with("[2000]") ? 0 : refusal;
         };
@@ -251,39 +237,32 @@ TEST_F(CLineTest, KeepsAPhonesIncompleteRecords) {
         EXPECT_EQ(m_tapi->PhoneGetDevCaps(0, caps), 0);
         EXPECT_EQ(caps->dwTotalSize, refusal ? 2000u : 1144u);
     }
-    EXPECT_TRUE(TakeCalls().starts_with("phoneGetStatus 0 [1100]\n"));
+    EXPECT_TRUE(Take().starts_with("phoneGetStatus 0 [1100]\n"));
 }
 
 TEST_F(CLineTest, TheServiceComesUpOnceAndGoesWithTheLastObject) {
-    FakeTapi()->results["lineInitialize"] = {LINEERR_REINIT, 5};
+    m_service.results["lineInitialize"] = {LINEERR_REINIT, 5};
     OpenLine();
+    EXPECT_TRUE(Take().starts_with("lineInitialize * null\nlineInitialize * null\nlineNegotiate"));
     ASSERT_EQ(m_tapi->PhoneOpen(0, 1), 0);
     CInterfacePtr<ITapi> other = Make();
-    ASSERT_EQ(other->LineOpen(1, OWNER, 16), 0);
-    const std::string calls = TakeCalls();
-    const std::string once = "lineInitialize * null\n";
-    EXPECT_TRUE(calls.starts_with(once + once + "lineNegotiate"));
-    EXPECT_EQ(calls.rfind(once), once.size());
+    ASSERT_EQ(other->LineOpen(1, kOwner, 16), 0);
+    Take();
 
     // What an object leaves open is closed, and its messages find nobody.
-    const DWORD_PTR gone = FakeTapi()->dwLineInstance;
+    const DWORD_PTR gone = m_service.open[0].instance;
     other.Reset();
-    EXPECT_EQ(TakeCalls(), "lineClose 12\n");
-    TakeTrace();
-    FakeTapi()->post({false, 13, LINE_CALLSTATE, gone, LINECALLSTATE_OFFERING, 0});
-    FakeTapi()->post({false, 13, LINE_CALLSTATE, 0, LINECALLSTATE_OFFERING, 0});
+    m_service.CallState(13, LINECALLSTATE_OFFERING, gone);
+    m_service.CallState(13, LINECALLSTATE_OFFERING, 0);
     EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, TRUE), 0);
-    TakeCalls();
 
-    Fails("phoneShutdown", PHONEERR_OPERATIONUNAVAIL);
-    Fails("lineShutdown", LINEERR_OPERATIONFAILED);
-    EXPECT_EQ(FakeTapi()->loads, 1);
+    m_service.results["phoneShutdown"] = {PHONEERR_OPERATIONUNAVAIL};
+    m_service.results["lineShutdown"] = {LINEERR_OPERATIONFAILED};
     m_tapi.Reset();
-    EXPECT_EQ(TakeCalls(), "phoneShutdown 21\nlineShutdown 11\n");
-    EXPECT_EQ(TakeTrace(),
-              "1 CVTapi::MPhoneShutdown() - phoneShutdown() failed returning 0x9000001d\n"
-              "1 CVTapi::MLineShutdown() - lineShutdown() failed returning 0x80000048\n");
-    EXPECT_EQ(FakeTapi()->loads, 0);
+    EXPECT_EQ(Take(), "lineClose 12\nphoneSetGain 22 1 1\nphoneShutdown 21\n"
+                      "! MPhoneShutdown() - phoneShutdown() failed returning 0x9000001d\n"
+                      "lineShutdown 11\n! MLineShutdown() - lineShutdown() failed*\n");
+    EXPECT_EQ(m_service.loads, 0);
     EXPECT_EQ(g_lTapiObjects, 0);
 }
 

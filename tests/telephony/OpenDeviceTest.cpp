@@ -1,7 +1,6 @@
 // A modem opened by its name: the steps, what each one's failure gives back, and the end.
 #include "tests/telephony/TelephonyTest.h"
 
-#include "common/UniqueHandle.h"
 #include "modem/Modem.h"
 #include "platform/Error.h"
 #include "platform/File.h"
@@ -10,16 +9,11 @@
 
 namespace {
 
-constexpr char NAME[] = "M/dev/modem";
-constexpr char PATH[] = "/dev/modem";
-
 class COpenDeviceTest : public CTelephonyTest {
   protected:
     void SetUp() override {
-        CTelephonyTest::SetUp();
-        Offer({{NAME}});
-        FakeTapi()->fill = [this, offer = FakeTapi()->fill](const std::string& call,
-                                                            LPVOID record) {
+        Offer({{"M/dev/modem"}});
+        m_service.fill = [this, offer = m_service.fill](const std::string& call, LPVOID record) {
             if (!call.starts_with("lineGetID"))
                 return offer(call, record);
             auto& identifier = *static_cast<VARSTRING*>(record);
@@ -32,82 +26,67 @@ class COpenDeviceTest : public CTelephonyTest {
         };
     }
 
+    CVModem m_modem;
     HANDLE m_hPort = nullptr;
     DWORD m_dwIdentifierSize = sizeof(DWORD);
 };
 
 TEST_F(COpenDeviceTest, FailuresGiveBackWhatTheyTookAndSayWhy) {
+    const std::string closed = "lineClose 12\n", dropped = "lineDrop 13 null 0\n" + closed;
     const struct {
-        const char* function;
+        std::string function;
         LONG status;
-        const char* trace;
-        const char* given; // back to the service
+        std::string step;
+        std::string given; // back to the service
         DWORD error;
-    } ROWS[] = {
+    } rows[] = {
+        {"lineInitialize", LINEERR_NODRIVER, "Cannot Find Device", "", ERROR_NOT_SUPPORTED},
         {"lineOpen", LINEERR_OPERATIONFAILED, "LineOpen Failed", "", ERROR_GEN_FAILURE},
-        {"lineMakeCall", LINEERR_INUSE, "LineMakeCall Failed", "lineClose 12\n", ERROR_BUSY},
-        {"lineMakeCall", LINEERR_ALLOCATED, "LineMakeCall Failed", "lineClose 12\n",
-         ERROR_ACCESS_DENIED},
-        {"lineGetID", LINEERR_NOMEM, "LineGetID Failed", "lineDrop 13 null 0\nlineClose 12\n",
-         ERROR_GEN_FAILURE},
+        {"lineMakeCall", LINEERR_INUSE, "LineMakeCall Failed", closed, ERROR_BUSY},
+        {"lineGetID", LINEERR_NOMEM, "LineGetID Failed", dropped, ERROR_GEN_FAILURE},
         // Results that are neither success nor failure.
-        {"lineSetStatusMessages", 5, "LineOpen Failed", "lineClose 12\n", ERROR_GEN_FAILURE},
-        {"lineGetID", 5, "LineGetID Failed", "lineDrop 13 null 0\nlineClose 12\n",
-         ERROR_GEN_FAILURE},
+        {"lineSetStatusMessages", 5, "LineOpen Failed", closed, ERROR_GEN_FAILURE},
+        {"lineGetID", 5, "LineGetID Failed", dropped, ERROR_GEN_FAILURE},
+        // A handle that is not whole, and one that is no port's.
+        {"", 3, "LineGetID Failed", dropped, ERROR_GEN_FAILURE},
+        {"", 4, "LineGetID Failed", dropped, ERROR_GEN_FAILURE},
     };
-    CVModem modem;
-    for (const auto& row : ROWS) {
-        SCOPED_TRACE(row.trace);
-        Fails(row.function, row.status);
-        EXPECT_FALSE(modem.OpenDevice(NAME));
-        EXPECT_EQ(GetLastError(), row.error);
-        EXPECT_FALSE(modem.IsOpen());
-        EXPECT_NE(TakeTrace().find("8 CVModem::OpenDevice() - " + std::string(row.trace) + " - " +
-                                   NAME + '\n'),
-                  std::string::npos);
-        const std::string calls = TakeCalls();
-        EXPECT_NE(calls.find(row.given), std::string::npos) << calls;
-        EXPECT_EQ(modem.GetDevicePath(), row.function == std::string("lineGetID") ? "" : PATH);
+    m_hPort = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    for (const auto& row : rows) {
+        if (row.function.empty())
+            m_dwIdentifierSize = static_cast<DWORD>(row.status);
+        else
+            m_service.results[row.function] = {row.status};
+        EXPECT_FALSE(m_modem.OpenDevice("M/dev/modem"));
+        EXPECT_EQ(GetLastError(), row.error) << row.step;
+        EXPECT_FALSE(m_modem.IsOpen());
+        const std::string record = Take();
+        EXPECT_NE(
+            record.find("- CVModem::OpenDevice() - " + row.step + " - M/dev/modem\n\n" + row.given),
+            std::string::npos)
+            << record;
+        const bool isRefused = row.step.starts_with("LineOpen") || row.step.starts_with("LineMake");
+        EXPECT_EQ(m_modem.GetDevicePath(), isRefused ? "/dev/modem" : "");
     }
-    m_dwIdentifierSize = sizeof(DWORD) - 1;
-    EXPECT_FALSE(modem.OpenDevice(NAME));
-    EXPECT_TRUE(TakeCalls().ends_with("lineDrop 13 null 0\nlineClose 12\n"));
-    // No handle, and one that is no port and stays as it is.
-    m_dwIdentifierSize = sizeof(DWORD);
-    const CUniqueHandle event(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-    for (const HANDLE handle : {HANDLE{}, HANDLE{event}}) {
-        m_hPort = handle;
-        EXPECT_FALSE(modem.OpenDevice(NAME));
-        EXPECT_EQ(GetLastError(), ERROR_GEN_FAILURE);
-        EXPECT_FALSE(modem.IsOpen());
-        EXPECT_TRUE(TakeCalls().ends_with("lineDrop 13 null 0\nlineClose 12\n"));
-    }
-    EXPECT_TRUE(SetEvent(event));
-    EXPECT_FALSE(modem.OpenDevice("m/dev/modem"));
+    EXPECT_TRUE(CloseHandle(m_hPort)) << "what is no port stays as it is";
+    EXPECT_FALSE(m_modem.OpenDevice("m/dev/modem"));
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(TakeCalls().find("lineOpen"), std::string::npos);
-    EXPECT_TRUE(
-        TakeTrace().ends_with("8 CVModem::OpenDevice() - Cannot Find Device - m/dev/modem\n\n"));
+    EXPECT_EQ(Take().find("lineOpen"), std::string::npos);
 }
 
 TEST_F(COpenDeviceTest, AModemIsAPortUntilItIsClosed) {
-    CVModem modem;
     for (int round = 0; round < 2; ++round) {
         CPseudoTerminal device;
         m_hPort = CreateFileA(device.GetPath().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                               OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
-        ASSERT_TRUE(modem.OpenDevice(NAME));
-        EXPECT_NE(TakeCalls().find("lineMakeCall 12"), std::string::npos);
-        EXPECT_TRUE(modem.IsOpen());
-        EXPECT_TRUE(modem.SendString("AT\r"));
-        EXPECT_TRUE(modem.Drain(10000));
-        EXPECT_EQ(device.Read(100), "AT\r");
-        modem.Close();
-        EXPECT_FALSE(modem.IsOpen());
-        EXPECT_EQ(TakeCalls(), "lineDrop 13 null 0\nlineClose 12\n");
+        ASSERT_TRUE(m_modem.OpenDevice("M/dev/modem"));
+        EXPECT_TRUE(m_modem.IsOpen());
+        Take();
+        m_modem.Close();
+        EXPECT_FALSE(m_modem.IsOpen());
         EXPECT_FALSE(CloseHandle(m_hPort)) << "the port closes it";
-        modem.Close();
-        EXPECT_EQ(TakeCalls(), "");
+        m_modem.Close();
+        EXPECT_EQ(Take(), "lineDrop 13 null 0\nlineClose 12\n");
     }
 }
 

@@ -1,4 +1,5 @@
-// What the tests of the telephony wrapper share: the service's state and the trace, fresh for each.
+// What the tests of the telephony wrapper share: a service that is fresh for each, and what it
+// offers.
 #pragma once
 
 #include "common/InterfacePtr.h"
@@ -8,28 +9,21 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
 // A record that an operation hands out.
-template <class Record> class CResult {
-  public:
-    ~CResult() { CoTaskMemFree(m_record); }
-    operator Record**() { return &m_record; }
-    Record* operator->() const { return m_record; }
-    Record* Get() const { return m_record; }
-
-  private:
-    // Not null: failures store null.
-    Record* m_record = nullptr;
+template <class Record> struct CResult {
+    ~CResult() { CoTaskMemFree(record); }
+    operator Record**() { return &record; }
+    Record* operator->() const { return record; }
+    Record* record = nullptr;
 };
 
 // A device that the service offers. What belongs to its kind is its name from the second character
 // on.
-struct SDevice {
+struct Device {
     std::string name;
     DWORD dwBearerModes = LINEBEARERMODE_VOICE;
     DWORD dwMediaModes = LINEMEDIAMODE_DATAMODEM;
@@ -40,42 +34,26 @@ struct SDevice {
 
 class CTelephonyTest : public testing::Test {
   protected:
-    void SetUp() override {
-        *FakeTapi() = {};
-        m_tapi = Make();
-        TakeTrace();
-    }
     static CInterfacePtr<ITapi> Make() {
         ITapi* tapi = nullptr;
         EXPECT_EQ(CreateTapi(&tapi, nullptr), S_OK);
         return CInterfacePtr<ITapi>(tapi);
     }
 
-    // What was traced, and what the service was asked, since the last call; a line each.
-    static std::string TakeTrace() { return Take(FakeTapi()->trace); }
-    static std::string TakeCalls() { return Take(FakeTapi()->calls); }
-    static std::string Take(std::vector<std::string>& lines) {
-        std::string text;
-        for (const std::string& line : std::exchange(lines, {}))
-            text += line + '\n';
-        return text;
-    }
-    static void Fails(const std::string& function, LONG lStatus) {
-        FakeTapi()->results[function] = {lStatus};
-    }
+    // The service's record since the last call.
+    std::string Take() { return std::exchange(m_service.log, {}); }
     void OpenLine(DWORD dwPrivileges = LINECALLPRIVILEGE_OWNER) {
         ASSERT_EQ(m_tapi->LineOpen(0, dwPrivileges, LINEMEDIAMODE_DATAMODEM), 0);
     }
     void MakeCall() {
         OpenLine();
         ASSERT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, TRUE), 0);
-        TakeCalls();
-        TakeTrace();
+        Take();
     }
 
-    void Offer(std::vector<SDevice> devices) {
-        FakeTapi()->dwDevices = static_cast<DWORD>(devices.size());
-        FakeTapi()->fill = [devices](const std::string& call, LPVOID record) {
+    void Offer(std::vector<Device> devices) {
+        m_service.dwDevices = static_cast<DWORD>(devices.size());
+        m_service.fill = [devices](const std::string& call, LPVOID record) {
             unsigned index = 0;
             std::sscanf(call.c_str(), "%*s %*u %u", &index);
             if (call.starts_with("lineGetDevCaps"))
@@ -85,7 +63,7 @@ class CTelephonyTest : public testing::Test {
             return 0;
         };
     }
-    static void Fill(const SDevice& device, LINEDEVCAPS& caps) {
+    static void Fill(const Device& device, LINEDEVCAPS& caps) {
         const auto size = static_cast<DWORD>(device.name.size());
         caps.dwBearerModes = device.dwBearerModes;
         caps.dwMediaModes = device.dwMediaModes;
@@ -96,11 +74,12 @@ class CTelephonyTest : public testing::Test {
         caps.dwDevSpecificOffset = sizeof caps + 1;
         std::memcpy(&caps + 1, device.name.c_str(), size + 1);
     }
-    static void Fill(const SDevice& device, PHONECAPS& caps) {
+    static void Fill(const Device& device, PHONECAPS& caps) {
         caps.dwPhoneNameOffset = sizeof caps;
         caps.dwPhoneNameSize = static_cast<DWORD>(device.name.size());
         std::memcpy(&caps + 1, device.name.data(), device.name.size());
     }
 
-    CInterfacePtr<ITapi> m_tapi;
+    CFakeTapi m_service;
+    CInterfacePtr<ITapi> m_tapi = Make();
 };

@@ -20,7 +20,7 @@
 class CVCommBuffer {
   public:
     static constexpr DWORD DEFAULT_BUFFER_SIZE = 4096;
-    static constexpr DWORD ALL_BYTES = 0xFFFFFFFF;
+    static constexpr DWORD kAllBytes = 0xFFFFFFFF;
 
     // A buffer of DEFAULT_BUFFER_SIZE bytes; failures are reported.
     CVCommBuffer();
@@ -51,11 +51,11 @@ class CVCommBuffer {
     HANDLE GetSpaceEvent() const { return m_hSpaceEvent; }
 
   private:
-    struct CFree {
+    struct FreeBlock {
         void operator()(BYTE* block) const { std::free(block); }
     };
 
-    std::unique_ptr<BYTE, CFree> m_pBuffer;
+    std::unique_ptr<BYTE, FreeBlock> m_pBuffer;
     DWORD m_dwBufferSize = 0;
     DWORD m_dwDataCount = 0;
     CUniqueHandle m_hDataEvent;

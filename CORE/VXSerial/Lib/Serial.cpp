@@ -108,3 +108,21 @@ HANDLE CVSerial::DetachHandle() {
     m_wLineState &= static_cast<WORD>(~LINE_DTR);
     return m_hPort.exchange(INVALID_HANDLE_VALUE);
 }
+
+HWND CVSerial::SetCommNotifyWnd(HWND hWnd) {
+    const CLock lock(m_CritSec);
+    return m_CommNotify.SetCommNotifyWnd(hWnd);
+}
+
+HWND CVSerial::SetModemMonitorWnd(HWND hWnd) {
+    const CLock lock(m_CritSec);
+    return m_ModemMonitor.SetModemMonitorWnd(hWnd);
+}
+
+BOOL CVSerial::CommNotifyControl(DWORD dwCode) {
+    // The comm-event thread may be here while the holder of the port lock waits for its end.
+    if (dwCode == _NOTIFY_REARM)
+        return m_CommNotify.CommNotifyControl(dwCode);
+    const CLock lock(m_CritSec);
+    return m_CommNotify.CommNotifyControl(dwCode);
+}

@@ -11,29 +11,23 @@
 // The write thread lives while the port is open. It takes chunks of a quarter of the transmit
 // buffer and writes them to the port.
 //
-// The comm-event thread lives while the port is open, notification is enabled and its receiver is a
-// live window. It sends one notification and resets the enable event, which SendAsyncProc, called
-// in this thread when the window has done its part, sets again. A window that goes away leaves the
-// event reset: the thread is at rest until it is given _NOTIFY_REARM. The modem-monitor thread
-// lives while the port is open and its receiver is a live window.
-//
-// No thread ever takes the port lock, so its holder can stop them all and wait for their ends. For
-// this _NOTIFY_REARM, which the comm-event thread gives itself, takes the notify lock alone; that
-// one is held for moments only. And a thread that has seen neither its end event nor the cleared
-// event mask sees m_bCommNotifyStopping before it begins a wait that nothing would end.
+// The comm-event thread and the modem-monitor thread are classes of their own, which see to their
+// receivers too. No thread ever takes the port lock, so its holder can stop them all and wait for
+// their ends.
 //
 // A thread that a driver call holds is given up after a time: from then on all its waits fail, so
 // it ends once it comes back. The object's memory stays until then.
 #pragma once
 
 #include "CORE/VXSerial/Lib/CommBuffer.h"
+#include "CORE/VXSerial/Lib/CommNotifyThread.h"
 #include "CORE/VXSerial/Lib/ISerial.h"
 #include "CORE/VXSerial/Lib/ISerialWait.h"
+#include "CORE/VXSerial/Lib/ModemMonitorThread.h"
 #include "common/Component.h"
 #include "common/CriticalSection.h"
 #include "common/UniqueHandle.h"
 #include "platform/Comm.h"
-#include "platform/Message.h"
 #include "platform/Thread.h"
 
 #include <atomic>
@@ -78,6 +72,14 @@ class CVSerial final : public CVComponent,
     BOOL IsDeviceGone() override;
     BOOL Drain(DWORD dwNoProgress) override;
 
+    // For the object's own threads: starts one, which keeps the object until it lets go of it; null
+    // when that fails.
+    HANDLE CreateOwnThread(LPTHREAD_START_ROUTINE routine, LPVOID argument, DWORD dwFlags);
+    void LetGo();
+
+    // How long the end of a thread is waited for, in milliseconds.
+    static constexpr DWORD kThreadEndTimeout = 30000;
+
   protected:
     void* FindInterface(const IID& riid) override;
 
@@ -85,14 +87,11 @@ class CVSerial final : public CVComponent,
     // The checks of all of this class's files report under one name.
     static constexpr const char* kReportFile = "Serial";
 
-    // How long the end of a thread is waited for, in milliseconds.
-    static constexpr DWORD THREAD_END_TIMEOUT = 30000;
-
     // What has been accepted for sending and has not left: the places it is in.
-    struct SPending {
-        DWORD dwBuffered; // in the transmit buffer
-        DWORD dwInHand;   // in the write thread's hands
-        DWORD dwDriver;   // in the driver's output queue
+    struct Pending {
+        DWORD buffered; // in the transmit buffer
+        DWORD inHand;   // in the write thread's hands
+        DWORD driver;   // in the driver's output queue
     };
 
     // Configuration; the port lock is held.
@@ -109,13 +108,14 @@ class CVSerial final : public CVComponent,
     bool WaitForSpace(bool& isOverflowReported);
     DWORD ReadOverlapped(LPVOID pBuffer, DWORD dwCount);
 
-    // Threads; the port lock is held, but by the threads' own.
-    HANDLE CreateOwnThread(LPTHREAD_START_ROUTINE routine, DWORD dwFlags);
-    DWORD RunOwnThread(DWORD (CVSerial::*run)());
+    // Threads; the port lock is held, but by the write thread's own.
     void End();
-    void LetGo();
     BOOL StartThreads();
     BOOL StopThreads();
+    BOOL StartCommNotifyThread() { return m_CommNotify.StartCommNotifyThread(); }
+    BOOL StopCommNotifyThread() { return m_CommNotify.StopCommNotifyThread(); }
+    BOOL StartModemMonitorThread() { return m_ModemMonitor.StartModemMonitorThread(); }
+    BOOL StopModemMonitorThread() { return m_ModemMonitor.StopModemMonitorThread(); }
     BOOL StartWriteThread();
     BOOL StopWriteThread();
     BOOL CreateWriteEvents();
@@ -126,47 +126,19 @@ class CVSerial final : public CVComponent,
     DWORD WriteOverlapped(BYTE* chunk, DWORD dwSize);
     DWORD WritePlain(BYTE* chunk, DWORD dwSize);
 
-    // Notification; the port lock is held, but by the threads' own.
-    BOOL StartCommNotifyThread();
-    BOOL CreateCommNotifyEvents();
-    void CloseCommNotifyEvents();
-    BOOL StopCommNotifyThread();
-    static DWORD CommNotifyThreadProc(LPVOID pObject);
-    DWORD RunCommNotifyThread();
-    bool AwaitNotifyEnabled();
-    bool HasCarrier();
-    DWORD FindCommEvent(bool hadCarrier);
-    DWORD WaitForCommEvent(bool hadCarrier);
-    DWORD WaitOverlapped();
-    bool SendCommNotify(DWORD dwEvent);
-    static void SendAsyncProc(HWND hWnd, UINT uMsg, ULONG_PTR dwData, LRESULT lResult);
-    void ChangeSuspension(DWORD dwCode);
-    BOOL StartModemMonitorThread();
-    BOOL StopModemMonitorThread();
-    static DWORD ModemMonitorThreadProc(LPVOID pObject);
-    DWORD RunModemMonitorThread();
-
     // Waiting
-    bool CountPending(SPending& pending);
+    bool CountPending(Pending& pending);
     DWORD GetLineRate();
 
     std::atomic<int> m_nUsers = 1; // the owner and the threads
     std::atomic<WORD> m_wLineState = 0;
     BOOL m_bOverlapped = FALSE;
-    BOOL m_bCommNotifyEnabled = FALSE;
-    LONG m_lCommNotifySuspend = 0;
-    std::atomic<HWND> m_hCommNotifyWnd = nullptr;
-    std::atomic<HWND> m_hModemMonitorWnd = nullptr;
     std::atomic<HANDLE> m_hPort = INVALID_HANDLE_VALUE;
     CUniqueHandle m_hWriteThread;
     CUniqueHandle m_hWriteThreadEndEvent;
     CUniqueHandle m_hProgressEvent;
-    CUniqueHandle m_hCommNotifyEnableEvent;
-    CUniqueHandle m_hCommNotifyThread;
-    CUniqueHandle m_hCommNotifyThreadEndEvent;
-    std::atomic<bool> m_bCommNotifyStopping = false;
-    CUniqueHandle m_hModemMonitorThread;
-    CUniqueHandle m_hModemMonitorThreadEndEvent;
+    CCommNotifyThread m_CommNotify{*this, m_hPort, m_bOverlapped};
+    CModemMonitorThread m_ModemMonitor{*this};
     DWORD m_dwRXQueueSize = 4096;
     DWORD m_dwTXBufferSize = CVCommBuffer::DEFAULT_BUFFER_SIZE;
     DWORD m_dwBaudRate = 0; // 0: the port keeps the line settings that the driver has
@@ -179,8 +151,5 @@ class CVSerial final : public CVComponent,
     // Held while bytes go from the transmit buffer to the driver, so that a flush finds each byte
     // in one place or the other. Taken after the port lock.
     CCriticalSection m_HandOverCritSec;
-    // Guards the suspend count and the enable event, so that no notification is sent once a
-    // suspension has returned. Taken after the port lock.
-    CCriticalSection m_NotifyCritSec;
     CCriticalSection m_CritSec;
 };

@@ -1,5 +1,7 @@
-// The settings of CVSerial and their way to the driver.
+// The settings of CVSerial and their way to the driver. Every change is stored first; Reset then
+// compares what is stored with what the port has, and touches only what differs.
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
@@ -48,11 +50,8 @@ BOOL CVSerial::GetDataFormat(LPDWORD lpBaudRate, LPDWORD lpParity, LPDWORD lpByt
     const CLock lock(m_CritSec);
     if (lpBaudRate) {
         DCB dcb = {};
-        if (m_dwBaudRate == 0 && !GetCommState(m_hPort, &dcb)) {
-            DebugReport("CVSerial::GetDataFormat() - GetCommState() failed - GetLastError() = %ld",
-                        static_cast<long>(GetLastError()));
-            return FALSE;
-        }
+        if (m_dwBaudRate == 0 && !GetCommState(m_hPort, &dcb))
+            return ReportLastError("CVSerial::GetDataFormat() - GetCommState()");
         *lpBaudRate = m_dwBaudRate != 0 ? m_dwBaudRate : dcb.BaudRate;
     }
     if (lpParity)
@@ -81,18 +80,12 @@ BOOL CVSerial::Reset() {
         return TRUE;
     COMMPROP properties = {};
     properties.wPacketLength = sizeof(properties);
-    if (!GetCommProperties(m_hPort, &properties)) {
-        DebugReport("CVSerial::Reset() - GetCommProperites() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!GetCommProperties(m_hPort, &properties))
+        return ReportLastError("CVSerial::Reset() - GetCommProperites()");
     DCB dcb = {};
     dcb.DCBlength = sizeof(dcb);
-    if (!GetCommState(m_hPort, &dcb)) {
-        DebugReport("CVSerial::Reset() - GetCommState() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!GetCommState(m_hPort, &dcb))
+        return ReportLastError("CVSerial::Reset() - GetCommState()");
     if (!ResetQueueSizes(properties.dwCurrentRxQueue) || !ResetLineSettings(dcb) ||
         !ResetTimeouts())
         return FALSE;
@@ -110,11 +103,8 @@ BOOL CVSerial::ResetQueueSizes(DWORD dwCurrentRXSize) {
         return TRUE;
     DEBUG_VERIFY(StopWriteThread());
     DEBUG_VERIFY(m_cvTXBuffer.SetBufferSize(dwTXBufferSize) == dwTXBufferSize);
-    if (!SetupComm(m_hPort, m_dwRXQueueSize, dwTXBufferSize)) {
-        DebugReport("CVSerial::Reset() - SetupComm() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!SetupComm(m_hPort, m_dwRXQueueSize, dwTXBufferSize))
+        return ReportLastError("CVSerial::Reset() - SetupComm()");
     DEBUG_VERIFY(StartWriteThread());
     return TRUE;
 }
@@ -160,10 +150,7 @@ void CVSerial::StoreFlowControl(DCB& dcb) const {
 BOOL CVSerial::ResetTimeouts() {
     COMMTIMEOUTS timeouts = {};
     timeouts.ReadIntervalTimeout = MAXDWORD;
-    if (!SetCommTimeouts(m_hPort, &timeouts)) {
-        DebugReport("CVSerial::Reset() - SetCommTimeouts() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!SetCommTimeouts(m_hPort, &timeouts))
+        return ReportLastError("CVSerial::Reset() - SetCommTimeouts()");
     return TRUE;
 }

@@ -1,5 +1,6 @@
 // The control lines and the queues of CVSerial.
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
@@ -8,12 +9,12 @@
 
 namespace {
 
-struct SModemLine {
-    DWORD dwModemStatus;
-    DWORD dwLineStatus;
+struct ModemLine {
+    DWORD modemStatus;
+    DWORD lineStatus;
 };
 
-constexpr SModemLine MODEM_LINES[] = {
+constexpr ModemLine kModemLines[] = {
     {MS_CTS_ON, LINE_CTS},
     {MS_DSR_ON, LINE_DSR},
     {MS_RING_ON, LINE_RING},
@@ -34,11 +35,8 @@ BOOL CVSerial::SetLine(DWORD dwLine, BOOL bState) {
     }
     const DWORD raise = dwLine == LINE_DTR ? SETDTR : SETRTS;
     const DWORD drop = dwLine == LINE_DTR ? CLRDTR : CLRRTS;
-    if (!EscapeCommFunction(m_hPort, bState ? raise : drop)) {
-        DebugReport("CVSerial::SetLine() - EscapeCommFunction() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
-        return FALSE;
-    }
+    if (!EscapeCommFunction(m_hPort, bState ? raise : drop))
+        return ReportLastError("CVSerial::SetLine() - EscapeCommFunction()");
     if (bState)
         m_wLineState |= static_cast<WORD>(dwLine);
     else
@@ -64,8 +62,8 @@ DWORD CVSerial::GetLineStatus() {
 
     dwTemp = 0;
     DEBUG_VERIFY(GetCommModemStatus(m_hPort, &dwTemp));
-    for (const SModemLine& line : MODEM_LINES)
-        lines |= (dwTemp & line.dwModemStatus) != 0 ? line.dwLineStatus : 0;
+    for (const ModemLine& line : kModemLines)
+        lines |= (dwTemp & line.modemStatus) != 0 ? line.lineStatus : 0;
     return lines;
 }
 
@@ -84,7 +82,7 @@ BOOL CVSerial::Flush(DWORD dwSelector) {
         return TRUE;
     }
     const CLock handOver(m_HandOverCritSec);
-    m_cvTXBuffer.ClearBuffer(CVCommBuffer::ALL_BYTES);
+    m_cvTXBuffer.ClearBuffer(CVCommBuffer::kAllBytes);
     if (dwSelector == _QUE_TX)
         DEBUG_VERIFY(PurgeComm(m_hPort, PURGE_TXABORT | PURGE_TXCLEAR));
     else

@@ -1,6 +1,9 @@
-// The worker threads of CVSerial: their start and stop, and the write thread itself.
+// The worker threads of CVSerial: their start and stop, and the write thread itself. It takes each
+// chunk out of the buffer before it writes it, so that callers can refill the buffer meanwhile; a
+// flush that comes between the two is kept out by the hand-over lock.
 #include "CORE/VXSerial/Lib/OverlappedRecord.h"
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
 #include "platform/Error.h"
@@ -10,18 +13,12 @@
 #include <memory>
 #include <new>
 
-HANDLE CVSerial::CreateOwnThread(LPTHREAD_START_ROUTINE routine, DWORD dwFlags) {
+HANDLE CVSerial::CreateOwnThread(LPTHREAD_START_ROUTINE routine, LPVOID argument, DWORD dwFlags) {
     ++m_nUsers;
-    const HANDLE thread = CreateThread(nullptr, 0, routine, this, dwFlags, nullptr);
+    const HANDLE thread = CreateThread(nullptr, 0, routine, argument, dwFlags, nullptr);
     if (!thread)
         --m_nUsers;
     return thread;
-}
-
-DWORD CVSerial::RunOwnThread(DWORD (CVSerial::*run)()) {
-    const DWORD result = (this->*run)();
-    LetGo();
-    return result;
 }
 
 BOOL CVSerial::StartThreads() {
@@ -59,15 +56,13 @@ BOOL CVSerial::StartWriteThread() {
         return TRUE;
     DEBUG_ASSERT(!m_hWriteThreadEndEvent);
     if (!CreateWriteEvents()) {
-        DebugReport("CVSerial::StartWriteThread() - CreateEvent() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartWriteThread() - CreateEvent()");
         m_hWriteThreadEndEvent.Reset();
         return FALSE;
     }
-    m_hWriteThread.Reset(CreateOwnThread(WriteThreadProc, 0));
+    m_hWriteThread.Reset(CreateOwnThread(WriteThreadProc, this, 0));
     if (!m_hWriteThread) {
-        DebugReport("CVSerial::StartWriteThread() - CreateThread() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::StartWriteThread() - CreateThread()");
         DEBUG_VERIFY(CloseHandle(m_hWriteThreadEndEvent));
         m_hProgressEvent.Reset();
         return FALSE;
@@ -91,7 +86,7 @@ BOOL CVSerial::StopWriteThread() {
     DEBUG_VERIFY(Flush(_QUE_TX));
     DEBUG_ASSERT(m_hWriteThreadEndEvent);
     DEBUG_VERIFY(SetEvent(m_hWriteThreadEndEvent));
-    if (WaitForSingleObject(m_hWriteThread, THREAD_END_TIMEOUT) != WAIT_OBJECT_0) {
+    if (WaitForSingleObject(m_hWriteThread, kThreadEndTimeout) != WAIT_OBJECT_0) {
         DebugReport("CVSerial::StopWriteThread() - Forcibly terminating the write thread");
         DEBUG_VERIFY(TerminateThread(m_hWriteThread, 0));
     }
@@ -102,7 +97,12 @@ BOOL CVSerial::StopWriteThread() {
 
 DWORD CVSerial::WriteThreadProc(LPVOID pObject) {
     DEBUG_ASSERT(pObject);
-    return pObject ? static_cast<CVSerial*>(pObject)->RunOwnThread(&CVSerial::RunWriteThread) : 0;
+    if (!pObject)
+        return 0;
+    auto* const object = static_cast<CVSerial*>(pObject);
+    const DWORD result = object->RunWriteThread();
+    object->LetGo();
+    return result;
 }
 
 DWORD CVSerial::RunWriteThread() {
@@ -162,12 +162,9 @@ DWORD CVSerial::WriteOverlapped(BYTE* chunk, DWORD dwSize) {
         isDone = WriteFile(m_hPort, chunk, dwCount, &dwWritten, record.Get());
     }
     if (!isDone && GetLastError() != ERROR_IO_PENDING) {
-        DebugReport("CVSerial::WriteThreadProc() - WriteFile() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::WriteThreadProc() - WriteFile()");
     } else if (!isDone && !GetOverlappedResult(m_hPort, record.Get(), &dwWritten, TRUE)) {
-        DebugReport("CVSerial::WriteThreadProc() - GetOverlappedResult() failed - "
-                    "GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::WriteThreadProc() - GetOverlappedResult()");
     } else {
         DEBUG_ASSERT(dwCount == dwWritten);
     }
@@ -185,8 +182,7 @@ DWORD CVSerial::WritePlain(BYTE* chunk, DWORD dwSize) {
         return 0;
     DWORD dwWritten = 0;
     if (!WriteFile(m_hPort, chunk, dwCount, &dwWritten, nullptr)) {
-        DebugReport("CVSerial::WriteThreadProc() - WriteFile() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::WriteThreadProc() - WriteFile()");
         return dwCount;
     }
     DEBUG_ASSERT(dwCount == dwWritten);

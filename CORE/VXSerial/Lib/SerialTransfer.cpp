@@ -1,10 +1,13 @@
-// The bytes' way through CVSerial: Write and Read.
+// The bytes' way through CVSerial: Write and Read. A writer that waits for space goes on receiving:
+// a device that echoes takes nothing more once its echo is not taken, and whoever would read that
+// is held in the write.
 #include "CORE/VXSerial/Lib/OverlappedRecord.h"
 #include "CORE/VXSerial/Lib/Serial.h"
+#include "CORE/VXSerial/Lib/SerialReport.h"
 
 #include "diagnostics/DebugReport.h"
-#include "platform/CommIntake.h"
 #include "platform/Error.h"
+#include "platform/comm/CommIntake.h"
 
 #include <algorithm>
 
@@ -30,8 +33,6 @@ bool CVSerial::WaitForSpace(bool& isOverflowReported) {
     DWORD result = WaitForSingleObject(space, 0);
     if (result != WAIT_TIMEOUT)
         return result == WAIT_OBJECT_0;
-    // A device that echoes takes nothing more once its echo is not taken; whoever would read it is
-    // held here.
     BOOL isDiscarded = FALSE;
     result = platform::WaitWhileReceiving(space, m_hPort, &isDiscarded);
     if (isDiscarded && !isOverflowReported) {
@@ -51,8 +52,7 @@ DWORD CVSerial::Read(LPVOID pBuffer, DWORD dwCount) {
     DWORD errors = 0;
     COMSTAT status = {};
     if (!ClearCommError(m_hPort, &errors, &status)) {
-        DebugReport("CVSerial::Read() - ClearCommError() failed - GetLastError() = %ld",
-                    static_cast<long>(GetLastError()));
+        ReportLastError("CVSerial::Read() - ClearCommError()");
         return 0;
     }
     if (errors != 0)
@@ -77,8 +77,7 @@ DWORD CVSerial::ReadOverlapped(LPVOID pBuffer, DWORD dwCount) {
         if (GetLastError() != ERROR_IO_PENDING)
             DebugReport("CVSerial::Read() - ::ReadFile() failed");
         else if (!GetOverlappedResult(m_hPort, record.Get(), &dwRead, TRUE))
-            DebugReport("CVSerial::Read() - GetOverlappedResult() failed - GetLastError() = %ld",
-                        static_cast<long>(GetLastError()));
+            ReportLastError("CVSerial::Read() - GetOverlappedResult()");
     }
     record.Reset();
     return dwRead;

@@ -1,4 +1,6 @@
-// What CVSerial offers to those who block: handles, and the wait for everything to be sent.
+// What CVSerial offers to those who block: handles, and the wait for everything to be sent. That is
+// woken for every chunk, but by nothing when the driver's own queue runs empty, so it then looks
+// again after the time that the line needs for what is left.
 #include "CORE/VXSerial/Lib/Serial.h"
 
 #include "platform/Clock.h"
@@ -9,7 +11,7 @@
 namespace {
 
 // Start bit, eight data bits and stop bit.
-constexpr std::uint64_t BITS_PER_BYTE = 10;
+constexpr std::uint64_t kBitsPerByte = 10;
 
 DWORD ToMilliseconds(std::uint64_t milliseconds) {
     return static_cast<DWORD>(std::min<std::uint64_t>(milliseconds, INFINITE - 1));
@@ -17,7 +19,7 @@ DWORD ToMilliseconds(std::uint64_t milliseconds) {
 
 // The time that bytes need on the wire.
 DWORD TransmitTime(DWORD count, DWORD baudRate) {
-    return baudRate == 0 ? 0 : ToMilliseconds(count * BITS_PER_BYTE * 1000 / baudRate);
+    return baudRate == 0 ? 0 : ToMilliseconds(count * kBitsPerByte * 1000 / baudRate);
 }
 
 // How long a wait for bytes to leave may still go on.
@@ -85,20 +87,19 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
     const DWORD baudRate = GetLineRate();
     CPatience patience(dwNoProgress);
     for (;;) {
-        SPending pending = {};
+        Pending pending = {};
         if (WaitForSingleObject(handles[0], 0) == WAIT_OBJECT_0 || !CountPending(pending))
             return FALSE;
-        const DWORD ours = pending.dwBuffered + pending.dwInHand;
-        if (ours + pending.dwDriver == 0)
+        const DWORD ours = pending.buffered + pending.inHand;
+        if (ours + pending.driver == 0)
             return TRUE;
-        patience.Look(ours + pending.dwDriver);
+        patience.Look(ours + pending.driver);
         // Some drivers count what they send by the piece, for each of which a slow line takes long.
-        const DWORD remaining = patience.Remaining(TransmitTime(pending.dwInHand, baudRate));
+        const DWORD remaining = patience.Remaining(TransmitTime(pending.inHand, baudRate));
         if (remaining == 0)
             return FALSE;
-        // Nothing is signalled when the driver's own queue runs empty.
         const DWORD pause =
-            ours == 0 ? patience.Pause(TransmitTime(pending.dwDriver, baudRate)) : remaining;
+            ours == 0 ? patience.Pause(TransmitTime(pending.driver, baudRate)) : remaining;
         if (WaitForMultipleObjects(ours == 0 ? 1 : 2, handles, FALSE, std::min(pause, remaining)) ==
             WAIT_FAILED)
             return FALSE;
@@ -107,16 +108,16 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
 
 // Counts what has been accepted for sending and has not left; bytes on their way from one place to
 // the next may be counted in both. False when the port does not tell.
-bool CVSerial::CountPending(SPending& pending) {
+bool CVSerial::CountPending(Pending& pending) {
     {
         const CLock handOver(m_HandOverCritSec);
-        m_cvTXBuffer.GetBufferStatus(nullptr, &pending.dwBuffered, nullptr);
-        pending.dwInHand = m_dwInHand;
+        m_cvTXBuffer.GetBufferStatus(nullptr, &pending.buffered, nullptr);
+        pending.inHand = m_dwInHand;
     }
     COMSTAT status = {};
     if (!ClearCommError(m_hPort, nullptr, &status))
         return false;
-    pending.dwDriver = status.cbOutQue;
+    pending.driver = status.cbOutQue;
     return true;
 }
 

@@ -1,8 +1,9 @@
 // Calls on a modem that the modem manager has, with and without one.
 #include "platform/Clock.h"
-#include "platform/ModuleNotice.h"
+#include "platform/Wait.h"
+#include "platform/notify/ModuleNotice.h"
 #include "tests/services/telephony/ModemManagerMock.h"
-#include "tests/services/telephony/TapiModule.h"
+#include "tests/services/telephony/TapiTest.h"
 #include "tests/support/PseudoTerminal.h"
 
 #include <csignal>
@@ -27,23 +28,14 @@ class CModemManagerTest : public CTapiTest {
         // The port is found through the link.
         const std::string link = m_folder.GetPath("modem");
         std::filesystem::create_symlink(m_terminal.GetPath(), link);
-        NameModem(link);
+        NameModems("Modem = " + link + "\n");
     }
-    void NameModem(const std::string& path) {
-        NameModems("Modem = " + path + "\n");
-        m_hLine = m_module->OpenLine("Modem");
+    LONG MakeCall() { return m_client->Call("Modem"); }
+    static bool IsGivenBackTo(const CModemManagerMock& manager) {
+        return RunUntil([&] { return !manager.HasLetGo(); });
     }
-    void Restart() {
-        m_module->Restart();
-        m_hLine = m_module->OpenLine("Modem");
-    }
-    LONG MakeCall() { return m_module->MakeCall(m_hLine, &m_hCall); }
-    bool IsGivenBackTo(const CModemManagerMock& manager) {
-        return m_module->RunUntil([&] { return !manager.HasLetGo(); });
-    }
-
-    bool IsTold(const std::string& text) {
-        return m_module->RunUntil([&] {
+    static bool IsTold(const std::string& text) {
+        return RunUntil([&] {
             const std::lock_guard lock(s_mutex);
             return s_told.find(text) != std::string::npos;
         });
@@ -56,13 +48,11 @@ class CModemManagerTest : public CTapiTest {
     CDescriptor m_probed = m_terminal.TakeSlave();
     const std::string m_port = std::filesystem::path(m_terminal.GetPath()).filename();
     const CTestBus m_bus;
-    HLINE m_hLine = 0;
-    HCALL m_hCall = 0;
     // The ways in which a call ends.
     const std::function<void()> m_ends[3] = {
-        [this] { EXPECT_GT(m_module->lineDrop(m_hCall, nullptr, 0u), 0); },
-        [this] { EXPECT_EQ(m_module->lineClose(m_hLine), 0); },
-        [this] { m_module->Shutdown(); },
+        [this] { EXPECT_GT((*m_client)->LineDrop(FALSE), 0); },
+        [this] { EXPECT_EQ((*m_client)->LineClose(), 0); },
+        [this] { m_client.reset(); },
     };
 };
 
@@ -81,7 +71,7 @@ TEST_F(CModemManagerTest, LetsGoForTheTimeOfTheCall) {
         EXPECT_EQ(MakeCall(), 0);
         closer.join();
         // The hold is the call's, whoever has the port.
-        const HANDLE port = m_module->GetPort(m_hCall);
+        const HANDLE port = m_client->GetPort();
         EXPECT_TRUE(manager.HasLetGo());
         end();
         EXPECT_TRUE(IsGivenBackTo(manager));
@@ -96,11 +86,14 @@ TEST_F(CModemManagerTest, GetsTheModemBackWhenTheProgramDies) {
     ProcessOptions options;
     options.input = order.reader.Get();
     options.output = told.writer.Get();
+    // The queue of this thread's messages does not live on in there.
     options.work = [&] {
-        char byte = 0;
-        if (read(STDIN_FILENO, &byte, 1) == 1 && MakeCall() == 0)
-            static_cast<void>(!write(STDOUT_FILENO, "c", 1));
-        pause();
+        std::thread([&] {
+            char byte = 0;
+            if (read(STDIN_FILENO, &byte, 1) == 1 && MakeCall() == 0)
+                static_cast<void>(!write(STDOUT_FILENO, "c", 1));
+            pause();
+        }).join();
     };
     const CProcess program(options); // before the manager's thread: it has only its own
     const CModemManagerMock manager(EManager::LetsGo, m_port);
@@ -118,13 +111,13 @@ TEST_F(CModemManagerTest, IsAwaitedWhileItProbes) {
         s_told.clear();
         CModemManagerMock manager(EManager::Probes, m_port);
         m_probed = CDescriptor(open(m_terminal.GetPath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-        const LONG request = m_module->StartCall(m_hLine, &m_hCall);
+        EXPECT_GT(m_client->Call("Modem", FALSE), 0);
         EXPECT_TRUE(IsTold("ModemManager is probing Modem;"));
         EXPECT_FALSE(manager.WasAsked());
         m_probed.Reset();
         if (isModem)
             manager.TellOfModem();
-        EXPECT_EQ(m_module->AwaitReply(request), 0);
+        EXPECT_TRUE(RunUntil([&] { return m_client->told == "reply 256 "; })) << m_client->told;
         EXPECT_EQ(manager.HasLetGo(), isModem);
         Restart();
     }
@@ -137,15 +130,15 @@ TEST_F(CModemManagerTest, IsAskedAnewWhenItStartsAgain) {
     for (const EManager behaviour : {EManager::LetsGo, EManager::Probes, EManager::Refuses}) {
         manager.reset();
         manager.emplace(behaviour, m_port);
-        EXPECT_TRUE(m_module->RunUntil([&] { return manager->WasAsked(); }));
+        EXPECT_TRUE(RunUntil([&] { return manager->WasAsked(); }));
         if (behaviour != EManager::LetsGo)
             manager->TellOfModem();
         EXPECT_TRUE(behaviour == EManager::Refuses ||
-                    m_module->RunUntil([&] { return manager->HasLetGo(); }));
+                    RunUntil([&] { return manager->HasLetGo(); }));
     }
     for (const char* const text : {"was started again, and may be ", "may use the modem, too: "})
         EXPECT_TRUE(IsTold(std::string("Modem: ModemManager ") + text));
-    m_module->Shutdown();
+    m_client.reset();
 }
 
 TEST_F(CModemManagerTest, KeepsTheModem) {
@@ -153,12 +146,11 @@ TEST_F(CModemManagerTest, KeepsTheModem) {
     EXPECT_EQ(MakeCall(), LINEERR_INUSE);
     EXPECT_TRUE(IsTold("Modem: ModemManager keeps the modem: "));
     EXPECT_TRUE(manager.WasAsked());
-    EXPECT_EQ(m_module->lineDeallocateCall(m_hCall), LINEERR_INVALCALLHANDLE);
 }
 
 TEST_F(CModemManagerTest, GetsItBackWhenTheDeviceCannotBeOpened) {
     const CModemManagerMock manager(EManager::LetsGo, "null");
-    NameModem("/dev/null");
+    NameModems("Modem = /dev/null\n");
     EXPECT_EQ(MakeCall(), LINEERR_NODRIVER);
     EXPECT_TRUE(manager.WasAsked());
     EXPECT_TRUE(IsGivenBackTo(manager));
@@ -182,15 +174,11 @@ TEST_F(CModemManagerTest, CanBeGivenUpWhileItIsAwaited) {
         const auto& end = m_ends[turn % 3];
         const EManager behaviour = turn < 3 ? EManager::NeverAnswers : EManager::Probes;
         const CModemManagerMock manager(behaviour, m_port);
-        ASSERT_GT(m_module->StartCall(m_hLine, &m_hCall), 0);
-        ASSERT_TRUE(m_module->RunUntil(
-            [&] { return turn < 3 ? manager.WasAsked() : manager.WasListed(); }));
+        ASSERT_GT(m_client->Call("Modem", FALSE), 0);
+        ASSERT_TRUE(RunUntil([&] { return turn < 3 ? manager.WasAsked() : manager.WasListed(); }));
         end();
-        if (&end == &m_ends[0]) {
-            EXPECT_TRUE(m_module->RunUntil(
-                [&] { return m_module->FindEvent(m_hCall, LINE_CALLSTATE, LINECALLSTATE_IDLE); }));
-            EXPECT_EQ(m_module->lineDeallocateCall(m_hCall), 0);
-        }
+        EXPECT_TRUE(&end != &m_ends[0] ||
+                    RunUntil([&] { return m_client->told.find(" 1 ") != std::string::npos; }));
         Restart();
     }
 }

@@ -34,7 +34,7 @@ SerialInterface MakeInterface(const std::string& sysfsPath) {
 }
 
 TEST(NamesFile, TakesWhatIsUnderstoodAndTellsTheRest) {
-    const std::string tooLong = std::string(MAX_NAME + 1, 'n');
+    const std::string tooLong = std::string(kLongestName + 1, 'n');
     const Names bad = {"no device",
                        " = /dev/x",
                        "Com5 modem=/dev/x",
@@ -61,11 +61,11 @@ TEST(NamesFile, TakesWhatIsUnderstoodAndTellsTheRest) {
 
     faults.clear();
     content.clear();
-    for (std::size_t line = 0; line < MAX_NAMED_MODEMS + 5; ++line)
+    for (std::size_t line = 0; line < kMostNamedModems + 5; ++line)
         content += "a = /b\n";
-    EXPECT_EQ(ParseNamesFile(content, faults).size(), MAX_NAMED_MODEMS);
+    EXPECT_EQ(ParseNamesFile(content, faults).size(), kMostNamedModems);
     EXPECT_EQ(faults.size(), 1U);
-    EXPECT_TRUE(ParseNamesFile(std::string(MAX_NAMES_FILE, '\0'), faults).empty());
+    EXPECT_TRUE(ParseNamesFile(std::string(kLongestNamesFile, '\0'), faults).empty());
 }
 
 TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
@@ -91,7 +91,7 @@ TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
     }
     serial.maker = serial.role = std::string(1000, 'M');
     serial.model = std::string(1000, 'N');
-    EXPECT_LE(NameInterfaces({serial, MakeInterface("/sys/1-2:1.1")})[0].name.size(), MAX_NAME);
+    EXPECT_LE(NameInterfaces({serial, MakeInterface("/sys/1-2:1.1")})[0].name.size(), kLongestName);
 }
 
 TEST(InterfaceNames, TellTheInterfacesOfADeviceApart) {

@@ -1,7 +1,8 @@
 // The telephony module: its lines and calls, on pseudo-terminals and made-up devices.
-#include "platform/Comm.h"
+#include "telephony/TapiService.h"
 #include "platform/File.h"
-#include "tests/services/telephony/TapiModule.h"
+#include "platform/TaskMemory.h"
+#include "tests/services/telephony/TapiTest.h"
 #include "tests/support/DeviceNamespace.h"
 #include "tests/support/PseudoTerminal.h"
 
@@ -16,56 +17,37 @@ class CTapiServiceTest : public CTapiTest {
   protected:
     void SetUp() override {
         CTapiTest::SetUp();
-        if (HasFatalFailure() || IsSkipped())
-            return;
-        NameModems("One = " + m_one.GetPath() + "\nTwo = " + m_two.GetPath() + "\n");
+        if (!HasFatalFailure() && !IsSkipped())
+            NameModems("One = " + m_one.GetPath() + "\nTwo = " + m_two.GetPath() + "\n");
+    }
+    static bool IsModuleMapped() {
+        return ReadWholeFile("/proc/self/maps").find("/libtapi32.so") != std::string::npos;
     }
 
-    // A call on a new line.
-    HCALL Call(const std::string& name) {
-        m_hLine = m_module->OpenLine(name, INSTANCE);
-        HCALL hCall = 0;
-        EXPECT_EQ(m_module->MakeCall(m_hLine, &hCall), 0);
-        return hCall;
-    }
-    // What a new call on a new line gets.
-    LONG TryDevice(const std::string& name) {
-        HCALL hCall = 0;
-        const HLINE hLine = m_module->OpenLine(name);
-        const LONG result = m_module->MakeCall(hLine, &hCall);
-        EXPECT_EQ(m_module->lineClose(hLine), 0);
-        return result;
-    }
-
-    static constexpr DWORD_PTR INSTANCE = 4711;
     CPseudoTerminal m_one;
     CPseudoTerminal m_two;
-    HLINE m_hLine = 0; // the one that Call has opened
 };
 
-bool IsModuleMapped() {
-    return ReadWholeFile("/proc/self/maps").find("/libtapi32.so") != std::string::npos;
-}
-
 TEST_F(CTapiServiceTest, CanBeUnloadedInTheMiddle) {
-    HCALL hCall = Call("One");
+    EXPECT_EQ(m_client->Call("One"), 0);
     // This awaits the thread that has opened.
-    EXPECT_EQ(m_module->StartCall(m_hLine, &hCall), LINEERR_CALLUNAVAIL);
+    VARSTRING* portName = nullptr;
+    EXPECT_EQ((*m_client)->LineGetID(&portName, "comm/datamodem/portname"), 0);
+    const CTaskMemory<VARSTRING> owner(portName);
     EXPECT_TRUE(IsModuleMapped());
-    m_module->Unload();
+    g_TapiLibrary.Unload();
     EXPECT_FALSE(IsModuleMapped());
-    CTapiModule::Dispatch();
-    m_module.reset();
-    m_module.emplace();
-    EXPECT_EQ(TryDevice("One"), 0);
-    m_module.reset();
+    Dispatch();
+    Restart();
+    EXPECT_EQ(m_client->Call("One"), 0);
+    m_client.reset();
     EXPECT_FALSE(IsModuleMapped());
 }
 
 TEST_F(CTapiServiceTest, ListsNamedModemsAndThenTheDatabase) {
     // What stands across the end of what is read counts as little as what is behind it.
     NameModems("One = /\n" + std::string(65520, '#') + "\nCut = /dev/none\n");
-    EXPECT_EQ(m_module->ListLines(), Names{"*One"});
+    EXPECT_EQ(m_client->ListLines(), Names{"*One"});
 
     const std::map<std::string, std::string> stick = {{"ID_VENDOR_FROM_DATABASE", "Acme"},
                                                       {"ID_MODEL_ENC", "Stick\\x20S"}};
@@ -80,66 +62,43 @@ TEST_F(CTapiServiceTest, ListsNamedModemsAndThenTheDatabase) {
         {"ttyACM1", "ttyACM1", "1-1", "02", "0202ff", "", phone},
         {"ttyS0", "ttyS0", "", "", "", "", {}},
     });
-    EXPECT_EQ(m_module->ListLines(), Names{"*One"}) << "what is plugged in later is not there yet";
+    EXPECT_EQ(m_client->ListLines(), Names{"*One"}) << "what is plugged in later is not there yet";
     for (int start = 0; start < 2; ++start) {
         NameModems("nonsense\nOne = /dev/none\nOne = /dev/none\n");
-        EXPECT_EQ(m_module->ListLines(),
+        EXPECT_EQ(m_client->ListLines(),
                   (Names{"*One", "*One 2", "*One (interface 0)", "One (interface 2)",
                          "*Acme Stick S (AT?port)", "Acme Stick S (diagnostics)"}));
     }
-    EXPECT_EQ(TryDevice("Acme Stick S (AT?port)"), 0);
+    EXPECT_EQ(m_client->Call("Acme Stick S (AT?port)"), 0);
 }
 
 TEST_F(CTapiServiceTest, HandsTheDeviceOver) {
-    const HLINE hLine = m_module->OpenLine("One", INSTANCE);
     for (int turn = 0; turn < 2; ++turn) {
-        HCALL hCall = 0;
-        ASSERT_EQ(m_module->MakeCall(hLine, &hCall), 0);
-        HCALL second = 0;
-        EXPECT_EQ(m_module->StartCall(hLine, &second), LINEERR_CALLUNAVAIL);
-        EXPECT_EQ(m_module->lineDeallocateCall(hCall), LINEERR_INVALCALLSTATE);
-
-        // An answer that did not fit hands nothing over.
-        VARSTRING small{};
-        small.dwTotalSize = sizeof small;
-        EXPECT_EQ(m_module->lineGetID(hLine, 0u, 0u, LINECALLSELECT_LINE, &small, "COMM/datamodem"),
-                  0);
-        EXPECT_EQ(small.dwNeededSize, sizeof small + sizeof(DWORD) + m_one.GetPath().size() + 1);
-        EXPECT_EQ(small.dwStringSize, 0U);
-        const HANDLE port = m_module->GetPort(hCall);
-        EXPECT_EQ(m_module->GetPort(hCall), port);
-
-        EXPECT_EQ(m_module->Drop(hCall), 0);
-        const auto find = [&](DWORD state) {
-            return m_module->FindEvent(hCall, LINE_CALLSTATE, state);
-        };
-        ASSERT_TRUE(m_module->RunUntil([&] { return find(LINECALLSTATE_IDLE); }));
-        EXPECT_EQ(find(LINECALLSTATE_IDLE)->instance, INSTANCE);
-        EXPECT_LT(find(LINECALLSTATE_CONNECTED), find(LINECALLSTATE_DISCONNECTED));
-        EXPECT_LT(find(LINECALLSTATE_DISCONNECTED), find(LINECALLSTATE_IDLE));
-        // As the wrapper does when it is told of the disconnection.
-        EXPECT_EQ(m_module->Drop(hCall), 0);
-        EXPECT_EQ(m_module->GetPort(hCall), nullptr);
-        EXPECT_EQ(m_module->lineDeallocateCall(hCall), 0);
-        EXPECT_EQ(m_module->Drop(hCall), LINEERR_INVALCALLHANDLE);
-        EXPECT_EQ(TryDevice("One"), LINEERR_ALLOCATED) << "the port is the caller's";
+        m_client->told.clear();
+        ASSERT_EQ(m_client->Call("One"), 0);
+        const HANDLE port = m_client->GetPort();
+        EXPECT_EQ(m_client->GetPort(), port);
+        EXPECT_EQ((*m_client)->LineDrop(TRUE), 0);
+        // The wrapper drops the call once more when it is told of the disconnection, and then has
+        // none.
+        EXPECT_TRUE(RunUntil([&] { return m_client->told == "reply 256 reply 16384 1 reply "; }))
+            << m_client->told;
+        EXPECT_EQ((*m_client)->LineDrop(FALSE), E_TAPI_NOCALL);
+        EXPECT_EQ(m_client->GetPort(), nullptr);
+        EXPECT_EQ(Try("One"), LINEERR_ALLOCATED) << "the port is the caller's";
         EXPECT_TRUE(CloseHandle(port));
     }
 }
 
 TEST_F(CTapiServiceTest, GivesBackWhatNobodyAskedFor) {
-    const HCALL hCall = Call("One");
-    LINEDEVSTATUS status{};
-    status.dwTotalSize = sizeof status;
-    EXPECT_EQ(m_module->lineGetLineDevStatus(m_hLine, &status), 0);
-    EXPECT_EQ(status.dwNumActiveCalls, 1U);
-    const HCALL hOtherCall = Call("Two");
-    EXPECT_GT(m_module->lineDrop(hCall, nullptr, 0u), 0);
-    EXPECT_EQ(TryDevice("One"), 0);
-    EXPECT_EQ(TryDevice("Two"), LINEERR_ALLOCATED);
-    EXPECT_EQ(m_module->lineClose(m_hLine), 0);
-    EXPECT_EQ(TryDevice("Two"), 0);
-    EXPECT_EQ(m_module->Drop(hOtherCall), LINEERR_INVALCALLHANDLE);
+    CClient other;
+    EXPECT_EQ(m_client->Call("One"), 0);
+    EXPECT_EQ(other.Call("Two"), 0);
+    EXPECT_GT((*m_client)->LineDrop(FALSE), 0);
+    EXPECT_EQ(Try("One"), 0);
+    EXPECT_EQ(Try("Two"), LINEERR_ALLOCATED);
+    EXPECT_EQ(other->LineClose(), 0);
+    EXPECT_EQ(Try("Two"), 0);
 }
 
 TEST_F(CTapiServiceTest, TellsWhyADeviceCannotBeOpened) {
@@ -148,109 +107,111 @@ TEST_F(CTapiServiceTest, TellsWhyADeviceCannotBeOpened) {
     std::filesystem::create_symlink(m_two.GetPath(), link);
     NameModems("Gone = /dev/none\nFile = " + file + "\nFolder = /tmp\nLocked = " + m_one.GetPath() +
                "\nLink = " + link + "\n");
-    EXPECT_EQ(TryDevice("Gone"), LINEERR_NODEVICE);
-    EXPECT_EQ(TryDevice("File"), LINEERR_NODRIVER);
-    EXPECT_EQ(TryDevice("Folder"), LINEERR_NODRIVER);
+    EXPECT_EQ(Try("Gone"), LINEERR_NODEVICE);
+    EXPECT_EQ(Try("File"), LINEERR_NODRIVER);
+    EXPECT_EQ(Try("Folder"), LINEERR_NODRIVER);
 
     EXPECT_EQ(chmod(m_one.GetPath().c_str(), 0), 0);
     const bool isRoot = geteuid() == 0;
     constexpr uid_t kNobody = 65534;
     EXPECT_TRUE(!isRoot || seteuid(kNobody) == 0);
-    EXPECT_EQ(TryDevice("Locked"), LINEERR_NOTOWNER);
+    EXPECT_EQ(Try("Locked"), LINEERR_NOTOWNER);
     EXPECT_TRUE(!isRoot || seteuid(0) == 0);
 
     // Unplugged during the call, and gone for the next one.
-    const HCALL hCall = Call("Link");
+    EXPECT_EQ(m_client->Call("Link"), 0);
     m_two.CloseMaster();
-    EXPECT_EQ(m_module->Drop(hCall), 0);
-    EXPECT_EQ(TryDevice("Link"), LINEERR_NODEVICE);
+    EXPECT_EQ((*m_client)->LineDrop(TRUE), 0);
+    EXPECT_EQ(Try("Link"), LINEERR_NODEVICE);
 }
 
 TEST_F(CTapiServiceTest, SaysNothingMoreOfAClosedLine) {
     for (int turn = 0; turn < 20; ++turn) {
-        const HLINE hLine = m_module->OpenLine("One", INSTANCE);
-        HCALL hCall = 0;
-        ASSERT_GT(m_module->StartCall(hLine, &hCall), 0);
-        EXPECT_TRUE(turn % 2 == 0 || m_module->lineDrop(hCall, nullptr, 0u) > 0);
-        EXPECT_EQ(m_module->lineClose(hLine), 0);
+        ASSERT_GT(m_client->Call("One", FALSE), 0);
+        EXPECT_TRUE(turn % 2 == 0 || (*m_client)->LineDrop(FALSE) > 0);
+        EXPECT_EQ((*m_client)->LineClose(), 0);
     }
-    EXPECT_EQ(TryDevice("One"), 0);
-    for (const TapiEvent& event : m_module->m_events)
-        EXPECT_EQ(event.instance, 0U);
+    EXPECT_EQ(Try("One"), 0);
+    EXPECT_EQ(m_client->told, "");
 }
 
 TEST_F(CTapiServiceTest, RefusesWhatIsNoHandleAndNoPointer) {
-    CTapiModule& tapi = *m_module;
-    const HLINEAPP hLineApp = tapi.m_hLineApp;
-    const HLINE hLine = tapi.OpenLine("One");
-    HLINE hNew = 0;
-    HCALL hCall = 0;
-    LINECALLPARAMS voice{};
-    voice.dwTotalSize = sizeof voice;
+    CVTapiLibrary tapi;
+    DWORD app = 0, phoneApp = 0, line = 0, call = 0, none = 0;
+    const LINECALLBACK ignore = [](DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {};
+    LINECALLPARAMS data{};
+    data.dwTotalSize = sizeof data;
+    data.dwBearerMode = LINEBEARERMODE_PASSTHROUGH;
+    data.dwMediaMode = LINEMEDIAMODE_DATAMODEM;
+    LINECALLPARAMS voice = data;
     voice.dwBearerMode = LINEBEARERMODE_VOICE;
-    VARSTRING identifier{};
-    identifier.dwTotalSize = sizeof identifier;
-    const auto open = [&](HLINEAPP app, DWORD device, DWORD privileges, DWORD media, HLINE* out) {
-        return tapi.lineOpen(app, device, out, TAPI_API_VERSION, 0u, 0u, privileges, media,
-                             nullptr);
+    VARSTRING small{};
+    small.dwTotalSize = sizeof small;
+    const auto open = [&](DWORD of, DWORD device, DWORD privileges, DWORD media, DWORD* out) {
+        return tapi.lineOpen(of, device, out, TAPI_API_VERSION, 0u, 0u, privileges, media, nullptr);
     };
-    const auto call = [&](const LINECALLPARAMS* parameters) {
-        return tapi.lineMakeCall(hLine, &hCall, nullptr, 0u, parameters);
+    const auto dial = [&](DWORD on, DWORD* out, const LINECALLPARAMS* parameters) {
+        return tapi.lineMakeCall(on, out, nullptr, 0u, parameters);
     };
-    const auto identify = [&](HCALL hKnown, DWORD select, LPCSTR deviceClass) {
-        return tapi.lineGetID(hLine, 0u, hKnown, select, &identifier, deviceClass);
+    const auto identify = [&](DWORD known, DWORD select, LPCSTR deviceClass) {
+        return tapi.lineGetID(line, 0u, known, select, &small, deviceClass);
     };
+    ASSERT_EQ(tapi.lineInitialize(&app, nullptr, ignore, nullptr, &none), 0);
     const std::pair<LONG, LONG> rows[] = {
-        {open(hLineApp + 1, 0, 4, 16, &hNew), LINEERR_INVALAPPHANDLE},
-        {open(hLineApp, 2, 4, 16, &hNew), LINEERR_BADDEVICEID},
-        {open(hLineApp, 0, 5, 16, &hNew), LINEERR_INVALPRIVSELECT},
-        {open(hLineApp, 0, 4, 17, &hNew), LINEERR_INVALMEDIAMODE},
-        {open(hLineApp, 0, 4, 16, nullptr), LINEERR_INVALPOINTER},
-        {call(&voice), LINEERR_INVALBEARERMODE},
-        {call(nullptr), LINEERR_INVALBEARERMODE},
-        {tapi.StartCall(hLine, nullptr), LINEERR_INVALPOINTER},
-        {tapi.StartCall(hLine + 1, &hCall), LINEERR_INVALLINEHANDLE},
+        {open(app, 0, 4, 16, &line), 0},
+        {open(app + 1, 0, 4, 16, &none), LINEERR_INVALAPPHANDLE},
+        {open(app, 2, 4, 16, &none), LINEERR_BADDEVICEID},
+        {open(app, 0, 5, 16, &none), LINEERR_INVALPRIVSELECT},
+        {open(app, 0, 4, 17, &none), LINEERR_INVALMEDIAMODE},
+        {open(app, 0, 4, 16, nullptr), LINEERR_INVALPOINTER},
+        {dial(line, &none, &voice), LINEERR_INVALBEARERMODE},
+        {dial(line, &none, nullptr), LINEERR_INVALBEARERMODE},
+        {dial(line, nullptr, &data), LINEERR_INVALPOINTER},
+        {dial(line + 1, &none, &data), LINEERR_INVALLINEHANDLE},
         {identify(0, LINECALLSELECT_LINE, "comm/datamodem"), LINEERR_INVALCALLSTATE},
         {identify(0, LINECALLSELECT_LINE, "wave"), LINEERR_INVALDEVICECLASS},
-        {identify(hLine, LINECALLSELECT_CALL, "wave"), LINEERR_INVALCALLHANDLE},
+        {identify(line, LINECALLSELECT_CALL, "wave"), LINEERR_INVALCALLHANDLE},
         {tapi.lineHold(1u), LINEERR_OPERATIONUNAVAIL},
         {tapi.phoneGetGain(1u, 0u, nullptr), PHONEERR_OPERATIONUNAVAIL},
+        {tapi.phoneInitialize(&phoneApp, nullptr, ignore, nullptr, &none), 0},
+        {none, 0}, // phones
+        {tapi.phoneShutdown(phoneApp), 0},
+        {tapi.phoneShutdown(phoneApp), PHONEERR_INVALAPPHANDLE},
+        {dial(line, &call, &data), 1}, // the first request
+        {dial(line, &none, &data), LINEERR_CALLUNAVAIL},
+        {tapi.lineDeallocateCall(call), LINEERR_INVALCALLSTATE},
+        // An answer that does not fit hands nothing over: the device is given back below.
+        {RunUntil([&] { return identify(call, LINECALLSELECT_CALL, "comm/datamodem") == 0; }), 1},
+        {small.dwNeededSize, sizeof small + sizeof(DWORD) + m_one.GetPath().size() + 1},
+        {small.dwStringSize, 0},
+        {tapi.lineShutdown(app), 0},
+        {tapi.lineShutdown(app), LINEERR_INVALAPPHANDLE},
+        {tapi.lineClose(line), LINEERR_INVALLINEHANDLE},
+        {tapi.lineDrop(call, nullptr, 0u), LINEERR_INVALCALLHANDLE},
+        {m_client->Call("One"), 0},
     };
-    for (const auto& [result, expected] : rows)
-        EXPECT_EQ(result, expected) << &rows->first - &result;
-
-    HPHONEAPP hPhoneApp = 0;
-    DWORD phones = 1;
-    const PHONECALLBACK ignore = [](DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {};
-    EXPECT_EQ(tapi.phoneInitialize(&hPhoneApp, nullptr, ignore, nullptr, &phones), 0);
-    EXPECT_EQ(phones, 0U);
-    EXPECT_EQ(tapi.phoneShutdown(hPhoneApp), 0);
-    EXPECT_EQ(tapi.phoneShutdown(hPhoneApp), PHONEERR_INVALAPPHANDLE);
+    for (const auto& row : rows)
+        EXPECT_EQ(row.first, row.second) << "row " << &row - rows;
 }
 
 TEST_F(CTapiServiceTest, ShutdownEndsAllAndFromAnyThread) {
     const auto check = [this](const std::function<void()>& shutDown) {
-        const HLINEAPP hLineApp = m_module->m_hLineApp;
-        const HCALL hCall = Call("One");
+        EXPECT_EQ(m_client->Call("One"), 0);
         shutDown();
-        EXPECT_EQ(m_module->lineShutdown(hLineApp), LINEERR_INVALAPPHANDLE);
-        EXPECT_EQ(m_module->lineClose(m_hLine), LINEERR_INVALLINEHANDLE);
-        EXPECT_EQ(m_module->Drop(hCall), LINEERR_INVALCALLHANDLE);
-        m_module->Restart();
-        EXPECT_EQ(TryDevice("One"), 0);
-        CTapiModule::Dispatch();
-        m_module->Shutdown();
-        m_module->Unload();
-        CTapiModule::Dispatch();
+        Restart();
+        EXPECT_EQ(m_client->Call("One"), 0);
+        Dispatch();
+        m_client.reset();
+        Dispatch();
     };
     // In a process of its own, which is not rid of the module any more.
     EXPECT_EXIT(
         {
-            check([this] { std::thread([this] { m_module->Shutdown(); }).join(); });
+            check([this] { std::thread([this] { m_client.reset(); }).join(); });
             _exit(HasFailure());
         },
         testing::ExitedWithCode(0), "");
-    check([this] { m_module->Shutdown(); });
+    check([this] { m_client.reset(); });
 }
 
 } // namespace

@@ -1,0 +1,134 @@
+// A table of transitions decides about each byte, by the state that the collected members make and
+// the class of the byte. Text goes by without it, up to the next ESC.
+#include "terminal/EscapeParser.h"
+
+#include <cstring>
+
+namespace {
+
+using Kind = EscapeVerdict::Kind;
+
+constexpr BYTE kEscape[] = {0x1B};
+constexpr DWORD kLongestSequence = 255;
+
+// Text is shown; of a sequence its ESC has come, something behind that has, all that is kept has.
+enum State { kShowing, kBegun, kCollecting, kFull };
+
+enum Class { kOther, kEscapeByte, kIntroducer, kFinal, kAbandon };
+
+enum class Action : BYTE { Show, ShowEscape, Begin, Collect, Finish, Abandon, Overflow };
+
+using enum Action;
+
+constexpr Action kTransitions[4][5] = {
+    // Other, ESC, '[', final, '!'
+    {Show, Begin, Show, Show, Show},
+    {ShowEscape, Begin, Collect, ShowEscape, ShowEscape},
+    {Collect, Begin, Collect, Finish, Abandon},
+    {Overflow, Begin, Overflow, Overflow, Overflow},
+};
+
+constexpr Class ClassOf(std::size_t byte) {
+    const std::size_t lower = byte | 0x20;
+    if ((lower >= 'a' && lower <= 'z') || byte == '@')
+        return kFinal;
+    if (byte == kEscape[0])
+        return kEscapeByte;
+    if (byte == '[')
+        return kIntroducer;
+    return byte == '!' ? kAbandon : kOther;
+}
+
+// The same by the bytes themselves, so that each costs one look.
+constexpr auto kActions = [] {
+    std::array<std::array<Action, 256>, std::size(kTransitions)> actions{};
+    for (std::size_t state = 0; state < actions.size(); ++state)
+        for (std::size_t byte = 0; byte < actions[state].size(); ++byte)
+            actions[state][byte] = kTransitions[state][ClassOf(byte)];
+    return actions;
+}();
+
+State StateOf(BOOL isCollecting, DWORD length) {
+    if (!isCollecting)
+        return kShowing;
+    if (length == 0)
+        return kBegun;
+    return length < kLongestSequence ? kCollecting : kFull;
+}
+
+std::span<const BYTE> Take(std::span<const BYTE>& bytes, std::size_t count) {
+    const std::span<const BYTE> taken = bytes.first(count);
+    bytes = bytes.subspan(count);
+    return taken;
+}
+
+std::span<const BYTE> TakeText(std::span<const BYTE>& bytes) {
+    const void* const escape = std::memchr(bytes.data(), kEscape[0], bytes.size());
+    const std::ptrdiff_t length = static_cast<const BYTE*>(escape) - bytes.data();
+    return Take(bytes, escape ? static_cast<std::size_t>(length) : bytes.size());
+}
+
+} // namespace
+
+EscapeVerdict CEscapeParser::Next(std::span<const BYTE>& bytes) {
+    Take(bytes, CollectFrom(bytes));
+    if (bytes.empty())
+        return {Kind::Unfinished};
+    switch (kActions[StateOf(m_bCollecting, m_nLength)][bytes.front()]) {
+    case Show:
+        return {Kind::Text, TakeText(bytes)};
+    case ShowEscape:
+        // The byte itself begins the text that comes next.
+        m_bCollecting = FALSE;
+        return {Kind::Text, kEscape};
+    case Finish:
+        return {Kind::Sequence, {}, End(bytes)};
+    case Abandon:
+        End(bytes);
+        return {Kind::Dropped};
+    default:
+        Restart(FALSE);
+        Take(bytes, 1);
+        return {Kind::Dropped};
+    }
+}
+
+// Returns how many bytes there are that begin a sequence or go on with one.
+std::size_t CEscapeParser::CollectFrom(std::span<const BYTE> bytes) {
+    State state = StateOf(m_bCollecting, m_nLength);
+    std::size_t count = 0;
+    for (; count < bytes.size(); ++count) {
+        const Action action = kActions[state][bytes[count]];
+        if (action == Begin) {
+            Restart(TRUE);
+            state = kBegun;
+        } else if (action == Collect) {
+            m_szSequence[m_nLength++] = static_cast<char>(bytes[count]);
+            state = m_nLength < kLongestSequence ? kCollecting : kFull;
+        } else {
+            break;
+        }
+    }
+    return count;
+}
+
+void CEscapeParser::Restart(BOOL isCollecting) {
+    m_bCollecting = isCollecting;
+    m_nLength = 0;
+    m_szSequence[0] = '\0';
+}
+
+// The last byte of a sequence.
+BYTE CEscapeParser::End(std::span<const BYTE>& bytes) {
+    const BYTE last = Take(bytes, 1).front();
+    m_szSequence[m_nLength++] = static_cast<char>(last);
+    m_szSequence[m_nLength] = '\0';
+    m_bCollecting = FALSE;
+    return last;
+}
+
+std::string_view CEscapeParser::Parameters() const {
+    if (m_nLength < 2)
+        return {};
+    return {m_szSequence.data() + 1, m_nLength - 2};
+}
