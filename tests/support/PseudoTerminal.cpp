@@ -22,6 +22,15 @@ CDescriptor OpenMaster(std::string& slavePath) {
     return master;
 }
 
+CDescriptor OpenFarEnd(const std::string& path) {
+    int end = -1;
+    // Exclusive use outlasts who had it by a moment.
+    while ((end = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) < 0 &&
+           errno == EBUSY)
+        usleep(1000);
+    return CDescriptor(end);
+}
+
 } // namespace
 
 CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
@@ -31,7 +40,7 @@ CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
 }
 
 CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
-    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    : m_path(path), m_master(OpenFarEnd(farEnd)) {
     EXPECT_TRUE(m_master) << farEnd;
     termios settings{};
     if (tcgetattr(m_master.Get(), &settings) == 0) {
