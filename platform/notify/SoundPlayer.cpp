@@ -1,3 +1,4 @@
+// The first player that starts is left to itself; whether it can play the file is not awaited.
 #include "platform/notify/SoundPlayer.h"
 
 #include "platform/Error.h"
@@ -21,7 +22,7 @@ struct Player {
     const char* name;
     const char* quiet;
 };
-constexpr Player PLAYERS[] = {
+constexpr Player kPlayers[] = {
     {"pw-play", nullptr},
     {"paplay", nullptr},
     {"aplay", "-q"},
@@ -54,7 +55,7 @@ BOOL PlaySoundFile(LPCSTR path) {
         return FailWith(ERROR_FILE_NOT_FOUND);
     const std::string file = *path == '-' ? std::string("./") + path : path; // and no option
     const char* const folders = std::getenv("PATH");
-    for (const Player& player : PLAYERS) {
+    for (const Player& player : kPlayers) {
         const std::string program = FindProgram(folders != nullptr ? folders : "", player.name);
         if (program.empty())
             continue;

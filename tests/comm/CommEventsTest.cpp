@@ -5,17 +5,12 @@
 #include "tests/comm/TestPort.h"
 #include "tests/support/PseudoTerminal.h"
 
-#include <filesystem>
 #include <thread>
 
 namespace {
 
 constexpr DWORD kAllEvents = EV_RXCHAR | EV_RLSD | EV_ERR;
 constexpr DWORD kError = 0x80000000; // an error in place of events
-
-std::ptrdiff_t CountThreads() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
 
 class CCommEventsTest : public testing::TestWithParam<bool> {
   protected:
@@ -74,9 +69,6 @@ TEST_P(CCommEventsTest, EachEventEndsTheWait) {
 }
 
 TEST_P(CCommEventsTest, TheMaskAndTheCloseEndTheWait) {
-    // The thread sanitizer starts a thread of its own with the first one of the program.
-    std::thread([] {}).join();
-    const std::ptrdiff_t threads = CountThreads();
     for (int i = 0; i < 30; ++i) {
         ASSERT_TRUE(SetCommMask(m_port, kAllEvents));
         EXPECT_EQ(WaitWhile([this] { SetCommMask(m_port, 0); }), 0u);
@@ -93,8 +85,6 @@ TEST_P(CCommEventsTest, TheMaskAndTheCloseEndTheWait) {
     EXPECT_EQ(EndWhile([this] { EXPECT_TRUE(CloseHandle(m_port)); }),
               kError | ERROR_OPERATION_ABORTED);
     EXPECT_FALSE(SetCommMask(m_port, kAllEvents));
-    while (CountThreads() > threads)
-        Sleep(1);
 }
 
 // Another thread that asks for the counts takes the bytes away from where the wait looks for them.

@@ -195,23 +195,20 @@ void CSessionTest::ExpectLines(int count) {
 }
 
 CSessionTest::Result CSessionTest::EndsWith(int exit, std::chrono::milliseconds patience) {
-    const auto hasEnded = [this] { return m_program->HasEnded(); };
-    if (const Result ended = Fulfils("the end", hasEnded, patience); !ended)
+    const Result ended = Fulfils(
+        "the end", [this] { return m_program->HasEnded(); }, patience);
+    if (!ended || m_program->GetExit() == exit)
         return ended;
-    if (m_program->GetExit() == exit)
-        return AssertionSuccess();
     return AssertionFailure() << "ended with " << m_program->GetExit() << "; the screen shows\n"
                               << Screen().GetText();
 }
 
 CSessionTest::Result CSessionTest::Ends(int exit) {
-    if (const Result ended = EndsWith(exit); !ended)
+    const Result ended = EndsWith(exit);
+    if (!ended || m_terminal.GetDescriptor() < 0)
         return ended;
-    if (m_terminal.GetDescriptor() < 0)
-        return AssertionSuccess();
-    if (const Result shown = ShowsPrompt(); !shown)
-        return shown;
-    return IsSane();
+    const Result shown = ShowsPrompt();
+    return shown ? IsSane() : shown;
 }
 
 // The prompt goes the same way as the program's output did, so once it is there all of that is.

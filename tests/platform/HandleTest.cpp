@@ -9,7 +9,6 @@
 
 #include <array>
 #include <atomic>
-#include <csignal>
 #include <cstdint>
 #include <thread>
 #include <vector>
@@ -99,16 +98,16 @@ TEST(Event, AutoResetLetsExactlyOneOfManyWaitersThrough) {
 // What was written before a signal is seen after the wait that took it, also when the signal found
 // the event signalled already.
 TEST(Event, SignalsPublishWhatWasWrittenBefore) {
-    constexpr int LAST = 20000;
+    constexpr int kLast = 20000;
     const CTestHandle event = MakeEvent(false, false);
     std::atomic<int> value = 0;
     std::thread writer([&] {
-        for (int i = 1; i <= LAST; ++i) {
+        for (int i = 1; i <= kLast; ++i) {
             value.store(i, std::memory_order_relaxed);
             SetEvent(event);
         }
     });
-    while (value.load(std::memory_order_relaxed) != LAST)
+    while (value.load(std::memory_order_relaxed) != kLast)
         EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
     writer.join();
 }
@@ -148,23 +147,4 @@ TEST(Wait, TheLowestSignalledIndexWinsAndOnlyItIsConsumed) {
         for (const DWORD index : {last, DWORD{WAIT_TIMEOUT}})
             EXPECT_EQ(WaitForMultipleObjects(count, handles.data(), FALSE, 0), index);
     }
-}
-
-// A signal handler that runs meanwhile neither ends a wait nor shortens it.
-TEST(Wait, SignalsDoNotEndAWait) {
-    struct sigaction former {};
-    struct sigaction action {};
-    action.sa_handler = [](int) {};
-    ASSERT_EQ(sigaction(SIGUSR1, &action, &former), 0);
-    const CTestHandle event = MakeEvent(false, false);
-    std::thread disturber([&event, waiter = pthread_self()] {
-        for (int i = 0; i < 20; ++i) {
-            pthread_kill(waiter, SIGUSR1);
-            Sleep(1);
-        }
-        SetEvent(event);
-    });
-    EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-    disturber.join();
-    sigaction(SIGUSR1, &former, nullptr);
 }

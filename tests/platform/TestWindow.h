@@ -22,12 +22,16 @@ inline LRESULT TestProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return (*handler)(window, message, wParam, lParam);
 }
 
+inline HWND CreateTestWindow() {
+    return CreateWindowExA(0, "TestWindow", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                           nullptr);
+}
+
 // A window whose procedure is the handler, which must outlive it.
 inline HWND MakeWindow(const Handler& handler) {
     const WNDCLASSA windowClass = {TestProcedure, "TestWindow"};
     RegisterClassA(&windowClass);
-    const HWND window = CreateWindowExA(0, "TestWindow", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                        nullptr, nullptr);
+    const HWND window = CreateTestWindow();
     SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&handler));
     return window;
 }
@@ -67,23 +71,26 @@ inline DWORD WaitForMessage(DWORD milliseconds) {
     return MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, QS_ALLINPUT);
 }
 
-inline BOOL Retrieve(MSG& message, HWND window = nullptr) {
-    return PeekMessageA(&message, window, 0, 0, PM_REMOVE);
+inline BOOL Retrieve(MSG& message) {
+    return PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
+}
+
+// The result of the next message's procedure; -1 when there is no message.
+inline LRESULT DispatchNext() {
+    MSG message;
+    return Retrieve(message) ? DispatchMessageA(&message) : -1;
 }
 
 // Retrieves and dispatches until the condition holds, asleep while there is nothing.
 inline void PumpUntil(const std::function<bool()>& condition) {
-    while (!condition()) {
+    for (; !condition(); DispatchNext())
         ASSERT_EQ(WaitForMessage(INFINITE), WAIT_OBJECT_0);
-        if (MSG message; Retrieve(message))
-            DispatchMessageA(&message);
-    }
 }
 
 // Retrieves what there is without dispatching it.
-inline std::vector<MSG> TakeAll(HWND window = nullptr) {
+inline std::vector<MSG> TakeAll() {
     std::vector<MSG> messages;
-    for (MSG message; Retrieve(message, window);)
+    for (MSG message; Retrieve(message);)
         messages.push_back(message);
     return messages;
 }
