@@ -76,8 +76,8 @@ TEST_F(CCommandFileTest, GivesTheTerminalBackAndRunsOnToTheSecondSignal) {
     }
 }
 
-// Nothing is sent then, and no file is made or changed.
-TEST_F(CCommandFileTest, RefusesFilesThatCannotBeOpened) {
+// Nothing is sent then: no answer is asked for that is not kept. No file is made or changed.
+TEST_F(CCommandFileTest, RefusesFilesThatCannotBeUsed) {
     const std::string script = m_folder.Write("script", "FUNCTION main()\r\nENDFUNCTION\r\n");
     const std::string commands = m_folder.Write("commands", "ATI\n");
     const std::string kept = m_folder.Write("kept", "kept content");
@@ -101,6 +101,7 @@ TEST_F(CCommandFileTest, RefusesFilesThatCannotBeOpened) {
         {{"-O:" + script, "-S:" + script}, "create " + script + ": it is the script file itself"},
         {{"-O:" + link, "-A:" + commands, "-S:" + script},
          "create " + link + ": it is the command file itself"},
+        {{"-A:" + commands, "-O:/dev/full"}, "write /dev/full: the disk is full"},
         {{"-O:" + script, "-S:" + missing}, missing}, // without a script the last log stays
     };
     const std::string secret = m_folder.Write("secret", "ATI\n");
@@ -122,13 +123,4 @@ TEST_F(CCommandFileTest, RefusesFilesThatCannotBeOpened) {
     EXPECT_TRUE(ShowsInRow(2, "Cannot open " + folder));
     EXPECT_TRUE(ShowsInRow(3, "(it is a directory)"));
     EXPECT_TRUE(Ends());
-}
-
-TEST_F(CCommandFileTest, FullDisk) {
-    Start({"-A:" + m_folder.Write("commands", "ATI\nATZ\n"), "-O:/dev/full"});
-    // Whether the first line or the end finds the disk full, it is told.
-    m_device.Send("\r\nOK\r\n");
-    ASSERT_TRUE(Shows("Cannot write /dev/full: the disk is full"));
-    EXPECT_TRUE(Ends());
-    EXPECT_EQ(m_device.GetReceived(), "") << "nothing is asked whose answer is not kept";
 }

@@ -100,7 +100,7 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
 }
 
 TEST_F(CDeviceOutputTest, GoesOutInTheLocalesCharacterSet) {
-    SetVariable("LANG", "de_DE.ISO-8859-1"); // also where the system does not have it
+    m_environment["LANG"] = "de_DE.ISO-8859-1"; // also where the system does not have it
     StartInteractive();
     m_device.Send("\u00DB\u6F22");
     EXPECT_TRUE(Fulfils("the characters", [this] {

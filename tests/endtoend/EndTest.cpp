@@ -15,7 +15,7 @@ class CEndTest : public CSessionTest {
 
 TEST_F(CEndTest, SignalsAndCrashes) {
     for (const char* options : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
-        SetVariable(options, "handle_segv=0:handle_abort=0:handle_sigfpe=0");
+        m_environment[options] = "handle_segv=0:handle_abort=0:handle_sigfpe=0";
     const std::pair<int, int> ends[] = {{SIGHUP, 0},         {SIGTERM, 0},        {SIGQUIT, 0},
                                         {SIGSEGV, -SIGSEGV}, {SIGABRT, -SIGABRT}, {SIGFPE, -SIGFPE},
                                         {SIGALRM, -SIGALRM}, {SIGUSR1, -SIGUSR1}};

@@ -49,7 +49,7 @@ TEST_F(CKeysTest, PasteOnASlowDeviceStillGoesOutAfterTheEnd) {
 }
 
 TEST_F(CKeysTest, ADumbTerminalGetsPlainText) {
-    SetVariable("TERM", "dumb");
+    m_environment["TERM"] = "dumb";
     StartInteractive();
     m_device.Send("\x1B[2J\x1B[1;31mred\x1B[m\r\nplain\x1B");
     ASSERT_TRUE(Shows("plain"));
