@@ -50,9 +50,4 @@ TEST_F(CFilesTest, RefusesFilesThatCannotBeUsed) {
     EXPECT_FALSE(fs::exists(missing));
     EXPECT_EQ(ReadWholeFile(commands) + ReadWholeFile(kept), "ATI\nkept content");
     EXPECT_EQ(ReadWholeFile(script), "FUNCTION main()\r\nENDFUNCTION\r\n");
-
-    Start({"-A:" + folder});
-    EXPECT_TRUE(ShowsInRow(2, "Cannot open " + folder));
-    EXPECT_TRUE(ShowsInRow(3, "(it is a directory)"));
-    EXPECT_TRUE(Ends());
 }
