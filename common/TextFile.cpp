@@ -1,3 +1,5 @@
+// Lines are cut out of what was read; one that goes beyond it gathers in the caller's text, which
+// is measured before it grows.
 #include "common/TextFile.h"
 
 #include "platform/Error.h"
@@ -9,20 +11,20 @@
 namespace {
 
 // A typical command file is taken in one read.
-constexpr std::size_t READ_SIZE = std::size_t{16} * 1024;
+constexpr std::size_t kReadSize = std::size_t{16} * 1024;
 
 } // namespace
 
-BOOL CTextFile::Open(LPCSTR szPath) {
+BOOL CTextFile::Open(LPCSTR path) {
     m_nBegin = m_nEnd = 0;
     m_bFailed = true;
     m_hFile.Reset();
-    const HANDLE file = CreateFileA(szPath ? szPath : "", GENERIC_READ, FILE_SHARE_READ, nullptr,
+    const HANDLE file = CreateFileA(path ? path : "", GENERIC_READ, FILE_SHARE_READ, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return FALSE;
     m_hFile.Reset(file);
-    m_buffer.resize(READ_SIZE);
+    m_buffer.resize(kReadSize);
     m_bFailed = false;
     m_bAtHead = true;
     return TRUE;
@@ -45,18 +47,18 @@ EReadLine CTextFile::TakeLine(std::string& line) {
         const auto end = m_buffer.begin() + static_cast<std::ptrdiff_t>(m_nEnd);
         const auto lineFeed = std::find(begin, end, '\n');
         // One byte more than a line may have: the CR of its end, which may be yet to be taken off.
-        if (line.size() + static_cast<std::size_t>(lineFeed - begin) > MAX_LINE_LENGTH + 1)
+        if (line.size() + static_cast<std::size_t>(lineFeed - begin) > kMaxLineLength + 1)
             return FailTooLong(line);
         line.append(begin, lineFeed);
         if (lineFeed != end) {
             m_nBegin += static_cast<std::size_t>(lineFeed - begin) + 1;
             if (!line.empty() && line.back() == '\r')
                 line.pop_back();
-            return line.size() > MAX_LINE_LENGTH ? FailTooLong(line) : EReadLine::Line;
+            return line.size() > kMaxLineLength ? FailTooLong(line) : EReadLine::Line;
         }
         if (!FillBuffer())
             return Fail(line);
-        if (m_nEnd == 0 && line.size() > MAX_LINE_LENGTH)
+        if (m_nEnd == 0 && line.size() > kMaxLineLength)
             return FailTooLong(line);
         if (m_nEnd == 0)
             return line.empty() ? EReadLine::End : EReadLine::Line;

@@ -17,14 +17,14 @@ class CTextFile {
   public:
     // No text anybody means to have read has a longer line; this bounds the memory that a file
     // takes.
-    static constexpr std::size_t MAX_LINE_LENGTH = std::size_t{16} * 1024 * 1024;
+    static constexpr std::size_t kMaxLineLength = std::size_t{16} * 1024 * 1024;
 
     // Opens the file for reading, in place of the one that was open. FALSE when that fails; the
     // last error tells why (see CreateFileA).
-    BOOL Open(LPCSTR szPath);
+    BOOL Open(LPCSTR path);
 
     // Stores the next line without its end. A last line without an end is a line too. End at the
-    // end of the file; Error for a read error, a line longer than MAX_LINE_LENGTH bytes, or when no
+    // end of the file; Error for a read error, a line longer than kMaxLineLength bytes, or when no
     // file is open, and from then on. The string is empty unless the result is Line. After the
     // first Error the last error tells why: ERROR_NOT_ENOUGH_MEMORY is the line that is too long.
     EReadLine ReadLine(std::string& line);

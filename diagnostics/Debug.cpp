@@ -1,3 +1,5 @@
+// One lock is around everything, so that a module sees one thread at a time. Only the mark that
+// there is no module is read without it: without one, which is the rule, a trace costs that look.
 #include "diagnostics/Debug.h"
 
 #include "platform/DebugOutput.h"

@@ -1,3 +1,5 @@
+// Each line is made in one pass in a buffer of fixed size, and hexadecimal by a table: with a log,
+// this runs for every byte of a session.
 #include "modem/DataTrace.h"
 
 #include <algorithm>

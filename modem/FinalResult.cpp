@@ -1,18 +1,21 @@
+// A marker is complete with the newest bytes, so only these and what may be its beginning are
+// searched: a long answer costs the same for each of its reads.
 #include "modem/FinalResult.h"
+
+#include "common/Ascii.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
 constexpr std::string_view kLineEnd = "\r\n";
 
 // Of text that has been searched, only this much can be the beginning of a marker that is still to
 // be completed.
-constexpr std::size_t kLongestBeginning = FINAL_RESULT_CME_ERROR.size() - 1;
-static_assert(FINAL_RESULT_CMS_ERROR.size() == FINAL_RESULT_CME_ERROR.size());
-static_assert(FINAL_RESULT_ERROR.size() < FINAL_RESULT_CME_ERROR.size());
-static_assert(FINAL_RESULT_OK.size() < FINAL_RESULT_CME_ERROR.size());
+constexpr std::size_t kLongestBeginning = kFinalCmeError.size() - 1;
+static_assert(kFinalCmsError.size() == kFinalCmeError.size());
+static_assert(kFinalError.size() < kFinalCmeError.size());
+static_assert(kFinalOk.size() < kFinalCmeError.size());
 
 void Trim(std::string& text) {
     text.erase(text.find_last_not_of(kWhiteSpace) + 1);
@@ -36,19 +39,19 @@ CFinalResult::Verdict CFinalResult::Append(std::string_view bytes) {
 void CFinalResult::Gather(std::string_view bytes) {
     m_strWindow.append(bytes);
     m_nTextLength += bytes.size();
-    m_strResponse.append(bytes.substr(0, MAX_RESPONSE - m_strResponse.size()));
+    m_strResponse.append(bytes.substr(0, kMaxResponse - m_strResponse.size()));
 }
 
 CFinalResult::Verdict CFinalResult::Judge() {
-    const std::size_t ok = m_strWindow.find(FINAL_RESULT_OK);
+    const std::size_t ok = m_strWindow.find(kFinalOk);
     if (ok != std::string::npos)
         return ConcludeOk(ok);
-    if (m_strWindow.find(FINAL_RESULT_ERROR) != std::string::npos) {
+    if (m_strWindow.find(kFinalError) != std::string::npos) {
         m_strResponse.clear();
         return Verdict::Error;
     }
-    CutBehind(FINAL_RESULT_CME_ERROR, m_bCmeSeen);
-    CutBehind(FINAL_RESULT_CMS_ERROR, m_bCmsSeen);
+    CutBehind(kFinalCmeError, m_bCmeSeen);
+    CutBehind(kFinalCmsError, m_bCmsSeen);
     return ConcludeExtendedError();
 }
 
@@ -79,5 +82,5 @@ void CFinalResult::CutBehind(std::string_view marker, bool& seen) {
     seen = true;
     m_strWindow.erase(0, position + marker.size());
     m_nTextLength = m_strWindow.size();
-    m_strResponse.assign(m_strWindow, 0, MAX_RESPONSE);
+    m_strResponse.assign(m_strWindow, 0, kMaxResponse);
 }

@@ -12,10 +12,10 @@
 #include <string_view>
 
 // The final result markers, matched as exact bytes.
-inline constexpr std::string_view FINAL_RESULT_OK = "\r\nOK\r\n";
-inline constexpr std::string_view FINAL_RESULT_ERROR = "\r\nERROR\r\n";
-inline constexpr std::string_view FINAL_RESULT_CME_ERROR = "\r\n+CME ERROR:";
-inline constexpr std::string_view FINAL_RESULT_CMS_ERROR = "\r\n+CMS ERROR:";
+inline constexpr std::string_view kFinalOk = "\r\nOK\r\n";
+inline constexpr std::string_view kFinalError = "\r\nERROR\r\n";
+inline constexpr std::string_view kFinalCmeError = "\r\n+CME ERROR:";
+inline constexpr std::string_view kFinalCmsError = "\r\n+CMS ERROR:";
 
 class CFinalResult {
   public:
@@ -24,7 +24,7 @@ class CFinalResult {
     // The most that is kept of an answer, in bytes: far above any real one (the largest, a listed
     // message store or phone book, is some hundred kilobytes). What comes beyond it is searched for
     // the markers and then dropped.
-    static constexpr std::size_t MAX_RESPONSE = std::size_t{1024} * 1024;
+    static constexpr std::size_t kMaxResponse = std::size_t{1024} * 1024;
 
     // Gathers into the given text, which is emptied and must outlive this object.
     explicit CFinalResult(std::string& response);

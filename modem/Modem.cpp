@@ -1,3 +1,5 @@
+// An answer is read as it comes; between two reads the port is waited for, and polled where it
+// cannot be. All that a device could delay for ever has a deadline or ends with the device.
 #include "modem/Modem.h"
 
 #include "diagnostics/ModuleTrace.h"

@@ -37,7 +37,7 @@ class CVModem {
     // Collects the device's answer up to its final result code. TRUE with RESULT_OK and the answer
     // without the code, or RESULT_ERROR and the extended error's text (empty for a plain ERROR).
     // FALSE with RESULT_NO_RESPONSE and what has come so far, at the time-out or at once when the
-    // device is gone. At least one read is made. Of the response CFinalResult::MAX_RESPONSE bytes
+    // device is gone. At least one read is made. Of the response CFinalResult::kMaxResponse bytes
     // are kept.
     virtual BOOL GetResponse(DWORD& code, std::string& response, DWORD timeout);
 

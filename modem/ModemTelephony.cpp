@@ -1,3 +1,5 @@
+// A modem is opened step by step. A step that fails gives back what those before it took, writes
+// its trace line, and only then leaves the reason as the last error, which the trace may change.
 #include "modem/Modem.h"
 
 #include "diagnostics/ModuleTrace.h"

@@ -1,13 +1,8 @@
-// The registry: a small one that is made of what the system knows when a key is opened.
-//
-// Below HKEY_LOCAL_MACHINE there are
-//   HARDWARE\DEVICEMAP\SERIALCOMM   a value for each serial device that is really there: "COMn" for
-//                                   the on-board port ttyS(n-1), the device's path for all others
+// The registry: one key for each serial device that is really there and no on-board port,
 //   System\CurrentControlSet\Control\Class\{4D36E96D-E325-11CE-BFC1-08002BE10318}\0000 and on
-//                                   one key for each of these devices that is no on-board port,
-//                                   with the value AttachedTo
-// and the keys on the way. A key shows what was there when it was opened. Nothing can be changed,
-// so any access that is asked for is granted. Any thread may call these.
+// below HKEY_LOCAL_MACHINE, with one value, AttachedTo: the device's path. A key shows what was
+// there when it was opened. Nothing can be changed, so any access that is asked for is granted. Any
+// thread may call these.
 #pragma once
 
 #include "platform/Types.h"
@@ -23,9 +18,9 @@ inline constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
 
 inline constexpr DWORD REG_SZ = 1;
 
-// Opens a key below another one or a root; the case of ASCII letters does not matter. Returns 0
-// with the key stored, or ERROR_FILE_NOT_FOUND, ERROR_INVALID_HANDLE, ERROR_INVALID_PARAMETER
-// (null), ERROR_NOT_ENOUGH_MEMORY with null stored.
+// Opens a key below HKEY_LOCAL_MACHINE; the case of ASCII letters does not matter. Returns 0 with
+// the key stored, or ERROR_FILE_NOT_FOUND, ERROR_INVALID_HANDLE, ERROR_INVALID_PARAMETER (null),
+// ERROR_NOT_ENOUGH_MEMORY with null stored.
 LONG RegOpenKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD ulOptions, REGSAM samDesired, HKEY* phkResult);
 
 // Tells the index-th value: its name (lpcchValueName: the buffer's size in, the length without the

@@ -1,12 +1,13 @@
 #include "script/NibbleText.h"
 
+#include "common/Ascii.h"
+
 #include <algorithm>
 
 namespace {
 
 constexpr char kFirstNibble = '0';
 constexpr char kLastNibble = '?';
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
 } // namespace
 
@@ -19,9 +20,8 @@ std::string EncodeNumber(DWORD value) {
 }
 
 DWORD DecodeNumber(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
     DWORD value = 0;
-    for (const char character : text) {
+    for (const char character : SkipWhiteSpace(text)) {
         if (character < kFirstNibble || character > kLastNibble)
             break;
         value = value << 4 | static_cast<DWORD>(character - kFirstNibble);

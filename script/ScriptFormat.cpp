@@ -1,5 +1,6 @@
 #include "script/ScriptFormat.h"
 
+#include "common/Ascii.h"
 #include "script/ScriptArea.h"
 #include "script/ScriptError.h"
 
@@ -7,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxLength = CScriptArea::TEXT_BUFFER - 1;
+constexpr std::size_t kMaxLength = CScriptArea::kTextLength;
 
 struct Conversion {
     bool isLeftJustified = false;
@@ -15,10 +16,6 @@ struct Conversion {
     std::size_t width = 0;
     char kind = 0; // 0: the format ended before it
 };
-
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 class CFormatRun {
   public:

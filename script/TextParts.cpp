@@ -1,10 +1,10 @@
 #include "script/TextParts.h"
 
+#include "common/Ascii.h"
+
 #include <algorithm>
 
 namespace {
-
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
 std::size_t ToLength(std::int32_t count) {
     return static_cast<std::size_t>(std::max(count, 0));
@@ -55,13 +55,13 @@ std::int32_t FindText(std::string_view text, std::string_view wanted) {
 }
 
 std::int32_t NumberOf(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
+    text = SkipWhiteSpace(text);
     const bool isNegative = text.starts_with('-');
     if (isNegative || text.starts_with('+'))
         text.remove_prefix(1);
     DWORD number = 0;
     for (const char character : text) {
-        if (character < '0' || character > '9')
+        if (!IsDigit(character))
             break;
         number = number * 10 + static_cast<DWORD>(character - '0');
     }

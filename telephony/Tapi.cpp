@@ -1,3 +1,6 @@
+// The life of an object, and what its wrappers have in common. The count of objects decides who
+// takes the services down; it changes under the lock under which they come up, so that none is
+// taken down that a new object is just about to use.
 #include "telephony/Tapi.h"
 
 #include "diagnostics/ModuleTrace.h"

@@ -12,6 +12,14 @@
 
 namespace {
 
+constexpr TapiOperation kLineDeviceNameToID = {"LineDeviceNameToID", nullptr,
+                                               ETapiNeed::LineService, "\n"};
+constexpr TapiOperation kPhoneDeviceNameToID = {.szName = "PhoneDeviceNameToID",
+                                                .szFunction = nullptr,
+                                                .need = ETapiNeed::PhoneService,
+                                                .szInitializeFailed =
+                                                    "MPhoneInitialize() failed returning"};
+
 // A platform's modems are numbered below this key.
 struct ModemClass {
     DWORD dwPlatformId;
@@ -36,6 +44,27 @@ bool IsDataModem(const LINEDEVCAPS& capabilities) {
     return (capabilities.dwBearerModes & LINEBEARERMODE_VOICE) &&
            (capabilities.dwMediaModes & LINEMEDIAMODE_DATAMODEM) &&
            (capabilities.dwLineFeatures & LINEFEATURE_MAKECALL) && LineNameOf(capabilities);
+}
+
+// The first of so many devices whose capabilities, as get(device, out) obtains them, have the name.
+template <class Record, class NameOf, class Get>
+LONG FindDevice(const TapiOperation& operation, LPCSTR szName, DWORD dwCount, LPDWORD pdwDeviceID,
+                NameOf nameOf, Get get) {
+    for (DWORD dwDeviceID = 0; dwDeviceID < dwCount; ++dwDeviceID) {
+        Record* capabilities = nullptr;
+        if (get(dwDeviceID, &capabilities) < 0)
+            continue;
+        const CTaskMemory<Record> owner(capabilities);
+        if (nameOf(*capabilities) != szName)
+            continue;
+        *pdwDeviceID = dwDeviceID;
+        DebugTrace("CVTapi::%s() - Device \"%s\" = %ld\n", operation.szName, szName,
+                   static_cast<long>(dwDeviceID));
+        return 0;
+    }
+    DebugError("CVTapi::%s() - Device \"%s\" not found%s", operation.szName, szName,
+               operation.szEnd);
+    return E_TAPI_NODEVICE;
 }
 
 void CopyName(std::string_view name, char* szName, DWORD dwSize) {
@@ -72,25 +101,22 @@ LONG CVTapi::IterateModems(char* szName, DWORD dwSize, BOOL bRestart) {
 
 LONG CVTapi::LineDeviceNameToID(LPCSTR szName, LPDWORD pdwDeviceID) {
     const CLock lock(m_CritSec);
-    const LONG status =
-        CheckStatus("CVTapi::LineDeviceNameToID() - MLineInitialize() failed returning %#08lx\n",
-                    MLineInitialize());
-    if (status < 0)
-        return status;
-    for (DWORD dwDeviceID = 0; dwDeviceID < g_dwNumLineDevs; ++dwDeviceID) {
-        LINEDEVCAPS* capabilities = nullptr;
-        if (MLineGetDevCaps(dwDeviceID, &capabilities) < 0)
-            continue;
-        const CTaskMemory<LINEDEVCAPS> owner(capabilities);
-        if (LineNameOf(*capabilities) != szName)
-            continue;
-        *pdwDeviceID = dwDeviceID;
-        DebugTrace("CVTapi::LineDeviceNameToID() - Device \"%s\" = %ld\n", szName,
-                   static_cast<long>(dwDeviceID));
-        return 0;
-    }
-    DebugError("CVTapi::LineDeviceNameToID() - Device \"%s\" not found\n", szName);
-    return E_TAPI_NODEVICE;
+    const LONG missing = Provide(kLineDeviceNameToID);
+    if (missing != 0)
+        return missing;
+    return FindDevice<LINEDEVCAPS>(
+        kLineDeviceNameToID, szName, g_dwNumLineDevs, pdwDeviceID, LineNameOf,
+        [&](DWORD dwDeviceID, LINEDEVCAPS** out) { return MLineGetDevCaps(dwDeviceID, out); });
+}
+
+LONG CVTapi::PhoneDeviceNameToID(LPCSTR szName, LPDWORD pdwDeviceID) {
+    const CLock lock(m_CritSec);
+    const LONG missing = Provide(kPhoneDeviceNameToID);
+    if (missing != 0)
+        return missing;
+    return FindDevice<PHONECAPS>(
+        kPhoneDeviceNameToID, szName, g_dwNumPhoneDevs, pdwDeviceID, PhoneNameOf,
+        [&](DWORD dwDeviceID, PHONECAPS** out) { return MPhoneGetDevCaps(dwDeviceID, out); });
 }
 
 LONG CVTapi::GetModemRegKey(DWORD dwInstance, HKEY* phKey) {

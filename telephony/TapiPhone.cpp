@@ -2,7 +2,6 @@
 #include "telephony/Tapi.h"
 
 #include "diagnostics/ModuleTrace.h"
-#include "telephony/TapiRecord.h"
 #include "telephony/TapiService.h"
 
 #include <utility>
@@ -22,10 +21,6 @@ constexpr LPCSTR kInitializeFailed = "MPhoneInitialize() failed returning";
 
 constexpr TapiOperation kPhoneClose = {"PhoneClose", "phoneClose"};
 constexpr TapiOperation kPhoneConfigDialog = {"PhoneConfigDialog", "phoneConfigDialog"};
-constexpr TapiOperation kPhoneDeviceNameToID = {.szName = "PhoneDeviceNameToID",
-                                                .szFunction = nullptr,
-                                                .need = kService,
-                                                .szInitializeFailed = kInitializeFailed};
 constexpr TapiOperation kPhoneGetDevCaps = {.szName = "PhoneGetDevCaps",
                                             .szFunction = "MPhoneGetDevCaps",
                                             .need = kService,
@@ -118,27 +113,6 @@ LONG CVTapi::MPhoneGetDevCaps(DWORD dwDeviceID, PHONECAPS** ppCapabilities) {
                                                  std::exchange(dwVersion, m_dwPhoneAPIVersion), 0u,
                                                  capabilities);
         });
-}
-
-LONG CVTapi::PhoneDeviceNameToID(LPCSTR szName, LPDWORD pdwDeviceID) {
-    const CLock lock(m_CritSec);
-    const LONG missing = Provide(kPhoneDeviceNameToID);
-    if (missing != 0)
-        return missing;
-    for (DWORD dwDeviceID = 0; dwDeviceID < g_dwNumPhoneDevs; ++dwDeviceID) {
-        PHONECAPS* capabilities = nullptr;
-        if (MPhoneGetDevCaps(dwDeviceID, &capabilities) < 0)
-            continue;
-        const CTaskMemory<PHONECAPS> owner(capabilities);
-        if (PhoneNameOf(*capabilities) != szName)
-            continue;
-        *pdwDeviceID = dwDeviceID;
-        DebugTrace("CVTapi::PhoneDeviceNameToID() - Device \"%s\" = %ld\n", szName,
-                   static_cast<long>(dwDeviceID));
-        return 0;
-    }
-    DebugError("CVTapi::PhoneDeviceNameToID() - Device \"%s\" not found", szName);
-    return E_TAPI_NODEVICE;
 }
 
 LONG CVTapi::PhoneConfigDialog(DWORD dwDeviceID, HWND hwndOwner, LPCSTR szDeviceClass) {

@@ -1,3 +1,5 @@
+// Every part of a record is found through CTapiRecord::Part, the one place that compares what the
+// service says with what there is.
 #include "telephony/TapiRecord.h"
 
 #include <algorithm>

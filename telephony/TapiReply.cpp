@@ -1,3 +1,6 @@
+// To wait is to dispatch. The mark, the request and the reply belong to the object, not to the
+// wait: a wait that begins in a message that another one dispatches takes the mark away, and the
+// outer one, which looks at it after each message, sees that.
 #include "telephony/TapiReply.h"
 
 #include "diagnostics/ModuleTrace.h"

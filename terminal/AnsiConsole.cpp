@@ -1,3 +1,5 @@
+// One table says what each final character does; whoever uses parameters takes them out of what was
+// collected, so that a sequence costs what it needs and no more.
 #include "terminal/AnsiConsole.h"
 
 #include "modem/Modem.h"

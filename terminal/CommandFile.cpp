@@ -17,7 +17,7 @@ constexpr char kCommentMark = ';';
 class CCommandFileRun {
   public:
     CCommandFileRun(CTermModem& modem, CTermConsole& console, const std::string& deviceName)
-        : m_modem(modem), m_console(console), m_deviceName(deviceName) {}
+        : m_modem(modem), m_console(console), m_strDeviceName(deviceName) {}
 
     void Run(const std::string& fileName);
 
@@ -30,7 +30,7 @@ class CCommandFileRun {
 
     CTermModem& m_modem;
     CTermConsole& m_console;
-    const std::string& m_deviceName;
+    const std::string& m_strDeviceName;
     CTextFile m_commands;
     CCaptureFile m_capture;
 };
@@ -48,11 +48,9 @@ void CCommandFileRun::Run(const std::string& fileName) {
             break;
     }
     if (result == EReadLine::Error && !platform::IsEndRequested())
-        TellUser(m_console, "Cannot read %s: %s\n", fileName.c_str(),
-                 DescribeError(GetLastError()));
+        TellFileError(m_console, "Cannot read", fileName, GetLastError());
     if (!m_capture.Close())
-        TellUser(m_console, "Cannot write %s: %s\n", g_strOutputFile.c_str(),
-                 DescribeError(GetLastError()));
+        TellFileError(m_console, "Cannot write", g_strOutputFile, GetLastError());
 }
 
 bool CCommandFileRun::OpenFiles(const std::string& fileName) {
@@ -83,7 +81,7 @@ bool CCommandFileRun::SendLine(std::string line) {
         // What the device still said before it went belongs to the record.
         Show(response);
         if (Capture(response))
-            TellDeviceGone(m_console, m_deviceName);
+            TellDeviceGone(m_console, m_strDeviceName);
         return false;
     }
     if (platform::IsEndRequested()) {
@@ -97,8 +95,7 @@ bool CCommandFileRun::SendLine(std::string line) {
 bool CCommandFileRun::Capture(std::string_view text) {
     if (m_capture.WriteCapture(text))
         return true;
-    TellUser(m_console, "Cannot write %s: %s\n", g_strOutputFile.c_str(),
-             DescribeError(GetLastError()));
+    TellFileError(m_console, "Cannot write", g_strOutputFile, GetLastError());
     return false;
 }
 

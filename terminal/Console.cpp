@@ -1,3 +1,5 @@
+// The control handler comes in the midst of any wait, also in those of giving back: what it looks
+// at is settled before a call that may wait, and giving back twice is harmless.
 #include "terminal/Console.h"
 
 #include "platform/Error.h"

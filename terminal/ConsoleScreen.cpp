@@ -1,3 +1,5 @@
+// The console alone knows its cursor and its size; each operation asks for them and goes from
+// there, and one that gets no answer does nothing.
 #include "terminal/ConsoleScreen.h"
 
 #include <algorithm>

@@ -1,23 +1,21 @@
 #include "terminal/Decimal.h"
 
+#include "common/Ascii.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 
 int ParseDecimal(std::string_view text) {
-    const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
-    if (start == std::string_view::npos)
-        return 0;
-    text.remove_prefix(start);
-
-    const bool negative = text.front() == '-';
-    if (negative || text.front() == '+')
+    text = SkipWhiteSpace(text);
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
         text.remove_prefix(1);
 
     constexpr std::int64_t kBound = -std::int64_t{std::numeric_limits<int>::min()};
     std::int64_t value = 0;
     for (const char digit : text) {
-        if (digit < '0' || digit > '9')
+        if (!IsDigit(digit))
             break;
         value = std::min(value * 10 + (digit - '0'), kBound);
     }

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr int kExitDone = 0;
 constexpr int kExitNoTelephony = 1;
 constexpr int kExitNoDevices = 2;
 
@@ -44,13 +43,13 @@ std::optional<Answer> ReadAnswer() {
 }
 
 void ShowDevices(const ModemNames& modems, const PortNames& ports) {
-    std::fputs(LoadString(IDS_DEVICE_LIST), stdout);
+    std::fputs(LoadString(kTextDeviceList), stdout);
     std::size_t number = 0;
     for (const auto* names : {&modems, &ports})
         for (const std::string& name : *names)
             std::printf(" %zu) %s\n", ++number,
                         platform::LocaleText(platform::PrintableText(name)).c_str());
-    std::fputs(LoadString(IDS_DEVICE_PROMPT), stdout);
+    std::fputs(LoadString(kTextDevicePrompt), stdout);
     std::fflush(stdout);
 }
 
@@ -81,11 +80,11 @@ DeviceSelection SelectDevice() {
     ModemNames modems;
     if (!EnumerateModems(modems)) {
         TellOnStandardError(ExplainMissingTelephony());
-        return Fail(IDS_NO_TELEPHONY, kExitNoTelephony);
+        return Fail(kTextNoTelephony, kExitNoTelephony);
     }
     TellModuleFaults();
     if (modems.empty() && ports.empty())
-        return Fail(IDS_NO_DEVICES, kExitNoDevices);
+        return Fail(kTextNoDevices, kExitNoDevices);
 
     for (;;) {
         ShowDevices(modems, ports);
@@ -103,6 +102,6 @@ DeviceSelection SelectDevice() {
             if (answer->text.starts_with('x') || answer->text.starts_with('X'))
                 return kExitDone;
         }
-        std::fputs(LoadString(IDS_INVALID_SELECTION), stdout);
+        std::fputs(LoadString(kTextInvalidSelection), stdout);
     }
 }

@@ -1,3 +1,6 @@
+// Two buffers change places: lines gather in one under the lock while the thread writes the other
+// one without it. What is still to be written counts against the bound as well, and every piece
+// that the file has taken is told, so that a slow file can be told from one that takes nothing.
 #include "terminal/GatheredFile.h"
 
 #include "platform/Error.h"

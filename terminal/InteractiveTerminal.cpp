@@ -1,3 +1,6 @@
+// Each turn waits for all that it could serve now, and for nothing else: keys while there is room
+// for what is typed, the device while the console takes output, room in the transmit buffer while
+// something waits for it. So neither side stops the other, and no turn begins in vain.
 #include "terminal/InteractiveTerminal.h"
 
 #include "modem/Modem.h"
@@ -39,16 +42,16 @@ constexpr int kStuckTurns = 2;
 
 CInteractiveTerminal::CInteractiveTerminal(CVModem& modem, CTermConsole& console,
                                            const std::string& deviceName)
-    : m_modem(modem), m_console(console), m_deviceName(deviceName) {}
+    : m_modem(modem), m_console(console), m_strDeviceName(deviceName) {}
 
 void CInteractiveTerminal::Run() {
     m_modem.Write(kInitialisation, sizeof(kInitialisation) - 1);
-    while (m_console.m_bActive && !m_deviceGone)
+    while (m_console.m_bActive && !m_bDeviceGone)
         Turn();
-    if (!m_deviceGone)
+    if (!m_bDeviceGone)
         FinishTyping();
-    if (m_deviceGone)
-        TellDeviceGone(m_console, m_deviceName);
+    if (m_bDeviceGone)
+        TellDeviceGone(m_console, m_strDeviceName);
 }
 
 CInteractiveTerminal::Waits CInteractiveTerminal::ChooseWaits() const {
@@ -77,12 +80,12 @@ void CInteractiveTerminal::Turn() {
     if (signalled == WAIT_TIMEOUT)
         return EndWhenQuiet();
     if (signalled == WAIT_FAILED) {
-        m_deviceGone = true;
+        m_bDeviceGone = true;
         return;
     }
 
     if (signalled == waits.news)
-        TellUser(m_console, "\n%s", TakeModuleNews().c_str());
+        TellUser(m_console, "\n" + TakeModuleNews());
     if (signalled == waits.keys)
         TakeKeys();
     m_console.SendTyped();
@@ -90,7 +93,7 @@ void CInteractiveTerminal::Turn() {
         return;
     // During a paste, the keys always come first among the signalled.
     if (!ShowReceived())
-        m_deviceGone = m_modem.IsDeviceGone();
+        m_bDeviceGone = m_modem.IsDeviceGone();
     // Nobody would see what the device says from now on.
     if (m_console.IsOutputGone())
         m_console.Restore();
@@ -141,7 +144,7 @@ void CInteractiveTerminal::FinishTyping() {
         if (signalled != WAIT_OBJECT_0 && signalled != WAIT_OBJECT_0 + 1)
             return;
         if (!ShowReceived() && m_modem.IsDeviceGone()) {
-            m_deviceGone = true;
+            m_bDeviceGone = true;
             return;
         }
         if (CountUnsent() < unsent)
@@ -152,8 +155,8 @@ void CInteractiveTerminal::FinishTyping() {
 
 void CInteractiveTerminal::EndWhenQuiet() {
     const std::size_t queued = CountUnsent();
-    m_quietTurns = queued < m_queuedOutput ? 0 : m_quietTurns + 1;
-    m_queuedOutput = queued;
-    if (queued == 0 || m_quietTurns >= kStuckTurns)
+    m_nQuietTurns = queued < m_nQueuedOutput ? 0 : m_nQuietTurns + 1;
+    m_nQueuedOutput = queued;
+    if (queued == 0 || m_nQuietTurns >= kStuckTurns)
         m_console.Restore();
 }

@@ -57,8 +57,8 @@ class CInteractiveTerminal {
 
     CVModem& m_modem;
     CTermConsole& m_console;
-    const std::string& m_deviceName;
-    bool m_deviceGone = false;
-    std::size_t m_queuedOutput = 0;
-    int m_quietTurns = 0;
+    const std::string& m_strDeviceName;
+    bool m_bDeviceGone = false;
+    std::size_t m_nQueuedOutput = 0;
+    int m_nQuietTurns = 0;
 };

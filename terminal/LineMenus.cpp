@@ -62,18 +62,18 @@ std::optional<char> WaitForChoice(CVModem& modem, CTermConsole& console) {
 } // namespace
 
 void BaudMenu(CVModem& modem, CTermConsole& console) {
-    ShowUser(console, "%s", LoadString(IDS_BAUD_MENU));
+    ShowUser(console, LoadString(kTextBaudMenu));
     const std::optional<char> key = WaitForChoice(modem, console);
     if (!key)
         return;
     for (const BaudChoice& choice : kBaudChoices)
         if (choice.key == *key)
             return ApplyBaudRate(modem, console, choice.baudRate);
-    ShowUser(console, "%s", LoadString(IDS_CANCELED));
+    ShowUser(console, LoadString(kTextCanceled));
 }
 
 void FlowMenu(CVModem& modem, CTermConsole& console) {
-    ShowUser(console, "%s", LoadString(IDS_FLOW_MENU));
+    ShowUser(console, LoadString(kTextFlowMenu));
     const std::optional<char> key = WaitForChoice(modem, console);
     if (!key)
         return;
@@ -81,9 +81,9 @@ void FlowMenu(CVModem& modem, CTermConsole& console) {
         if (choice.key != *key)
             continue;
         modem.SetFlowControl(choice.flowControl);
-        return ShowUser(console, "%s", choice.message);
+        return ShowUser(console, choice.message);
     }
-    ShowUser(console, "%s", LoadString(IDS_CANCELED));
+    ShowUser(console, LoadString(kTextCanceled));
 }
 
 void ApplyBaudRate(CVModem& modem, CTermConsole& console, int baudRate) {
@@ -91,5 +91,6 @@ void ApplyBaudRate(CVModem& modem, CTermConsole& console, int baudRate) {
     const bool applied =
         baudRate > 0 &&
         modem.SetDataFormat(static_cast<DWORD>(baudRate), KEEP_SETTING, KEEP_SETTING, KEEP_SETTING);
-    ShowUser(console, applied ? "Setting %d baud\n" : "Error setting %d baud\n", baudRate);
+    ShowUser(console,
+             (applied ? "Setting " : "Error setting ") + std::to_string(baudRate) + " baud\n");
 }

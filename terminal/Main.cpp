@@ -17,7 +17,6 @@ namespace {
 
 constexpr char kVersion[] = "2.2";
 
-constexpr int kExitDone = 0;
 constexpr int kExitUsage = 1;
 
 } // namespace

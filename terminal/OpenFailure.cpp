@@ -91,7 +91,7 @@ void ReportOpenFailure(const CVModem& modem, const std::string& deviceName,
                        const std::string& title, DWORD error) {
     TellOnStandardError(Explain(modem, deviceName, error));
     const std::string shown = platform::LocaleText(platform::PrintableText(title));
-    std::printf(LoadString(IDS_CANNOT_OPEN), shown.c_str());
+    std::printf(LoadString(kTextCannotOpen), shown.c_str());
     std::fflush(stdout);
     static_cast<void>(std::getchar());
 }

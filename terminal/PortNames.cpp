@@ -1,15 +1,11 @@
 #include "terminal/PortNames.h"
 
 #include "platform/Version.h"
-#include "terminal/RegistryKey.h"
+#include "platform/comm/SerialDevices.h"
 
 #include <algorithm>
-#include <array>
 
 namespace {
-
-constexpr char kSerialKey[] = "HARDWARE\\DEVICEMAP\\SERIALCOMM";
-constexpr std::size_t kValueSize = 256;
 
 // What systems of the other family offer, whether it is there or not.
 constexpr const char* kFixedPorts[] = {"COM1", "COM2", "COM3", "COM4"};
@@ -37,13 +33,6 @@ void EnumerateComPorts(PortNames& names) {
     if (HasFixedPorts())
         for (const char* port : kFixedPorts)
             AddPortName(names, port);
-
-    CRegistryKey key;
-    if (!key.Open(HKEY_LOCAL_MACHINE, kSerialKey, KEY_READ))
-        return;
-    std::array<char, kValueSize> name;
-    std::array<char, kValueSize> port;
-    for (DWORD index = 0; key.EnumValue(index, name.data(), kValueSize, port.data(), kValueSize);
-         ++index)
-        AddPortName(names, port.data());
+    for (const platform::SerialDevice& device : platform::ListSerialDevices())
+        AddPortName(names, device.GetPortName());
 }

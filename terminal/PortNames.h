@@ -11,5 +11,5 @@ using PortNames = std::vector<std::string>;
 // Puts a name where it belongs, unless it is there.
 void AddPortName(PortNames& names, std::string_view name);
 
-// Makes the list anew: the ports that the registry knows ("COM1", or a path).
+// Makes the list anew: the serial devices that are there ("COM1", or a path).
 void EnumerateComPorts(PortNames& names);

@@ -1,3 +1,6 @@
+// The order is the point: nothing is replaced before the device is open and the script can be read,
+// the log ends before the device closes, and what is left to say comes when the console is given
+// back. What stands on the stack sees to all that, whichever way a session ends.
 #include "terminal/Session.h"
 
 #include "common/UniqueHandle.h"
@@ -130,7 +133,7 @@ std::string RunOnDevice(const std::string& deviceName, int baudRate) {
     SetTitle(console, title);
     console.ClearScreen();
     console.SetCursorPosition(0, 0);
-    ShowUser(console, "%s", LoadString(IDS_HINT));
+    ShowUser(console, LoadString(kTextHint));
     if (baudRate != 0)
         ApplyBaudRate(modem, console, baudRate);
 

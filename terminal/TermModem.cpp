@@ -5,7 +5,7 @@
 #include "platform/Wait.h"
 
 #include <array>
-#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -13,8 +13,8 @@ constexpr DWORD kAttemptTime = 10000;
 constexpr int kAttempts = 3;
 constexpr DWORD kGatherSize = 1024;
 
-bool HoldsFinalResult(const char* text) {
-    return std::strstr(text, "\r\nOK\r\n") || std::strstr(text, "\r\nERROR\r\n");
+bool HoldsFinalResult(std::string_view text) {
+    return text.find(kFinalOk) != text.npos || text.find(kFinalError) != text.npos;
 }
 
 } // namespace
@@ -40,7 +40,7 @@ BOOL CTermModem::WaitForFinalResult(std::string& response, DWORD timeAllowed) {
         gathered[count] = '\0';
         response = gathered.data();
         m_dwLastResponse = GetTickCount();
-        if (HoldsFinalResult(gathered.data()))
+        if (HoldsFinalResult(response))
             return TRUE;
         if (count == kGatherSize - 1) {
             // Nothing can be read any more, so bytes that wait must not end the wait.

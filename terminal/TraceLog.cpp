@@ -75,13 +75,12 @@ void CTraceLog::OnTimer() {
 // The console goes back first, so that Ctrl+C and the signals end the program.
 void CTraceLog::TellWait() {
     m_console.Restore();
-    TellUser(m_console, "wirelet: waiting for %s to take the rest of the log; Ctrl+C ends that\n",
-             m_strFileName.c_str());
+    TellUser(m_console, "wirelet: waiting for " + m_strFileName +
+                            " to take the rest of the log; Ctrl+C ends that\n");
 }
 
 // On a line of its own: the device may have left the cursor anywhere.
 void CTraceLog::TellFailure() {
     m_bCapturing = FALSE;
-    TellUser(m_console, "\nCannot write %s: %s\n", m_strFileName.c_str(),
-             DescribeError(m_dwFailure));
+    TellFileError(m_console, "\nCannot write", m_strFileName, m_dwFailure);
 }

@@ -8,8 +8,6 @@
 #include "terminal/StandardError.h"
 
 #include <array>
-#include <cstdarg>
-#include <cstdio>
 
 namespace {
 
@@ -32,18 +30,6 @@ constexpr std::array kErrorTexts = {
     ErrorText{ERROR_NOT_ENOUGH_QUOTA, "it takes the bytes too slowly"},
 };
 
-// The analyser takes the list of arguments for one that nobody began.
-std::string Format(const char* format, va_list arguments) {
-    va_list again;
-    va_copy(again, arguments);
-    const int length =
-        std::vsnprintf(nullptr, 0, format, arguments); // NOLINT(*valist.Uninitialized)
-    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again); // NOLINT(*valist.Uninitialized)
-    va_end(again);
-    return text;
-}
-
 // With standard output in a pipe or a file the screen is not what the user sees.
 bool IsScreenSeen() {
     return platform::IsOutputTerminal();
@@ -63,27 +49,23 @@ const char* DescribeOpenError(DWORD error, const std::string& file) {
 
 } // namespace
 
-void ShowUser(CConsole& console, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    const std::string text = Format(format, arguments);
-    va_end(arguments);
+void ShowUser(CConsole& console, std::string_view text) {
     console.WriteText(text.data(), static_cast<DWORD>(text.size()));
 }
 
-void TellUser(CConsole& console, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    const std::string text = Format(format, arguments);
-    va_end(arguments);
-
+void TellUser(CConsole& console, std::string_view text) {
     if (!IsScreenSeen() || !console.WriteText(text.data(), static_cast<DWORD>(text.size())))
         TellOnStandardError(text);
 }
 
+void TellFileError(CConsole& console, std::string_view failure, const std::string& file,
+                   DWORD error) {
+    TellUser(console, std::string(failure) + " " + file + ": " + DescribeError(error) + "\n");
+}
+
 void TellDeviceGone(CConsole& console, const std::string& deviceName) {
-    TellUser(console, "\nThe device %s is gone: unplugged, or its other end was closed\n",
-             deviceName.c_str());
+    TellUser(console,
+             "\nThe device " + deviceName + " is gone: unplugged, or its other end was closed\n");
 }
 
 void TellFileFailure(CConsole& console, const char* failure, const std::string& file, DWORD error) {
@@ -91,7 +73,7 @@ void TellFileFailure(CConsole& console, const char* failure, const std::string& 
     const std::string text = failure + (" " + file) + "\n";
     const bool isShown = console.WriteText(text.data(), static_cast<DWORD>(text.size()));
     if (isShown && IsScreenSeen())
-        ShowUser(console, "(%s)\n", reason);
+        ShowUser(console, std::string("(") + reason + ")\n");
     else
         TellOnStandardError(failure + (" " + file) + ": " + reason);
 }

@@ -4,16 +4,20 @@
 #include "platform/Types.h"
 
 #include <string>
+#include <string_view>
 
 class CConsole;
 
-// Formats a text of any length printf-style and shows it on the console; once the console has been
-// given back it is dropped.
-void ShowUser(CConsole& console, const char* format, ...) __attribute__((format(printf, 2, 3)));
+// Shows a text on the console; once the console has been given back it is dropped.
+void ShowUser(CConsole& console, std::string_view text);
 
 // The same for failures, which must reach the user: on standard error once the console has been
 // given back, or when standard output is no terminal.
-void TellUser(CConsole& console, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void TellUser(CConsole& console, std::string_view text);
+
+// Says what could not be done with a file that is open ("Cannot read", say), and why.
+void TellFileError(CConsole& console, std::string_view failure, const std::string& file,
+                   DWORD error);
 
 // Says that the device is gone, by the name that the user knows it by.
 void TellDeviceGone(CConsole& console, const std::string& deviceName);

@@ -6,35 +6,35 @@
 namespace modemsim {
 namespace {
 
-constexpr std::string_view patternPeriod =
+constexpr std::string_view kPatternPeriod =
     "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-.";
 
 // Longer than any single write to a pseudo-terminal takes.
-constexpr std::size_t patternLength = 16384;
+constexpr std::size_t kPatternLength = 16384;
 
 // A text segment that reached this size is not appended to, so that a queue which never runs quite
 // empty still gives its sent bytes back.
-constexpr std::size_t segmentLimit = 16384;
+constexpr std::size_t kSegmentLimit = 16384;
 
-constexpr std::array<char, patternLength> MakePattern() {
-    std::array<char, patternLength> bytes{};
-    for (std::size_t place = 0; place < patternLength; ++place)
-        bytes[place] = patternPeriod[place % patternPeriod.size()];
+constexpr std::array<char, kPatternLength> MakePattern() {
+    std::array<char, kPatternLength> bytes{};
+    for (std::size_t place = 0; place < kPatternLength; ++place)
+        bytes[place] = kPatternPeriod[place % kPatternPeriod.size()];
     return bytes;
 }
 
-constexpr std::array<char, patternLength> pattern = MakePattern();
+constexpr std::array<char, kPatternLength> kPattern = MakePattern();
 
 } // namespace
 
 std::string_view PatternAt(std::uint64_t position) {
-    return std::string_view(pattern.data(), pattern.size())
-        .substr(static_cast<std::size_t>(position % patternPeriod.size()));
+    return std::string_view(kPattern.data(), kPattern.size())
+        .substr(static_cast<std::size_t>(position % kPatternPeriod.size()));
 }
 
-CAnswerQueue::SSegment& CAnswerQueue::Tail() {
+CAnswerQueue::Segment& CAnswerQueue::Tail() {
     const bool usable = !m_listSegments.empty() && m_listSegments.back().run == 0 &&
-                        m_listSegments.back().text.size() < segmentLimit &&
+                        m_listSegments.back().text.size() < kSegmentLimit &&
                         m_listSegments.back().notBefore == m_tHold;
     if (!usable)
         m_listSegments.push_back({m_tHold, {}});
@@ -68,7 +68,7 @@ void CAnswerQueue::Clear() {
 std::string_view CAnswerQueue::Ready(TimeMs now) const {
     if (m_listSegments.empty() || m_listSegments.front().notBefore > now)
         return {};
-    const SSegment& head = m_listSegments.front();
+    const Segment& head = m_listSegments.front();
     if (head.run == 0)
         return std::string_view(head.text).substr(static_cast<std::size_t>(head.sent));
     const std::string_view bytes = PatternAt(head.sent);
@@ -79,7 +79,7 @@ std::string_view CAnswerQueue::Ready(TimeMs now) const {
 void CAnswerQueue::Consume(std::size_t count) {
     if (m_listSegments.empty())
         return;
-    SSegment& head = m_listSegments.front();
+    Segment& head = m_listSegments.front();
     const std::uint64_t length = head.run == 0 ? head.text.size() : head.run;
     const std::uint64_t taken = std::min<std::uint64_t>(count, length - head.sent);
     head.sent += taken;

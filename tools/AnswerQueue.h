@@ -44,16 +44,16 @@ class CAnswerQueue {
     std::optional<TimeMs> Deadline(TimeMs now) const;
 
   private:
-    struct SSegment {
+    struct Segment {
         TimeMs notBefore;
         std::string text;
         std::uint64_t run = 0; // length of a pattern; the text is empty then
         std::uint64_t sent = 0;
     };
 
-    SSegment& Tail();
+    Segment& Tail();
 
-    std::deque<SSegment> m_listSegments;
+    std::deque<Segment> m_listSegments;
     std::uint64_t m_nSize = 0;
     TimeMs m_tHold = std::numeric_limits<TimeMs>::min();
 };

@@ -4,23 +4,23 @@
 namespace modemsim {
 namespace {
 
-constexpr EErrorKind plain = EErrorKind::Plain;
-constexpr unsigned digitForms = executeForm | setForm;
+constexpr EErrorKind kPlain = EErrorKind::Plain;
+constexpr unsigned kDigitForms = kExecuteForm | kSetForm;
 
-SOutcome Reset(SModem& modem, const SCommand& command, SReply&) {
+Outcome Reset(Modem& modem, const Command& command, Reply&) {
     if (command.form == EForm::Set && !ParseNumber(command.parameters.front(), 1))
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     if (command.name == "Z")
         modem.call.HangUp();
     modem.settings = modem.FactorySettings();
     return {};
 }
 
-SOutcome Identity(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Identity(Modem& modem, const Command& command, Reply& reply) {
     const std::string digit = command.form == EForm::Set ? command.parameters.front() : "0";
     const auto which = ParseNumber(digit, 9);
     if (!which)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     const std::string revision = "Revision: " + modem.profile.version;
     if (*which == 0)
         reply.lines = {"Manufacturer: Wirelet", "Model: Simulated GSM modem", revision};
@@ -32,10 +32,10 @@ SOutcome Identity(SModem& modem, const SCommand& command, SReply& reply) {
 }
 
 // S1 counts rings and belongs to the line.
-SOutcome Register(SModem& modem, const SCommand& command, SReply& reply) {
-    const auto index = ParseNumber(command.parameters.front(), registerCount - 1);
+Outcome Register(Modem& modem, const Command& command, Reply& reply) {
+    const auto index = ParseNumber(command.parameters.front(), kRegisterCount - 1);
     if (!index)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     std::uint8_t& value = modem.settings.registers[static_cast<std::size_t>(*index)];
     if (command.form == EForm::Read) {
         const int shown = *index == 1 ? modem.call.Rings() : value;
@@ -47,20 +47,20 @@ SOutcome Register(SModem& modem, const SCommand& command, SReply& reply) {
     const bool character = *index >= 3 && *index <= 5;
     const auto number = ParseNumber(command.parameters[1], character ? 127 : 255);
     if (!number || *index == 1)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     value = static_cast<std::uint8_t>(*number);
     return {};
 }
 
-bool CallUnderWay(const SModem& modem) {
+bool CallUnderWay(const Modem& modem) {
     const ECallState state = modem.call.State();
     return state != ECallState::Idle && state != ECallState::Ringing;
 }
 
-SOutcome Dial(SModem& modem, const SCommand& command, SReply&) {
+Outcome Dial(Modem& modem, const Command& command, Reply&) {
     const std::string& number = command.parameters.front();
     if (CallUnderWay(modem))
-        return SOutcome::Fail(EFailure::NotAllowed);
+        return Outcome::Fail(EFailure::NotAllowed);
     if (number.ends_with(';')) {
         modem.call.StartVoice();
         return {};
@@ -75,39 +75,39 @@ SOutcome Dial(SModem& modem, const SCommand& command, SReply&) {
     return {EResult::Pending};
 }
 
-SOutcome Answer(SModem& modem, const SCommand&, SReply&) {
+Outcome Answer(Modem& modem, const Command&, Reply&) {
     if (modem.call.State() != ECallState::Ringing)
         return {EResult::NoCarrier};
     modem.call.Connect(modem.profile.hangUpAfter, modem.now);
     return {EResult::Connect};
 }
 
-SOutcome Online(SModem& modem, const SCommand&, SReply&) {
+Outcome Online(Modem& modem, const Command&, Reply&) {
     return {modem.call.Resume(modem.now) ? EResult::Connect : EResult::NoCarrier};
 }
 
-SOutcome HangUp(SModem& modem, const SCommand& command, SReply&) {
+Outcome HangUp(Modem& modem, const Command& command, Reply&) {
     if (command.form == EForm::Set && !ParseNumber(command.parameters.front(), 0))
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     modem.call.HangUp();
     return {};
 }
 
-constexpr SCommandEntry entries[] = {
-    {"Z", digitForms, plain, false, Reset, {}},
-    {"&F", digitForms, plain, false, Reset, {}},
-    {"I", digitForms, plain, false, Identity, {}},
-    {"S", readForm | setForm, plain, false, Register, {}},
-    {"D", executeForm, plain, false, Dial, {}},
-    {"A", executeForm, plain, false, Answer, {}},
-    {"O", digitForms, plain, false, Online, {}},
-    {"H", digitForms, plain, false, HangUp, {}},
+constexpr CommandEntry kEntries[] = {
+    {"Z", kDigitForms, kPlain, false, Reset, {}},
+    {"&F", kDigitForms, kPlain, false, Reset, {}},
+    {"I", kDigitForms, kPlain, false, Identity, {}},
+    {"S", kReadForm | kSetForm, kPlain, false, Register, {}},
+    {"D", kExecuteForm, kPlain, false, Dial, {}},
+    {"A", kExecuteForm, kPlain, false, Answer, {}},
+    {"O", kDigitForms, kPlain, false, Online, {}},
+    {"H", kDigitForms, kPlain, false, HangUp, {}},
 };
 
 } // namespace
 
-std::span<const SCommandEntry> BasicCommands() {
-    return entries;
+std::span<const CommandEntry> BasicCommands() {
+    return kEntries;
 }
 
 } // namespace modemsim

@@ -7,26 +7,26 @@
 namespace modemsim {
 namespace {
 
-const std::array<SDialRule, 3> builtInRules = {
+const std::array<DialRule, 3> kBuiltInRules = {
     {{"1", EResult::Connect}, {"2", EResult::Busy}, {"3", EResult::NoAnswer}}};
 
-const SDialRule* FindRule(std::span<const SDialRule> rules, const std::string& digits) {
+const DialRule* FindRule(std::span<const DialRule> rules, const std::string& digits) {
     const auto found = std::ranges::find_if(
-        rules, [&](const SDialRule& rule) { return digits.ends_with(rule.ending); });
+        rules, [&](const DialRule& rule) { return digits.ends_with(rule.ending); });
     return found == rules.end() ? nullptr : &*found;
 }
 
 } // namespace
 
-EResult CCall::Outcome(const std::string& number, const SSimulatorProfile& profile) {
+EResult CCall::Outcome(const std::string& number, const SimulatorProfile& profile) {
     // Letters and marks among the digits say how to dial, not whom.
     std::string digits;
     std::ranges::copy_if(number, std::back_inserter(digits), [](char byte) {
         return std::string_view("0123456789*#+").find(byte) != std::string_view::npos;
     });
-    const SDialRule* rule = FindRule(profile.dialRules, digits);
+    const DialRule* rule = FindRule(profile.dialRules, digits);
     if (rule == nullptr)
-        rule = FindRule(builtInRules, digits);
+        rule = FindRule(kBuiltInRules, digits);
     return rule == nullptr ? EResult::NoCarrier : rule->result;
 }
 

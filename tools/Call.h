@@ -16,7 +16,7 @@ class CCall {
 
     // What a number, as it stands after ATD, leads to; the profile's rules come before the
     // built-in.
-    static EResult Outcome(const std::string& number, const SSimulatorProfile& profile);
+    static EResult Outcome(const std::string& number, const SimulatorProfile& profile);
 
     void Dial(EResult outcome, TimeMs until);
     void StartVoice();

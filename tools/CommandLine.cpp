@@ -1,15 +1,13 @@
 #include "tools/CommandLine.h"
 
+#include "common/Ascii.h"
+
 #include <charconv>
 
 namespace modemsim {
 namespace {
 
-constexpr std::size_t parameterLimit = 16;
-
-bool IsDigit(char byte) {
-    return byte >= '0' && byte <= '9';
-}
+constexpr std::size_t kParameterLimit = 16;
 
 bool IsLetter(char byte) {
     return byte >= 'A' && byte <= 'Z';
@@ -63,13 +61,13 @@ std::string CCommandLine::TakeDigits() {
     return m_strLine.substr(start, m_nPlace - start);
 }
 
-std::optional<SCommand> CCommandLine::Fail() {
+std::optional<Command> CCommandLine::Fail() {
     m_bMalformed = true;
     m_nPlace = m_strLine.size();
     return std::nullopt;
 }
 
-std::optional<SCommand> CCommandLine::Next() {
+std::optional<Command> CCommandLine::Next() {
     while (TakeIf(';')) {
     }
     if (m_nPlace == m_strLine.size())
@@ -81,8 +79,8 @@ std::optional<SCommand> CCommandLine::Next() {
     return NextBasic();
 }
 
-std::optional<SCommand> CCommandLine::NextBasic() {
-    SCommand command;
+std::optional<Command> CCommandLine::NextBasic() {
+    Command command;
     if (TakeIf('&'))
         command.name += '&';
     if (!IsLetter(Peek()))
@@ -103,8 +101,8 @@ std::optional<SCommand> CCommandLine::NextBasic() {
     return command;
 }
 
-std::optional<SCommand> CCommandLine::NextRegister() {
-    SCommand command;
+std::optional<Command> CCommandLine::NextRegister() {
+    Command command;
     command.name = m_strLine[m_nPlace++];
     command.parameters.push_back(TakeDigits());
     if (TakeIf('?')) {
@@ -118,8 +116,8 @@ std::optional<SCommand> CCommandLine::NextRegister() {
     return command;
 }
 
-std::optional<SCommand> CCommandLine::NextExtended() {
-    SCommand command;
+std::optional<Command> CCommandLine::NextExtended() {
+    Command command;
     command.name = m_strLine[m_nPlace++];
     while (IsNameByte(Peek()))
         command.name += m_strLine[m_nPlace++];
@@ -141,7 +139,7 @@ std::optional<SCommand> CCommandLine::NextExtended() {
 // closing quote or there are too many.
 bool CCommandLine::TakeParameters(std::vector<std::string>& parameters) {
     do {
-        if (parameters.size() == parameterLimit)
+        if (parameters.size() == kParameterLimit)
             return false;
         const bool quoted = TakeIf('"');
         const std::size_t start = m_nPlace;

@@ -17,7 +17,7 @@ enum class EForm {
     Test = 8     // AT+CREG=?
 };
 
-struct SCommand {
+struct Command {
     std::string name; // upper case; "E", "&F", "S", "+CSQ"
     EForm form = EForm::Execute;
     std::vector<std::string> parameters; // quotes taken off; for "S" the register stands first
@@ -32,15 +32,15 @@ class CCommandLine {
     explicit CCommandLine(std::string_view line);
 
     // The next command; nothing at the end or when what follows is no command (Malformed() then).
-    std::optional<SCommand> Next();
+    std::optional<Command> Next();
 
     bool Malformed() const { return m_bMalformed; }
 
   private:
-    std::optional<SCommand> NextBasic();
-    std::optional<SCommand> NextExtended();
-    std::optional<SCommand> NextRegister();
-    std::optional<SCommand> Fail();
+    std::optional<Command> NextBasic();
+    std::optional<Command> NextExtended();
+    std::optional<Command> NextRegister();
+    std::optional<Command> Fail();
     bool TakeParameters(std::vector<std::string>& parameters);
     std::string TakeDigits();
     bool TakeIf(char byte);

@@ -13,9 +13,9 @@
 
 namespace modemsim {
 
-struct SModem {
-    SSimulatorProfile profile;
-    SModemSettings settings;
+struct Modem {
+    SimulatorProfile profile;
+    ModemSettings settings;
     CMessageStore store;
     CMessageEntry entry;
     CCall call;
@@ -28,36 +28,36 @@ struct SModem {
     std::int64_t CalendarSeconds() const;
 
     // Factory settings, as the profile changes them.
-    SModemSettings FactorySettings() const;
+    ModemSettings FactorySettings() const;
 };
 
 // What the test command AT+SIM lets happen, once its line was answered.
 enum class EHappening { None, Ring, Message, Registration, FarHangUp, Vanish, Silence, Flood };
 
-struct SEvent {
+struct Event {
     EHappening kind = EHappening::None;
     std::string text;
     std::string number;
     int value = 0;
 };
 
-struct SReply {
+struct Reply {
     std::vector<std::string> lines;
     std::uint64_t longLine = 0; // characters of one more line, made up while it is sent
-    SEvent event;
+    Event event;
 };
 
 // A handler's answer. Failures take their number and family from the command's table entry.
-struct SOutcome {
+struct Outcome {
     EResult code = EResult::Ok;
     EFailure failure = EFailure::Unspecified;
 
-    static SOutcome Fail(EFailure failure) { return {EResult::Error, failure}; }
+    static Outcome Fail(EFailure failure) { return {EResult::Error, failure}; }
 };
 
-using CommandHandler = SOutcome (*)(SModem& modem, const SCommand& command, SReply& reply);
+using CommandHandler = Outcome (*)(Modem& modem, const Command& command, Reply& reply);
 
-struct SCommandEntry {
+struct CommandEntry {
     std::string_view name;
     unsigned forms; // of EForm, those the handler takes; the test form is answered by the table
     EErrorKind kind;
@@ -67,34 +67,34 @@ struct SCommandEntry {
 };
 
 // A parameter that is one number within a range.
-struct SNumberEntry {
+struct NumberEntry {
     std::string_view name;
-    int SModemSettings::*value;
+    int ModemSettings::*value;
     int low;
     int high;
     EErrorKind kind;
 };
 
-inline constexpr unsigned executeForm = static_cast<unsigned>(EForm::Execute);
-inline constexpr unsigned readForm = static_cast<unsigned>(EForm::Read);
-inline constexpr unsigned setForm = static_cast<unsigned>(EForm::Set);
+inline constexpr unsigned kExecuteForm = static_cast<unsigned>(EForm::Execute);
+inline constexpr unsigned kReadForm = static_cast<unsigned>(EForm::Read);
+inline constexpr unsigned kSetForm = static_cast<unsigned>(EForm::Set);
 
 // The groups of commands, each in a file of its own.
-std::span<const SCommandEntry> BasicCommands();
-std::span<const SCommandEntry> NetworkCommands();
-std::span<const SCommandEntry> MessageCommands();
-std::span<const SCommandEntry> TestCommands();
+std::span<const CommandEntry> BasicCommands();
+std::span<const CommandEntry> NetworkCommands();
+std::span<const CommandEntry> MessageCommands();
+std::span<const CommandEntry> TestCommands();
 
 // Runs one command; the reply gets what it answers before the result.
-SResult RunCommand(SModem& modem, const SCommand& command, SReply& reply);
+FinalResult RunCommand(Modem& modem, const Command& command, Reply& reply);
 
 // Ends the entry that AT+CMGS began: keeps the message as sent and answers its reference.
-SResult SendEnteredMessage(SModem& modem, SReply& reply);
+FinalResult SendEnteredMessage(Modem& modem, Reply& reply);
 
 // Calendar time as the modem writes it, "24/05/31,12:00:00+00".
 std::string CalendarText(std::int64_t seconds);
 
 // The registration state as +CREG shows it, with area and cell when AT+CREG=2 asked for them.
-std::string RegistrationText(const SModem& modem);
+std::string RegistrationText(const Modem& modem);
 
 } // namespace modemsim

@@ -3,7 +3,7 @@
 namespace modemsim {
 namespace {
 
-constexpr int sequenceLength = 3;
+constexpr int kSequenceLength = 3;
 
 } // namespace
 
@@ -16,7 +16,8 @@ void CEscapeDetector::Take(bool escape, TimeMs guard, TimeMs now) {
     const TimeMs gap = now - m_tLast;
     m_tLast = now;
     const bool begins = m_nCount == 0 && gap >= guard;
-    const bool continues = m_nCount > 0 && m_nCount < sequenceLength && (guard == 0 || gap < guard);
+    const bool continues =
+        m_nCount > 0 && m_nCount < kSequenceLength && (guard == 0 || gap < guard);
     m_nCount = escape && (begins || continues) ? m_nCount + 1 : 0;
 }
 
@@ -28,14 +29,14 @@ std::size_t CEscapeDetector::Feed(std::string_view bytes, char escape, TimeMs gu
     std::size_t taken = 0;
     while (taken < bytes.size()) {
         Take(bytes[taken++] == escape, guard, now);
-        if (guard == 0 && m_nCount == sequenceLength)
+        if (guard == 0 && m_nCount == kSequenceLength)
             break;
     }
     return taken;
 }
 
 std::optional<TimeMs> CEscapeDetector::Deadline(TimeMs guard) const {
-    if (m_nCount < sequenceLength)
+    if (m_nCount < kSequenceLength)
         return std::nullopt;
     return m_tLast + guard;
 }

@@ -6,18 +6,18 @@
 namespace modemsim {
 namespace {
 
-constexpr std::uint8_t escapeSeptet = 0x1B;
+constexpr std::uint8_t kEscapeSeptet = 0x1B;
 
-struct SMapping {
+struct Mapping {
     char character;
     std::uint8_t septet;
 };
 
 // Where the alphabet differs from ASCII; 0x20 to 0x7A is otherwise the same.
-constexpr SMapping moved[] = {{'@', 0x00}, {'$', 0x02}, {'\n', 0x0A}, {'\r', 0x0D}, {'_', 0x11}};
+constexpr Mapping kMoved[] = {{'@', 0x00}, {'$', 0x02}, {'\n', 0x0A}, {'\r', 0x0D}, {'_', 0x11}};
 
 // Reached by the escape septet.
-constexpr SMapping extension[] = {{'^', 0x14}, {'{', 0x28}, {'}', 0x29}, {'\\', 0x2F},
+constexpr Mapping kExtension[] = {{'^', 0x14}, {'{', 0x28}, {'}', 0x29}, {'\\', 0x2F},
                                   {'[', 0x3C}, {'~', 0x3D}, {']', 0x3E}, {'|', 0x40}};
 
 // Places at which the alphabet has a letter that ASCII lacks.
@@ -26,14 +26,14 @@ bool IsForeign(std::uint8_t septet) {
            septet > 0x7A;
 }
 
-template <std::size_t Count> const SMapping* Find(const SMapping (&table)[Count], char character) {
-    const auto* found = std::ranges::find(table, character, &SMapping::character);
+template <std::size_t Count> const Mapping* Find(const Mapping (&table)[Count], char character) {
+    const auto* found = std::ranges::find(table, character, &Mapping::character);
     return found == std::end(table) ? nullptr : found;
 }
 
 template <std::size_t Count>
-char Character(const SMapping (&table)[Count], std::uint8_t septet, char otherwise) {
-    const auto* found = std::ranges::find(table, septet, &SMapping::septet);
+char Character(const Mapping (&table)[Count], std::uint8_t septet, char otherwise) {
+    const auto* found = std::ranges::find(table, septet, &Mapping::septet);
     return found == std::end(table) ? otherwise : found->character;
 }
 
@@ -43,10 +43,10 @@ std::vector<std::uint8_t> ToSeptets(std::string_view text) {
     std::vector<std::uint8_t> septets;
     for (const char character : text) {
         const auto code = static_cast<std::uint8_t>(character);
-        if (const SMapping* entry = Find(moved, character); entry != nullptr) {
+        if (const Mapping* entry = Find(kMoved, character); entry != nullptr) {
             septets.push_back(entry->septet);
-        } else if (const SMapping* extended = Find(extension, character); extended != nullptr) {
-            septets.push_back(escapeSeptet);
+        } else if (const Mapping* extended = Find(kExtension, character); extended != nullptr) {
+            septets.push_back(kEscapeSeptet);
             septets.push_back(extended->septet);
         } else {
             septets.push_back(IsForeign(code) ? std::uint8_t{'?'} : code);
@@ -59,12 +59,12 @@ std::string FromSeptets(const std::vector<std::uint8_t>& septets) {
     std::string text;
     bool escaped = false;
     for (const std::uint8_t septet : septets) {
-        if (!escaped && septet == escapeSeptet) {
+        if (!escaped && septet == kEscapeSeptet) {
             escaped = true;
             continue;
         }
         const char plain = IsForeign(septet) ? '?' : static_cast<char>(septet);
-        text += escaped ? Character(extension, septet, plain) : Character(moved, septet, plain);
+        text += escaped ? Character(kExtension, septet, plain) : Character(kMoved, septet, plain);
         escaped = false;
     }
     return text;

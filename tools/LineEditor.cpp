@@ -3,7 +3,7 @@
 namespace modemsim {
 namespace {
 
-constexpr char deleteKey = 0x7F;
+constexpr char kDeleteKey = 0x7F;
 
 bool IsControl(char byte) {
     return static_cast<unsigned char>(byte) < ' ';
@@ -44,7 +44,7 @@ void CLineEditor::TakeBack(std::string& echo, bool echoOn) {
 
 CLineEditor::EEvent CLineEditor::TakeByte(char byte) {
     if (m_eState == EState::Body) {
-        if (m_strBody.size() < lineLimit)
+        if (m_strBody.size() < kLineLimit)
             m_strBody += byte;
         else
             m_bTooLong = true;
@@ -68,8 +68,7 @@ CLineEditor::EEvent CLineEditor::TakeByte(char byte) {
     return EEvent::None;
 }
 
-CLineEditor::EEvent CLineEditor::Feed(char byte, const SModemSettings& settings,
-                                      std::string& echo) {
+CLineEditor::EEvent CLineEditor::Feed(char byte, const ModemSettings& settings, std::string& echo) {
     const bool echoOn = settings.echo != 0;
     const auto code = static_cast<unsigned char>(byte);
     if (code == settings.registers[3]) {
@@ -77,7 +76,7 @@ CLineEditor::EEvent CLineEditor::Feed(char byte, const SModemSettings& settings,
             echo += byte;
         return FinishLine();
     }
-    if (code == settings.registers[5] || byte == deleteKey) {
+    if (code == settings.registers[5] || byte == kDeleteKey) {
         TakeBack(echo, echoOn);
         return EEvent::None;
     }

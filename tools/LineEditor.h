@@ -19,10 +19,10 @@ class CLineEditor {
         TooLong // a line was longer than lineLimit; it is gone
     };
 
-    static constexpr std::size_t lineLimit = 512;
+    static constexpr std::size_t kLineLimit = 512;
 
     // Takes one byte; appends what is to be echoed.
-    EEvent Feed(char byte, const SModemSettings& settings, std::string& echo);
+    EEvent Feed(char byte, const ModemSettings& settings, std::string& echo);
 
     // The last whole line, without AT and the line's end.
     const std::string& Line() const { return m_strLast; }

@@ -7,10 +7,10 @@
 namespace modemsim {
 namespace {
 
-constexpr EErrorKind message = EErrorKind::Message;
+constexpr EErrorKind kMessage = EErrorKind::Message;
 
 // Octets of a PDU without its service centre, on the way out: header and 140 octets of text.
-constexpr std::uint64_t pduLengthLimit = 164;
+constexpr std::uint64_t kPduLengthLimit = 164;
 
 bool IsNumber(std::string_view text) {
     if (text.starts_with('+'))
@@ -19,24 +19,24 @@ bool IsNumber(std::string_view text) {
            text.find_first_not_of("0123456789*#") == std::string_view::npos;
 }
 
-SOutcome Send(SModem& modem, const SCommand& command, SReply&) {
+Outcome Send(Modem& modem, const Command& command, Reply&) {
     const std::string& first = command.parameters.front();
     if (modem.settings.textMode == 0) {
-        const auto length = ParseNumber(first, pduLengthLimit);
+        const auto length = ParseNumber(first, kPduLengthLimit);
         if (!length || *length == 0 || command.parameters.size() != 1)
-            return SOutcome::Fail(EFailure::BadPdu);
+            return Outcome::Fail(EFailure::BadPdu);
         modem.entry.StartPdu(static_cast<int>(*length));
         return {EResult::Pending};
     }
     // The second parameter, the kind of number, changes nothing here.
     if (!IsNumber(first) || command.parameters.size() > 2)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     modem.entry.StartText(first);
     return {EResult::Pending};
 }
 
 // The part of +CMGL and +CMGR that follows the index, then the text with its lines.
-void ShowMessage(const SModem& modem, const SMessage& entry, std::string head, SReply& reply) {
+void ShowMessage(const Modem& modem, const Message& entry, std::string head, Reply& reply) {
     if (modem.settings.textMode == 0) {
         reply.lines.push_back(head + std::to_string(static_cast<int>(entry.status)) + ",," +
                               std::to_string(entry.pdu.length));
@@ -55,32 +55,32 @@ void ShowMessage(const SModem& modem, const SMessage& entry, std::string head, S
     }
 }
 
-void MarkRead(SMessage& entry) {
+void MarkRead(Message& entry) {
     if (entry.status == EMessageStatus::Unread)
         entry.status = EMessageStatus::Read;
 }
 
 // Which messages AT+CMGL asks for: a word in text mode, a number in PDU mode; new ones by default.
-std::optional<int> WantedStatus(const SModem& modem, const SCommand& command) {
+std::optional<int> WantedStatus(const Modem& modem, const Command& command) {
     if (command.form == EForm::Execute)
         return static_cast<int>(EMessageStatus::Unread);
     if (command.parameters.size() != 1)
         return std::nullopt;
     if (modem.settings.textMode != 0)
         return StatusNamed(command.parameters.front());
-    const auto number = ParseNumber(command.parameters.front(), allMessages);
+    const auto number = ParseNumber(command.parameters.front(), kAllMessages);
     return number ? std::optional(static_cast<int>(*number)) : std::nullopt;
 }
 
-SOutcome List(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome List(Modem& modem, const Command& command, Reply& reply) {
     const std::optional<int> wanted = WantedStatus(modem, command);
     if (!wanted)
-        return SOutcome::Fail(EFailure::BadParameter);
-    for (int index = 1; index <= CMessageStore::capacity; ++index) {
-        SMessage* entry = modem.store.Find(index);
+        return Outcome::Fail(EFailure::BadParameter);
+    for (int index = 1; index <= CMessageStore::kCapacity; ++index) {
+        Message* entry = modem.store.Find(index);
         if (entry == nullptr)
             continue;
-        if (*wanted != allMessages && *wanted != static_cast<int>(entry->status))
+        if (*wanted != kAllMessages && *wanted != static_cast<int>(entry->status))
             continue;
         ShowMessage(modem, *entry, "+CMGL: " + std::to_string(index) + ",", reply);
         MarkRead(*entry);
@@ -88,11 +88,11 @@ SOutcome List(SModem& modem, const SCommand& command, SReply& reply) {
     return {};
 }
 
-SOutcome Read(SModem& modem, const SCommand& command, SReply& reply) {
-    const auto index = ParseNumber(command.parameters.front(), CMessageStore::capacity);
-    SMessage* entry = index ? modem.store.Find(static_cast<int>(*index)) : nullptr;
+Outcome Read(Modem& modem, const Command& command, Reply& reply) {
+    const auto index = ParseNumber(command.parameters.front(), CMessageStore::kCapacity);
+    Message* entry = index ? modem.store.Find(static_cast<int>(*index)) : nullptr;
     if (entry == nullptr || command.parameters.size() != 1)
-        return SOutcome::Fail(EFailure::BadIndex);
+        return Outcome::Fail(EFailure::BadIndex);
     ShowMessage(modem, *entry, "+CMGR: ", reply);
     MarkRead(*entry);
     return {};
@@ -113,27 +113,27 @@ bool IsDeleted(int flag, EMessageStatus status) {
     return flag >= 4;
 }
 
-SOutcome Delete(SModem& modem, const SCommand& command, SReply&) {
+Outcome Delete(Modem& modem, const Command& command, Reply&) {
     const auto& parameters = command.parameters;
-    const auto index = ParseNumber(parameters[0], CMessageStore::capacity);
+    const auto index = ParseNumber(parameters[0], CMessageStore::kCapacity);
     const auto flag = parameters.size() == 2 ? ParseNumber(parameters[1], 4) : std::uint64_t{0};
     if (!index || parameters.size() > 2)
-        return SOutcome::Fail(EFailure::BadIndex);
+        return Outcome::Fail(EFailure::BadIndex);
     if (!flag)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     if (*flag == 0 && !modem.store.Remove(static_cast<int>(*index)))
-        return SOutcome::Fail(EFailure::BadIndex);
-    for (int place = 1; place <= CMessageStore::capacity; ++place) {
-        const SMessage* entry = modem.store.Find(place);
+        return Outcome::Fail(EFailure::BadIndex);
+    for (int place = 1; place <= CMessageStore::kCapacity; ++place) {
+        const Message* entry = modem.store.Find(place);
         if (entry != nullptr && IsDeleted(static_cast<int>(*flag), entry->status))
             modem.store.Remove(place);
     }
     return {};
 }
 
-SOutcome Storage(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Storage(Modem& modem, const Command& command, Reply& reply) {
     const std::string use =
-        std::to_string(modem.store.Count()) + "," + std::to_string(CMessageStore::capacity);
+        std::to_string(modem.store.Count()) + "," + std::to_string(CMessageStore::kCapacity);
     if (command.form == EForm::Read) {
         const std::string one = "\"SM\"," + use;
         reply.lines.push_back("+CPMS: " + one + "," + one + "," + one);
@@ -142,12 +142,12 @@ SOutcome Storage(SModem& modem, const SCommand& command, SReply& reply) {
     const bool known = std::ranges::all_of(command.parameters,
                                            [](const std::string& name) { return name == "SM"; });
     if (!known || command.parameters.size() > 3)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     reply.lines.push_back("+CPMS: " + use + "," + use + "," + use);
     return {};
 }
 
-SOutcome Indications(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Indications(Modem& modem, const Command& command, Reply& reply) {
     auto wanted = modem.settings.indications;
     if (command.form == EForm::Read) {
         std::string line = "+CNMI: ";
@@ -158,49 +158,50 @@ SOutcome Indications(SModem& modem, const SCommand& command, SReply& reply) {
         return {};
     }
     if (command.parameters.size() > wanted.size())
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     for (std::size_t place = 0; place < command.parameters.size(); ++place) {
         const auto value = ParseNumber(command.parameters[place], 3);
         if (!value)
-            return SOutcome::Fail(EFailure::BadParameter);
+            return Outcome::Fail(EFailure::BadParameter);
         wanted[place] = static_cast<int>(*value);
     }
     modem.settings.indications = wanted;
     return {};
 }
 
-SOutcome CharacterSet(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome CharacterSet(Modem& modem, const Command& command, Reply& reply) {
     if (command.form == EForm::Read) {
         reply.lines.push_back("+CSCS: \"" + modem.settings.characterSet + "\"");
         return {};
     }
     const std::string& name = command.parameters.front();
     if ((name != "GSM" && name != "IRA") || command.parameters.size() != 1)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     modem.settings.characterSet = name;
     return {};
 }
 
-SOutcome ServiceCentre(SModem&, const SCommand&, SReply& reply) {
+Outcome ServiceCentre(Modem&, const Command&, Reply& reply) {
     reply.lines.emplace_back("+CSCA: \"+15550000\",145");
     return {};
 }
 
-constexpr SCommandEntry entries[] = {
-    {"+CMGS", setForm, message, true, Send, "-"},
-    {"+CMGL", executeForm | setForm, message, true, List,
+constexpr CommandEntry kEntries[] = {
+    {"+CMGS", kSetForm, kMessage, true, Send, "-"},
+    {"+CMGL", kExecuteForm | kSetForm, kMessage, true, List,
      "(\"REC UNREAD\",\"REC READ\",\"STO UNSENT\",\"STO SENT\",\"ALL\")"},
-    {"+CMGR", setForm, message, true, Read, "-"},
-    {"+CMGD", setForm, message, true, Delete, "(1-50),(0-4)"},
-    {"+CPMS", readForm | setForm, message, true, Storage, "(\"SM\"),(\"SM\"),(\"SM\")"},
-    {"+CNMI", readForm | setForm, message, false, Indications, "(0-3),(0-3),(0-3),(0-3),(0-3)"},
-    {"+CSCA", readForm, message, true, ServiceCentre, "-"},
-    {"+CSCS", readForm | setForm, EErrorKind::Telephone, false, CharacterSet, "(\"GSM\",\"IRA\")"},
+    {"+CMGR", kSetForm, kMessage, true, Read, "-"},
+    {"+CMGD", kSetForm, kMessage, true, Delete, "(1-50),(0-4)"},
+    {"+CPMS", kReadForm | kSetForm, kMessage, true, Storage, "(\"SM\"),(\"SM\"),(\"SM\")"},
+    {"+CNMI", kReadForm | kSetForm, kMessage, false, Indications, "(0-3),(0-3),(0-3),(0-3),(0-3)"},
+    {"+CSCA", kReadForm, kMessage, true, ServiceCentre, "-"},
+    {"+CSCS", kReadForm | kSetForm, EErrorKind::Telephone, false, CharacterSet,
+     "(\"GSM\",\"IRA\")"},
 };
 
 // The message as it was entered; nothing when it is none.
-std::optional<SMessage> EnteredMessage(const CMessageEntry& entry) {
-    SMessage sent;
+std::optional<Message> EnteredMessage(const CMessageEntry& entry) {
+    Message sent;
     sent.status = EMessageStatus::Sent;
     if (!entry.IsPdu()) {
         sent.number = entry.Number();
@@ -219,13 +220,13 @@ std::optional<SMessage> EnteredMessage(const CMessageEntry& entry) {
 
 } // namespace
 
-SResult SendEnteredMessage(SModem& modem, SReply& reply) {
+FinalResult SendEnteredMessage(Modem& modem, Reply& reply) {
     const CMessageEntry& entry = modem.entry;
     if (entry.TooLong())
-        return {EResult::Error, EFailure::TooLong, message};
-    std::optional<SMessage> sent = EnteredMessage(entry);
+        return {EResult::Error, EFailure::TooLong, kMessage};
+    std::optional<Message> sent = EnteredMessage(entry);
     if (!sent)
-        return {EResult::Error, EFailure::BadPdu, message};
+        return {EResult::Error, EFailure::BadPdu, kMessage};
     // A message that finds no place was sent all the same.
     modem.store.Add(std::move(*sent));
     modem.messageReference = modem.messageReference % 255 + 1;
@@ -233,8 +234,8 @@ SResult SendEnteredMessage(SModem& modem, SReply& reply) {
     return {};
 }
 
-std::span<const SCommandEntry> MessageCommands() {
-    return entries;
+std::span<const CommandEntry> MessageCommands() {
+    return kEntries;
 }
 
 } // namespace modemsim

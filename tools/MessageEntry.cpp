@@ -7,12 +7,12 @@
 namespace modemsim {
 namespace {
 
-constexpr char sendKey = 0x1A;   // Ctrl+Z
-constexpr char cancelKey = 0x1B; // ESC
-constexpr char deleteKey = 0x7F;
+constexpr char kSendKey = 0x1A;   // Ctrl+Z
+constexpr char kCancelKey = 0x1B; // ESC
+constexpr char kDeleteKey = 0x7F;
 
 // Two digits for each octet of the longest PDU (164 on the way out) and of its service centre (12).
-constexpr std::size_t pduDigitLimit = std::size_t{2} * (164 + 12);
+constexpr std::size_t kPduDigitLimit = std::size_t{2} * (164 + 12);
 
 } // namespace
 
@@ -34,21 +34,21 @@ void CMessageEntry::StartPdu(int length) {
 }
 
 void CMessageEntry::TakeByte(char byte) {
-    if (m_strText.size() < (m_bPdu ? pduDigitLimit : messageTextLimit))
+    if (m_strText.size() < (m_bPdu ? kPduDigitLimit : kMessageTextLimit))
         m_strText += byte;
     else
         m_bTooLong = true;
 }
 
-CMessageEntry::EEvent CMessageEntry::Feed(char byte, const SModemSettings& settings,
+CMessageEntry::EEvent CMessageEntry::Feed(char byte, const ModemSettings& settings,
                                           std::string& echo) {
     const bool echoOn = settings.echo != 0;
     const auto code = static_cast<unsigned char>(byte);
-    if (byte == sendKey || byte == cancelKey) {
+    if (byte == kSendKey || byte == kCancelKey) {
         m_bActive = false;
-        return byte == sendKey ? EEvent::Done : EEvent::Cancelled;
+        return byte == kSendKey ? EEvent::Done : EEvent::Cancelled;
     }
-    if (code == settings.registers[5] || byte == deleteKey) {
+    if (code == settings.registers[5] || byte == kDeleteKey) {
         if (m_strText.empty() || m_bTooLong)
             return EEvent::None;
         m_strText.pop_back();

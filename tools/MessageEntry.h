@@ -20,7 +20,7 @@ class CMessageEntry {
 
     // Takes one byte while active; appends what is to be echoed. Done and Cancelled end the entry;
     // what was entered can still be asked for.
-    EEvent Feed(char byte, const SModemSettings& settings, std::string& echo);
+    EEvent Feed(char byte, const ModemSettings& settings, std::string& echo);
 
     void Stop() { m_bActive = false; }
 

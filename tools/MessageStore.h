@@ -12,25 +12,25 @@ namespace modemsim {
 
 // The values are those that PDU mode shows.
 enum class EMessageStatus { Unread = 0, Read = 1, Unsent = 2, Sent = 3 };
-inline constexpr int allMessages = 4;
+inline constexpr int kAllMessages = 4;
 
-struct SMessage {
+struct Message {
     EMessageStatus status = EMessageStatus::Unread;
     std::string number;
     std::string text;
     std::string time; // as +CMGL shows it; empty for one on its way out
-    SPdu pdu;
+    Pdu pdu;
 };
 
 class CMessageStore {
   public:
-    static constexpr int capacity = 50;
+    static constexpr int kCapacity = 50;
 
     // Puts a message into the first empty place; returns its index, nothing when all are taken.
-    std::optional<int> Add(SMessage message);
+    std::optional<int> Add(Message message);
 
     // The message at an index from 1; null when there is none. Valid until it is removed.
-    SMessage* Find(int index);
+    Message* Find(int index);
 
     // True also when the place was empty already; false for an index that does not exist.
     bool Remove(int index);
@@ -38,7 +38,7 @@ class CMessageStore {
     int Count() const;
 
   private:
-    std::array<std::optional<SMessage>, capacity> m_Places;
+    std::array<std::optional<Message>, kCapacity> m_Places;
 };
 
 // "REC UNREAD" and so on; "ALL" for allMessages.

@@ -6,15 +6,15 @@ namespace modemsim {
 namespace {
 
 // With more than this waiting the modem takes no more input, like one whose line is held.
-constexpr std::uint64_t queueLimit = 65536;
+constexpr std::uint64_t kQueueLimit = 65536;
 
 // From the last byte to the hang-up. A hang-up throws away what the opener has not read yet, so it
 // gets a moment to read the bytes that were meant to arrive.
-constexpr TimeMs vanishLinger = 100;
+constexpr TimeMs kVanishLinger = 100;
 
 } // namespace
 
-CModemOutput::CModemOutput(const SFaults& faults)
+CModemOutput::CModemOutput(const Faults& faults)
     : m_Faults(faults), m_Random(faults.seed), m_bSilent(faults.silent || faults.silentAfter == 0) {
 }
 
@@ -34,11 +34,11 @@ void CModemOutput::BeginAnswer(TimeMs now) {
 }
 
 void CModemOutput::Information(const std::vector<std::string>& lines,
-                               const SModemSettings& settings) {
+                               const ModemSettings& settings) {
     Raw(FormatInformation(lines, settings));
 }
 
-void CModemOutput::LongLine(std::uint64_t count, const SModemSettings& settings) {
+void CModemOutput::LongLine(std::uint64_t count, const ModemSettings& settings) {
     if (count == 0 || m_bSilent)
         return;
     m_Queue.Append(LineStart(settings));
@@ -46,7 +46,7 @@ void CModemOutput::LongLine(std::uint64_t count, const SModemSettings& settings)
     m_Queue.Append(LineEnd(settings));
 }
 
-void CModemOutput::Result(const SResult& result, const SModemSettings& settings) {
+void CModemOutput::Result(const FinalResult& result, const ModemSettings& settings) {
     if (result.code != EResult::Pending)
         LongLine(m_Faults.longLine, settings);
     Raw(FormatResult(result, settings));
@@ -61,7 +61,7 @@ void CModemOutput::Vanish(TimeMs now) {
     m_bFlood = false;
     m_Faults.vanishAfter = m_nSent + m_Queue.Size();
     if (m_Queue.Size() == 0)
-        m_tVanish = now + vanishLinger;
+        m_tVanish = now + kVanishLinger;
 }
 
 std::string_view CModemOutput::Ready(TimeMs now) const {
@@ -85,7 +85,7 @@ void CModemOutput::Consume(std::size_t count, TimeMs now) {
         m_Queue.Consume(count);
     m_nSent += count;
     if (m_Faults.vanishAfter && m_nSent >= *m_Faults.vanishAfter && !Vanishing())
-        m_tVanish = now + vanishLinger;
+        m_tVanish = now + kVanishLinger;
 }
 
 void CModemOutput::Discard() {
@@ -93,7 +93,7 @@ void CModemOutput::Discard() {
 }
 
 bool CModemOutput::Full() const {
-    return m_Queue.Size() > queueLimit;
+    return m_Queue.Size() > kQueueLimit;
 }
 
 bool CModemOutput::HasRoom(TimeMs now) const {

@@ -13,16 +13,16 @@ namespace modemsim {
 
 class CModemOutput {
   public:
-    explicit CModemOutput(const SFaults& faults);
+    explicit CModemOutput(const Faults& faults);
 
     // Bytes as they are: echo, data of a call.
     void Raw(std::string_view bytes);
 
     // An answer begins: whatever comes before an answer comes now.
     void BeginAnswer(TimeMs now);
-    void Information(const std::vector<std::string>& lines, const SModemSettings& settings);
-    void LongLine(std::uint64_t count, const SModemSettings& settings);
-    void Result(const SResult& result, const SModemSettings& settings);
+    void Information(const std::vector<std::string>& lines, const ModemSettings& settings);
+    void LongLine(std::uint64_t count, const ModemSettings& settings);
+    void Result(const FinalResult& result, const ModemSettings& settings);
 
     // From here on nothing more is queued; what is queued already is still sent.
     void Silence() { m_bSilent = true; }
@@ -55,7 +55,7 @@ class CModemOutput {
     std::optional<TimeMs> Deadline(TimeMs now) const;
 
   private:
-    SFaults m_Faults;
+    Faults m_Faults;
     CAnswerQueue m_Queue;
     std::minstd_rand m_Random;
     std::uint64_t m_nSent = 0;

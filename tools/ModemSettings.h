@@ -9,9 +9,9 @@
 namespace modemsim {
 
 // S0 to S31; those without a factory value in V.250 and its predecessors start at 0.
-inline constexpr std::size_t registerCount = 32;
+inline constexpr std::size_t kRegisterCount = 32;
 
-struct SModemSettings {
+struct ModemSettings {
     int echo = 1;
     int verbose = 1;
     int quiet = 0;
@@ -31,8 +31,8 @@ struct SModemSettings {
     std::array<int, 5> indications = {2, 1, 0, 0, 0}; // AT+CNMI
     std::string characterSet = "GSM";                 // AT+CSCS
 
-    std::array<std::uint8_t, registerCount> registers = {0,  0, '+', '\r', '\n', '\b', 2,
-                                                         50, 2, 6,   14,   95,   50};
+    std::array<std::uint8_t, kRegisterCount> registers = {0,  0, '+', '\r', '\n', '\b', 2,
+                                                          50, 2, 6,   14,   95,   50};
 
     // The escape guard time; S12 counts fiftieths of a second.
     int GuardMilliseconds() const { return registers[12] * 20; }

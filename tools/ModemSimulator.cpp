@@ -7,14 +7,14 @@ namespace modemsim {
 namespace {
 
 // Input is looked at in pieces of this size, so that a full output queue is noticed in time.
-constexpr std::size_t inputPiece = 4096;
+constexpr std::size_t kInputPiece = 4096;
 
-constexpr std::string_view farNumber = "+15550100";
-constexpr std::string_view prompt = "\r\n> ";
+constexpr std::string_view kFarNumber = "+15550100";
+constexpr std::string_view kPrompt = "\r\n> ";
 
 } // namespace
 
-CModemSimulator::CModemSimulator(SSimulatorProfile profile)
+CModemSimulator::CModemSimulator(SimulatorProfile profile)
     : m_Output(profile.faults), m_RingTimer(profile.ringPeriod),
       m_MessageTimer(profile.messagePeriod), m_RegistrationTimer(profile.registrationPeriod),
       m_nRingsLeft(profile.ringCount) {
@@ -63,7 +63,7 @@ std::size_t CModemSimulator::Input(std::string_view bytes, TimeMs now) {
     Advance(now);
     std::size_t taken = 0;
     while (taken < bytes.size() && AcceptsInput(m_Modem.now))
-        taken += Take(bytes.substr(taken, inputPiece));
+        taken += Take(bytes.substr(taken, kInputPiece));
     return taken;
 }
 
@@ -99,13 +99,13 @@ std::size_t CModemSimulator::TakeCommands(std::string_view bytes) {
 void CModemSimulator::ExecuteLine() {
     m_Output.BeginAnswer(m_Modem.now);
     CCommandLine line(m_Editor.Line());
-    SResult result;
-    SEvent happening;
+    FinalResult result;
+    Event happening;
     while (result.code == EResult::Ok) {
-        const std::optional<SCommand> command = line.Next();
+        const std::optional<Command> command = line.Next();
         if (!command)
             break;
-        SReply reply;
+        Reply reply;
         result = RunCommand(m_Modem, *command, reply);
         m_Output.Information(reply.lines, m_Modem.settings);
         m_Output.LongLine(reply.longLine, m_Modem.settings);
@@ -117,10 +117,10 @@ void CModemSimulator::ExecuteLine() {
     FinishLine(result, happening);
 }
 
-void CModemSimulator::FinishLine(const SResult& result, const SEvent& event) {
+void CModemSimulator::FinishLine(const FinalResult& result, const Event& event) {
     m_Output.Result(result, m_Modem.settings);
     if (m_Modem.entry.Active())
-        m_Output.Raw(prompt);
+        m_Output.Raw(kPrompt);
     const auto& silentAfter = m_Modem.profile.faults.silentAfter;
     if (silentAfter && ++m_nLines >= *silentAfter)
         m_Output.Silence();
@@ -145,13 +145,13 @@ std::size_t CModemSimulator::TakeMessage(std::string_view bytes) {
 
 void CModemSimulator::FinishMessage(CMessageEntry::EEvent event) {
     if (event == CMessageEntry::EEvent::NewLine)
-        m_Output.Raw(prompt);
+        m_Output.Raw(kPrompt);
     if (event == CMessageEntry::EEvent::Cancelled)
         Answer(EResult::Ok);
     if (event != CMessageEntry::EEvent::Done)
         return;
-    SReply reply;
-    const SResult result = SendEnteredMessage(m_Modem, reply);
+    Reply reply;
+    const FinalResult result = SendEnteredMessage(m_Modem, reply);
     m_Output.BeginAnswer(m_Modem.now);
     m_Output.Information(reply.lines, m_Modem.settings);
     m_Output.Result(result, m_Modem.settings);
@@ -217,7 +217,7 @@ void CModemSimulator::Escape() {
     Answer(EResult::Ok);
 }
 
-void CModemSimulator::LetHappen(const SEvent& event) {
+void CModemSimulator::LetHappen(const Event& event) {
     switch (event.kind) {
     case EHappening::None:
         break;
@@ -263,7 +263,7 @@ bool CModemSimulator::Ring() {
         return false;
     m_Output.Raw(FormatResult({EResult::Ring}, m_Modem.settings));
     if (m_Modem.settings.callerTold != 0)
-        m_Output.Information({"+CLIP: \"" + std::string(farNumber) + "\",145"}, m_Modem.settings);
+        m_Output.Information({"+CLIP: \"" + std::string(kFarNumber) + "\",145"}, m_Modem.settings);
     const int answerAfter = m_Modem.settings.registers[0];
     if (answerAfter > 0 && m_Modem.call.Rings() >= answerAfter) {
         m_Modem.call.Connect(m_Modem.profile.hangUpAfter, m_Modem.now);
@@ -302,9 +302,9 @@ std::optional<int> CModemSimulator::Store(const std::string& text, std::string n
     if (!m_Modem.profile.sim)
         return std::nullopt;
     const std::int64_t seconds = m_Modem.CalendarSeconds();
-    SMessage message;
-    message.number = number.empty() ? std::string(farNumber) : std::move(number);
-    message.text = text.empty() ? "Simulated message" : text.substr(0, messageTextLimit);
+    Message message;
+    message.number = number.empty() ? std::string(kFarNumber) : std::move(number);
+    message.text = text.empty() ? "Simulated message" : text.substr(0, kMessageTextLimit);
     message.time = CalendarText(seconds);
     message.pdu = EncodeDeliver(message.number, message.text, seconds);
     return m_Modem.store.Add(std::move(message));

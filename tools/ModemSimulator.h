@@ -15,7 +15,7 @@ namespace modemsim {
 
 class CModemSimulator {
   public:
-    explicit CModemSimulator(SSimulatorProfile profile);
+    explicit CModemSimulator(SimulatorProfile profile);
 
     // The device was opened or closed. What happens by itself happens only while it is open;
     // closing drops what was not sent or entered to its end, and acts as AT&D says.
@@ -55,7 +55,7 @@ class CModemSimulator {
     std::size_t TakeWhileDialling(std::string_view bytes);
 
     void ExecuteLine();
-    void FinishLine(const SResult& result, const SEvent& event);
+    void FinishLine(const FinalResult& result, const Event& event);
     void FinishMessage(CMessageEntry::EEvent event);
     void Answer(EResult code);
 
@@ -64,7 +64,7 @@ class CModemSimulator {
     bool EscapeEnabled() const { return m_Modem.settings.registers[2] < 128; }
     void DropDtr();
 
-    void LetHappen(const SEvent& event);
+    void LetHappen(const Event& event);
     void RingByTimer();
     bool Ring();
     void Receive(const std::string& text, std::string number);
@@ -74,7 +74,7 @@ class CModemSimulator {
     void EndFarCall();
     bool MayInterrupt() const;
 
-    SModem m_Modem;
+    Modem m_Modem;
     CModemOutput m_Output;
     CLineEditor m_Editor;
     CPeriodicTimer m_RingTimer;

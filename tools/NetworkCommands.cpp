@@ -8,54 +8,54 @@
 namespace modemsim {
 namespace {
 
-constexpr EErrorKind telephone = EErrorKind::Telephone;
+constexpr EErrorKind kTelephone = EErrorKind::Telephone;
 
 // The numbers belong to ranges set aside for tests: no device or subscriber has them.
-struct SIdentityLine {
+struct IdentityLine {
     std::string_view name; // after AT+C or AT+
     std::string_view text;
 };
-constexpr SIdentityLine identityLines[] = {
+constexpr IdentityLine kIdentityLines[] = {
     {"GMI", "Wirelet"},
     {"GMM", "Simulated GSM modem"},
     {"GSN", "001010123456782"},
     {"IMI", "001010123456789"},
 };
 
-SOutcome Identity(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Identity(Modem& modem, const Command& command, Reply& reply) {
     const std::string_view name = std::string_view(command.name).substr(command.name.size() - 3);
-    const auto* line = std::ranges::find(identityLines, name, &SIdentityLine::name);
-    if (line == std::end(identityLines))
+    const auto* line = std::ranges::find(kIdentityLines, name, &IdentityLine::name);
+    if (line == std::end(kIdentityLines))
         reply.lines.push_back("Revision: " + modem.profile.version);
     else
         reply.lines.emplace_back(line->text);
     return {};
 }
 
-SOutcome Capabilities(SModem&, const SCommand&, SReply& reply) {
+Outcome Capabilities(Modem&, const Command&, Reply& reply) {
     reply.lines.emplace_back("+GCAP: +CGSM");
     return {};
 }
 
-SOutcome Signal(SModem& modem, const SCommand&, SReply& reply) {
+Outcome Signal(Modem& modem, const Command&, Reply& reply) {
     reply.lines.emplace_back(modem.registration == 1 ? "+CSQ: 18,99" : "+CSQ: 99,99");
     return {};
 }
 
-SOutcome Pin(SModem&, const SCommand& command, SReply& reply) {
+Outcome Pin(Modem&, const Command& command, Reply& reply) {
     // The SIM is open already; there is no code to take.
     if (command.form == EForm::Set)
-        return SOutcome::Fail(EFailure::NotAllowed);
+        return Outcome::Fail(EFailure::NotAllowed);
     reply.lines.emplace_back("+CPIN: READY");
     return {};
 }
 
-SOutcome Registration(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Registration(Modem& modem, const Command& command, Reply& reply) {
     int& told = modem.settings.registrationTold;
     if (command.form == EForm::Set) {
         const auto number = ParseNumber(command.parameters.front(), 2);
         if (!number || command.parameters.size() != 1)
-            return SOutcome::Fail(EFailure::BadParameter);
+            return Outcome::Fail(EFailure::BadParameter);
         told = static_cast<int>(*number);
         return {};
     }
@@ -63,10 +63,10 @@ SOutcome Registration(SModem& modem, const SCommand& command, SReply& reply) {
     return {};
 }
 
-SOutcome Operator(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Operator(Modem& modem, const Command& command, Reply& reply) {
     if (command.form == EForm::Set) {
         const auto mode = ParseNumber(command.parameters.front(), 0);
-        return mode ? SOutcome{} : SOutcome::Fail(EFailure::BadParameter);
+        return mode ? Outcome{} : Outcome::Fail(EFailure::BadParameter);
     }
     const bool registered = modem.profile.sim && modem.registration == 1;
     reply.lines.emplace_back(registered ? "+COPS: 0,0,\"Simulated Network\"" : "+COPS: 0");
@@ -75,8 +75,8 @@ SOutcome Operator(SModem& modem, const SCommand& command, SReply& reply) {
 
 // "yy/MM/dd,hh:mm:ss" with the zone in quarters of an hour after it.
 std::optional<std::int64_t> ParseCalendar(std::string_view text) {
-    constexpr std::string_view shape = "00/00/00,00:00:00";
-    if (text.size() != shape.size() + 3)
+    constexpr std::string_view kShape = "00/00/00,00:00:00";
+    if (text.size() != kShape.size() + 3)
         return std::nullopt;
     std::array<unsigned, 7> fields{};
     for (std::size_t field = 0; field < fields.size(); ++field) {
@@ -84,10 +84,10 @@ std::optional<std::int64_t> ParseCalendar(std::string_view text) {
         if (!number)
             return std::nullopt;
         fields[field] = static_cast<unsigned>(*number);
-        if (field < 5 && text[field * 3 + 2] != shape[field * 3 + 2])
+        if (field < 5 && text[field * 3 + 2] != kShape[field * 3 + 2])
             return std::nullopt;
     }
-    const char sign = text[shape.size()];
+    const char sign = text[kShape.size()];
     using namespace std::chrono;
     const year_month_day date{year{2000 + static_cast<int>(fields[0])}, month{fields[1]},
                               day{fields[2]}};
@@ -101,56 +101,56 @@ std::optional<std::int64_t> ParseCalendar(std::string_view text) {
     return moment.time_since_epoch() / seconds{1};
 }
 
-SOutcome Clock(SModem& modem, const SCommand& command, SReply& reply) {
+Outcome Clock(Modem& modem, const Command& command, Reply& reply) {
     if (command.form == EForm::Read) {
         reply.lines.push_back("+CCLK: \"" + CalendarText(modem.CalendarSeconds()) + "\"");
         return {};
     }
     const auto moment = ParseCalendar(command.parameters.front());
     if (!moment || command.parameters.size() != 1)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     modem.clockOffset += *moment - modem.CalendarSeconds();
     return {};
 }
 
-SOutcome Calls(SModem& modem, const SCommand&, SReply& reply) {
+Outcome Calls(Modem& modem, const Command&, Reply& reply) {
     // Direction, state and kind as +CLCC numbers them.
-    struct SShown {
+    struct Shown {
         ECallState state;
         std::string_view line;
     };
-    constexpr SShown shown[] = {
+    constexpr Shown kShown[] = {
         {ECallState::Ringing, "+CLCC: 1,1,4,1,0"},
         {ECallState::Voice, "+CLCC: 1,0,0,0,0"},
         {ECallState::Escaped, "+CLCC: 1,0,0,1,0"},
     };
-    const auto* found = std::ranges::find(shown, modem.call.State(), &SShown::state);
-    if (found != std::end(shown))
+    const auto* found = std::ranges::find(kShown, modem.call.State(), &Shown::state);
+    if (found != std::end(kShown))
         reply.lines.emplace_back(found->line);
     return {};
 }
 
-constexpr std::string_view operatorList =
+constexpr std::string_view kOperatorList =
     "(2,\"Simulated Network\",\"SimNet\",\"00101\"),(1,\"Other Network\",\"Other\",\"00102\"),,"
     "(0),(0)";
 
-constexpr SCommandEntry entries[] = {
-    {"+GMI", executeForm, telephone, false, Identity, "-"},
-    {"+GMM", executeForm, telephone, false, Identity, "-"},
-    {"+GMR", executeForm, telephone, false, Identity, "-"},
-    {"+GSN", executeForm, telephone, false, Identity, "-"},
-    {"+GCAP", executeForm, telephone, false, Capabilities, "-"},
-    {"+CGMI", executeForm, telephone, false, Identity, "-"},
-    {"+CGMM", executeForm, telephone, false, Identity, "-"},
-    {"+CGMR", executeForm, telephone, false, Identity, "-"},
-    {"+CGSN", executeForm, telephone, false, Identity, "-"},
-    {"+CIMI", executeForm, telephone, true, Identity, "-"},
-    {"+CSQ", executeForm, telephone, false, Signal, "(0-31,99),(99)"},
-    {"+CPIN", readForm | setForm, telephone, true, Pin, "-"},
-    {"+CREG", readForm | setForm, telephone, false, Registration, "(0-2)"},
-    {"+COPS", readForm | setForm, telephone, false, Operator, operatorList},
-    {"+CCLK", readForm | setForm, telephone, false, Clock, "-"},
-    {"+CLCC", executeForm, telephone, false, Calls, "-"},
+constexpr CommandEntry kEntries[] = {
+    {"+GMI", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+GMM", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+GMR", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+GSN", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+GCAP", kExecuteForm, kTelephone, false, Capabilities, "-"},
+    {"+CGMI", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+CGMM", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+CGMR", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+CGSN", kExecuteForm, kTelephone, false, Identity, "-"},
+    {"+CIMI", kExecuteForm, kTelephone, true, Identity, "-"},
+    {"+CSQ", kExecuteForm, kTelephone, false, Signal, "(0-31,99),(99)"},
+    {"+CPIN", kReadForm | kSetForm, kTelephone, true, Pin, "-"},
+    {"+CREG", kReadForm | kSetForm, kTelephone, false, Registration, "(0-2)"},
+    {"+COPS", kReadForm | kSetForm, kTelephone, false, Operator, kOperatorList},
+    {"+CCLK", kReadForm | kSetForm, kTelephone, false, Clock, "-"},
+    {"+CLCC", kExecuteForm, kTelephone, false, Calls, "-"},
 };
 
 } // namespace
@@ -170,7 +170,7 @@ std::string CalendarText(std::int64_t seconds) {
            two(time.minutes().count()) + ":" + two(time.seconds().count()) + "+00";
 }
 
-std::string RegistrationText(const SModem& modem) {
+std::string RegistrationText(const Modem& modem) {
     // Without a SIM there is no network; area and cell are invented.
     const int state = modem.profile.sim ? modem.registration : 0;
     std::string text = std::to_string(state);
@@ -179,8 +179,8 @@ std::string RegistrationText(const SModem& modem) {
     return text;
 }
 
-std::span<const SCommandEntry> NetworkCommands() {
-    return entries;
+std::span<const CommandEntry> NetworkCommands() {
+    return kEntries;
 }
 
 } // namespace modemsim

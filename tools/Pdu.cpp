@@ -12,22 +12,22 @@ namespace {
 using Octets = std::vector<std::uint8_t>;
 
 // Fields of the first octets; the names are those of 3GPP 23.040 without their prefixes.
-constexpr std::uint8_t deliverNoMore = 0x04;
-constexpr std::uint8_t submitKind = 0x01;
-constexpr std::uint8_t kindMask = 0x03;
-constexpr std::uint8_t headerFlag = 0x40;
-constexpr std::uint8_t nationalNumber = 0x81;
-constexpr std::uint8_t internationalNumber = 0x91;
-constexpr std::size_t numberDigitLimit = 20;
+constexpr std::uint8_t kDeliverNoMore = 0x04;
+constexpr std::uint8_t kSubmitKind = 0x01;
+constexpr std::uint8_t kKindMask = 0x03;
+constexpr std::uint8_t kHeaderFlag = 0x40;
+constexpr std::uint8_t kNationalNumber = 0x81;
+constexpr std::uint8_t kInternationalNumber = 0x91;
+constexpr std::size_t kNumberDigitLimit = 20;
 
-constexpr std::string_view hexDigits = "0123456789ABCDEF";
-constexpr std::string_view numberDigits = "0123456789*#abc"; // by semi-octet; 15 fills up
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+constexpr std::string_view kNumberDigits = "0123456789*#abc"; // by semi-octet; 15 fills up
 
 std::string ToHex(const Octets& octets) {
     std::string hex;
     for (const std::uint8_t octet : octets) {
-        hex += hexDigits[octet >> 4];
-        hex += hexDigits[octet & 0x0F];
+        hex += kHexDigits[octet >> 4];
+        hex += kHexDigits[octet & 0x0F];
     }
     return hex;
 }
@@ -40,7 +40,8 @@ std::optional<Octets> FromHex(std::string_view hex) {
         unsigned octet = 0;
         for (const char digit : hex.substr(place, 2)) {
             const bool lower = digit >= 'a' && digit <= 'f';
-            const std::size_t value = hexDigits.find(lower ? static_cast<char>(digit - 32) : digit);
+            const std::size_t value =
+                kHexDigits.find(lower ? static_cast<char>(digit - 32) : digit);
             if (value == std::string_view::npos)
                 return std::nullopt;
             octet = octet << 4 | static_cast<unsigned>(value);
@@ -52,13 +53,13 @@ std::optional<Octets> FromHex(std::string_view hex) {
 
 void AddNumber(Octets& octets, std::string_view number) {
     const bool international = number.starts_with('+');
-    const std::string_view digits = number.substr(international ? 1 : 0, numberDigitLimit);
+    const std::string_view digits = number.substr(international ? 1 : 0, kNumberDigitLimit);
     octets.push_back(static_cast<std::uint8_t>(digits.size()));
-    octets.push_back(international ? internationalNumber : nationalNumber);
+    octets.push_back(international ? kInternationalNumber : kNationalNumber);
     for (std::size_t place = 0; place < digits.size(); place += 2) {
-        const std::size_t low = numberDigits.find(digits[place]) & 0x0F;
+        const std::size_t low = kNumberDigits.find(digits[place]) & 0x0F;
         const std::size_t high =
-            place + 1 < digits.size() ? numberDigits.find(digits[place + 1]) & 0x0F : 0x0F;
+            place + 1 < digits.size() ? kNumberDigits.find(digits[place + 1]) & 0x0F : 0x0F;
         octets.push_back(static_cast<std::uint8_t>(high << 4 | low));
     }
 }
@@ -82,14 +83,14 @@ void AddTime(Octets& octets, std::int64_t seconds) {
 }
 
 void AddText(Octets& octets, std::string_view text) {
-    std::vector<std::uint8_t> septets = ToSeptets(text.substr(0, messageTextLimit));
-    septets.resize(std::min(septets.size(), messageTextLimit));
+    std::vector<std::uint8_t> septets = ToSeptets(text.substr(0, kMessageTextLimit));
+    septets.resize(std::min(septets.size(), kMessageTextLimit));
     octets.push_back(static_cast<std::uint8_t>(septets.size()));
     const Octets packed = PackSeptets(septets);
     octets.insert(octets.end(), packed.begin(), packed.end());
 }
 
-SPdu Finish(const Octets& octets) {
+Pdu Finish(const Octets& octets) {
     return {ToHex(octets), static_cast<int>(octets.size()) - 1};
 }
 
@@ -119,18 +120,18 @@ class CReader {
 
 std::string TakeNumber(CReader& reader) {
     const std::size_t count = reader.Take();
-    std::string number = reader.Take() == internationalNumber ? "+" : "";
+    std::string number = reader.Take() == kInternationalNumber ? "+" : "";
     for (const std::uint8_t pair : reader.Take((count + 1) / 2))
         for (const int semi : {pair & 0x0F, pair >> 4})
             if (semi < 0x0F)
-                number += numberDigits[static_cast<std::size_t>(semi)];
+                number += kNumberDigits[static_cast<std::size_t>(semi)];
     return number;
 }
 
 // Octets of the validity period, by its format bits.
 std::size_t ValidityLength(std::uint8_t first) {
-    constexpr std::size_t lengths[] = {0, 7, 1, 7};
-    return lengths[(first >> 3) & 0x03];
+    constexpr std::size_t kLengths[] = {0, 7, 1, 7};
+    return kLengths[(first >> 3) & 0x03];
 }
 
 std::string TakeText(CReader& reader, std::uint8_t coding, bool headed) {
@@ -144,8 +145,8 @@ std::string TakeText(CReader& reader, std::uint8_t coding, bool headed) {
 
 } // namespace
 
-SPdu EncodeDeliver(std::string_view number, std::string_view text, std::int64_t seconds) {
-    Octets octets = {0, deliverNoMore};
+Pdu EncodeDeliver(std::string_view number, std::string_view text, std::int64_t seconds) {
+    Octets octets = {0, kDeliverNoMore};
     AddNumber(octets, number);
     octets.insert(octets.end(), {0, 0}); // protocol, coding: plain text in the 7-bit alphabet
     AddTime(octets, seconds);
@@ -153,21 +154,21 @@ SPdu EncodeDeliver(std::string_view number, std::string_view text, std::int64_t 
     return Finish(octets);
 }
 
-SPdu EncodeSubmit(std::string_view number, std::string_view text) {
-    Octets octets = {0, submitKind, 0};
+Pdu EncodeSubmit(std::string_view number, std::string_view text) {
+    Octets octets = {0, kSubmitKind, 0};
     AddNumber(octets, number);
     octets.insert(octets.end(), {0, 0});
     AddText(octets, text);
     return Finish(octets);
 }
 
-std::optional<SDecodedPdu> DecodeSubmit(std::string_view hex) {
+std::optional<DecodedPdu> DecodeSubmit(std::string_view hex) {
     const std::optional<Octets> octets = FromHex(hex);
     if (!octets)
         return std::nullopt;
     CReader reader(*octets);
     reader.Take(reader.Take()); // the service centre
-    SDecodedPdu pdu;
+    DecodedPdu pdu;
     pdu.length = static_cast<int>(reader.Left());
     const std::uint8_t first = reader.Take();
     reader.Take(); // the reference
@@ -175,8 +176,8 @@ std::optional<SDecodedPdu> DecodeSubmit(std::string_view hex) {
     reader.Take(); // the protocol
     const std::uint8_t coding = reader.Take();
     reader.Take(ValidityLength(first));
-    pdu.text = TakeText(reader, coding, (first & headerFlag) != 0);
-    if (reader.Short() || reader.Left() != 0 || (first & kindMask) != submitKind)
+    pdu.text = TakeText(reader, coding, (first & kHeaderFlag) != 0);
+    if (reader.Short() || reader.Left() != 0 || (first & kKindMask) != kSubmitKind)
         return std::nullopt;
     return pdu;
 }

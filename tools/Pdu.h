@@ -11,14 +11,14 @@
 namespace modemsim {
 
 // Characters of one message in the 7-bit alphabet.
-inline constexpr std::size_t messageTextLimit = 160;
+inline constexpr std::size_t kMessageTextLimit = 160;
 
-struct SPdu {
+struct Pdu {
     std::string hex; // begins with an empty service centre, "00"
     int length = 0;  // octets without the service centre, as +CMGL and +CMGS count them
 };
 
-struct SDecodedPdu {
+struct DecodedPdu {
     std::string number;
     std::string text;
     int length = 0; // octets without the service centre
@@ -26,13 +26,13 @@ struct SDecodedPdu {
 
 // A message that came in, with its time (seconds since 1970, UTC). Characters outside ASCII become
 // '?', text past messageTextLimit is cut.
-SPdu EncodeDeliver(std::string_view number, std::string_view text, std::int64_t seconds);
+Pdu EncodeDeliver(std::string_view number, std::string_view text, std::int64_t seconds);
 
 // A message on its way out.
-SPdu EncodeSubmit(std::string_view number, std::string_view text);
+Pdu EncodeSubmit(std::string_view number, std::string_view text);
 
 // Reads a message on its way out. Text in another alphabet than the 7-bit one is given as
 // hexadecimal. Nothing when the digits are no such message.
-std::optional<SDecodedPdu> DecodeSubmit(std::string_view hex);
+std::optional<DecodedPdu> DecodeSubmit(std::string_view hex);
 
 } // namespace modemsim

@@ -6,12 +6,12 @@
 namespace modemsim {
 namespace {
 
-struct SResultName {
+struct NamedResult {
     EResult code;
     std::string_view name;
 };
 
-constexpr SResultName resultNames[] = {
+constexpr NamedResult kResultNames[] = {
     {EResult::Ok, "OK"},       {EResult::Connect, "CONNECT"},
     {EResult::Ring, "RING"},   {EResult::NoCarrier, "NO CARRIER"},
     {EResult::Error, "ERROR"}, {EResult::NoDialtone, "NO DIALTONE"},
@@ -19,7 +19,7 @@ constexpr SResultName resultNames[] = {
 };
 
 // Numbers and texts as the telephone standards 27.007 and 27.005 give them.
-struct SFailureText {
+struct FailureText {
     EFailure failure;
     int telephoneNumber;
     std::string_view telephoneText;
@@ -27,7 +27,7 @@ struct SFailureText {
     std::string_view messageText;
 };
 
-constexpr SFailureText failureTexts[] = {
+constexpr FailureText kFailureTexts[] = {
     {EFailure::Unspecified, 100, "unknown", 500, "unknown error"},
     {EFailure::NotSupported, 4, "operation not supported", 303, "operation not supported"},
     {EFailure::NotAllowed, 3, "operation not allowed", 302, "operation not allowed"},
@@ -40,11 +40,11 @@ constexpr SFailureText failureTexts[] = {
 };
 
 // The extended error code; empty when the plain ERROR is due.
-std::string ExtendedError(const SResult& result, int errorLevel) {
+std::string ExtendedError(const FinalResult& result, int errorLevel) {
     if (result.code != EResult::Error || result.kind == EErrorKind::Plain || errorLevel == 0)
         return {};
-    const auto* found = std::ranges::find(failureTexts, result.failure, &SFailureText::failure);
-    const SFailureText& row = found == std::end(failureTexts) ? failureTexts[0] : *found;
+    const auto* found = std::ranges::find(kFailureTexts, result.failure, &FailureText::failure);
+    const FailureText& row = found == std::end(kFailureTexts) ? kFailureTexts[0] : *found;
     const bool telephone = result.kind == EErrorKind::Telephone;
     std::string text = telephone ? "+CME ERROR: " : "+CMS ERROR: ";
     if (errorLevel == 1)
@@ -55,19 +55,19 @@ std::string ExtendedError(const SResult& result, int errorLevel) {
 } // namespace
 
 std::string_view ResultName(EResult code) {
-    const auto* found = std::ranges::find(resultNames, code, &SResultName::code);
-    return found == std::end(resultNames) ? std::string_view{} : found->name;
+    const auto* found = std::ranges::find(kResultNames, code, &NamedResult::code);
+    return found == std::end(kResultNames) ? std::string_view{} : found->name;
 }
 
-std::string LineStart(const SModemSettings& settings) {
+std::string LineStart(const ModemSettings& settings) {
     return settings.verbose != 0 ? LineEnd(settings) : std::string{};
 }
 
-std::string LineEnd(const SModemSettings& settings) {
+std::string LineEnd(const ModemSettings& settings) {
     return {static_cast<char>(settings.registers[3]), static_cast<char>(settings.registers[4])};
 }
 
-std::string FormatResult(const SResult& result, const SModemSettings& settings) {
+std::string FormatResult(const FinalResult& result, const ModemSettings& settings) {
     if (result.code == EResult::Pending || settings.quiet != 0)
         return {};
     const std::string extended = ExtendedError(result, settings.errorLevel);
@@ -80,7 +80,7 @@ std::string FormatResult(const SResult& result, const SModemSettings& settings) 
 }
 
 std::string FormatInformation(const std::vector<std::string>& lines,
-                              const SModemSettings& settings) {
+                              const ModemSettings& settings) {
     if (lines.empty())
         return {};
     std::string text = LineStart(settings);

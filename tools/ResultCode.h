@@ -39,22 +39,21 @@ enum class EFailure {
     TooLong
 };
 
-struct SResult {
+struct FinalResult {
     EResult code = EResult::Ok;
     EFailure failure = EFailure::Unspecified;
     EErrorKind kind = EErrorKind::Plain;
 };
 
 // The result as a line for the opener; empty for Pending and when results are off (ATQ1).
-std::string FormatResult(const SResult& result, const SModemSettings& settings);
+std::string FormatResult(const FinalResult& result, const ModemSettings& settings);
 
 // What stands before and after the text of an information line or an unsolicited one.
-std::string LineStart(const SModemSettings& settings);
-std::string LineEnd(const SModemSettings& settings);
+std::string LineStart(const ModemSettings& settings);
+std::string LineEnd(const ModemSettings& settings);
 
 // The lines of one answer in one frame; empty without lines.
-std::string FormatInformation(const std::vector<std::string>& lines,
-                              const SModemSettings& settings);
+std::string FormatInformation(const std::vector<std::string>& lines, const ModemSettings& settings);
 
 // The word of a result code, as ATV1 shows it; empty for Pending.
 std::string_view ResultName(EResult code);

@@ -15,11 +15,11 @@
 namespace modemsim {
 namespace {
 
-constexpr std::size_t blockSize = 16384;
+constexpr std::size_t kBlockSize = 16384;
 
 // What a pseudo-terminal holds at most, several times over: enough to read all that a closed opener
 // left, and an end to it should another one write meanwhile.
-constexpr int leftoverBlocks = 64;
+constexpr int kLeftoverBlocks = 64;
 
 TimeMs SteadyMilliseconds() {
     using namespace std::chrono;
@@ -28,7 +28,7 @@ TimeMs SteadyMilliseconds() {
 
 } // namespace
 
-CSimulatorLoop::CSimulatorLoop(SSimulatorProfile profile, CPtyDevice& device, bool once)
+CSimulatorLoop::CSimulatorLoop(SimulatorProfile profile, CPtyDevice& device, bool once)
     : m_Modem(std::move(profile)), m_Device(device), m_bOnce(once), m_tStart(SteadyMilliseconds()) {
 }
 
@@ -109,7 +109,7 @@ void CSimulatorLoop::ServeDevice(short events) {
 }
 
 void CSimulatorLoop::ReadDevice() {
-    std::array<char, blockSize> block;
+    std::array<char, kBlockSize> block;
     std::size_t count = 0;
     if (m_Device.Read(block.data(), block.size(), count) == CPtyDevice::ETransfer::Done)
         m_strPending.append(block.data(), count);
@@ -130,7 +130,7 @@ void CSimulatorLoop::WriteDevice() {
 
 // What the last opener wrote before it closed the device still counts; there is nobody to answer.
 void CSimulatorLoop::Close() {
-    for (int block = 0; block < leftoverBlocks; ++block) {
+    for (int block = 0; block < kLeftoverBlocks; ++block) {
         ReadDevice();
         if (m_strPending.empty())
             break;

@@ -15,7 +15,7 @@ namespace modemsim {
 
 class CSimulatorLoop {
   public:
-    CSimulatorLoop(SSimulatorProfile profile, CPtyDevice& device, bool once);
+    CSimulatorLoop(SimulatorProfile profile, CPtyDevice& device, bool once);
 
     // Blocks the signals that end the loop, so that none of them ends the process before the link
     // is removed; false with the reason in error when the system refuses. Called before Run().

@@ -15,17 +15,17 @@
 namespace modemsim {
 namespace {
 
-constexpr std::uint64_t longLineLimit = 100'000'000;
-constexpr std::uint64_t garbageLimit = 65536;
-constexpr std::uint64_t delayLimit = 3'600'000; // one hour, in milliseconds
-constexpr double secondsLimit = 86400;          // one day
-constexpr int usualMessages = 2;                // a first AT+CMGL has something to list
-constexpr std::uint64_t anyNumber = std::numeric_limits<std::uint64_t>::max() / 2;
+constexpr std::uint64_t kLongLineLimit = 100'000'000;
+constexpr std::uint64_t kGarbageLimit = 65536;
+constexpr std::uint64_t kDelayLimit = 3'600'000; // one hour, in milliseconds
+constexpr double kSecondsLimit = 86400;          // one day
+constexpr int kUsualMessages = 2;                // a first AT+CMGL has something to list
+constexpr std::uint64_t kAnyNumber = std::numeric_limits<std::uint64_t>::max() / 2;
 
 // Stores one option's value; false when the value is none.
-using Store = bool (*)(SSimulatorOptions& options, const std::string& value);
+using Store = bool (*)(SimulatorOptions& options, const std::string& value);
 
-struct SOption {
+struct Option {
     const char* name;
     const char* value; // what --help calls it; null: the option has none
     const char* help;
@@ -42,7 +42,7 @@ bool StoreNumber(Number& place, const std::string& text, std::uint64_t low, std:
 }
 
 bool StoreCount(std::optional<std::uint64_t>& place, const std::string& text, std::uint64_t low) {
-    place = ParseNumber(text, anyNumber);
+    place = ParseNumber(text, kAnyNumber);
     return place && *place >= low;
 }
 
@@ -52,18 +52,18 @@ bool StoreSeconds(TimeMs& place, const std::string& text) {
     const auto [stop, failure] = std::from_chars(text.data(), end, seconds);
     // Written so that a value which is no number fails too.
     const bool valid = failure == std::errc{} && stop == end && seconds >= 0.001;
-    if (!valid || seconds > secondsLimit)
+    if (!valid || seconds > kSecondsLimit)
         return false;
     place = std::llround(seconds * 1000);
     return true;
 }
 
-bool StoreDialRule(SSimulatorOptions& options, const std::string& text) {
-    struct SWord {
+bool StoreDialRule(SimulatorOptions& options, const std::string& text) {
+    struct Word {
         std::string_view word;
         EResult result;
     };
-    constexpr SWord words[] = {
+    constexpr Word kWords[] = {
         {"CONNECT", EResult::Connect},       {"BUSY", EResult::Busy},
         {"NOANSWER", EResult::NoAnswer},     {"NOCARRIER", EResult::NoCarrier},
         {"NODIALTONE", EResult::NoDialtone}, {"ERROR", EResult::Error},
@@ -73,18 +73,18 @@ bool StoreDialRule(SSimulatorOptions& options, const std::string& text) {
         return false;
     const std::string ending = text.substr(0, equals);
     const auto* found =
-        std::ranges::find(words, std::string_view(text).substr(equals + 1), &SWord::word);
+        std::ranges::find(kWords, std::string_view(text).substr(equals + 1), &Word::word);
     const bool dialable = ending.find_first_not_of("0123456789*#+") == std::string::npos;
-    if (found == std::end(words) || !dialable)
+    if (found == std::end(kWords) || !dialable)
         return false;
     options.profile.dialRules.push_back({ending, found->result});
     return true;
 }
 
-using Options = SSimulatorOptions;
+using Options = SimulatorOptions;
 using Text = const std::string;
 
-constexpr SOption optionTable[] = {
+constexpr Option kOptionTable[] = {
     {"link", "PATH", "make a symbolic link to the device, removed at the end",
      [](Options& o, Text& v) {
          o.link = v;
@@ -96,7 +96,7 @@ constexpr SOption optionTable[] = {
      "numbers with this ending give CONNECT, BUSY, NOANSWER, NOCARRIER, NODIALTONE or ERROR",
      StoreDialRule},
     {"dial-time", "MS", "milliseconds from ATD to its result (1000)",
-     [](Options& o, Text& v) { return StoreNumber(o.profile.dialTime, v, 0, delayLimit); }},
+     [](Options& o, Text& v) { return StoreNumber(o.profile.dialTime, v, 0, kDelayLimit); }},
     {"hangup-after", "SECONDS", "the far end hangs up so long after CONNECT",
      [](Options& o, Text& v) { return StoreSeconds(o.profile.hangUpAfter, v); }},
     {"no-sim", nullptr, "no SIM is inserted",
@@ -109,7 +109,7 @@ constexpr SOption optionTable[] = {
      [](Options& o, Text& v) { return StoreCount(o.profile.ringCount, v, 1); }},
     {"messages", "N", "so many messages are stored at the start (2)",
      [](Options& o, Text& v) {
-         return StoreNumber(o.profile.storedMessages, v, 0, CMessageStore::capacity);
+         return StoreNumber(o.profile.storedMessages, v, 0, CMessageStore::kCapacity);
      }},
     {"cmti", "SECONDS", "a message arrives every so often",
      [](Options& o, Text& v) { return StoreSeconds(o.profile.messagePeriod, v); }},
@@ -120,18 +120,20 @@ constexpr SOption optionTable[] = {
     {"silent-after", "N", "the same, once N command lines were answered",
      [](Options& o, Text& v) { return StoreCount(o.profile.faults.silentAfter, v, 0); }},
     {"delay", "MS", "milliseconds to wait before each answer",
-     [](Options& o, Text& v) { return StoreNumber(o.profile.faults.delay, v, 0, delayLimit); }},
+     [](Options& o, Text& v) { return StoreNumber(o.profile.faults.delay, v, 0, kDelayLimit); }},
     {"split", nullptr, "write one byte at a time",
      [](Options& o, Text&) { return o.profile.faults.split = true; }},
     {"garbage", "N", "send N random bytes before each answer (to 65536)",
-     [](Options& o, Text& v) { return StoreNumber(o.profile.faults.garbage, v, 0, garbageLimit); }},
+     [](Options& o, Text& v) {
+         return StoreNumber(o.profile.faults.garbage, v, 0, kGarbageLimit);
+     }},
     {"seed", "N", "seed of the random bytes (1)",
      [](Options& o, Text& v) {
          return StoreNumber(o.profile.faults.seed, v, 0, std::numeric_limits<std::uint32_t>::max());
      }},
     {"long", "N", "send a line of N characters before each final result (to 100000000)",
      [](Options& o, Text& v) {
-         return StoreNumber(o.profile.faults.longLine, v, 0, longLineLimit);
+         return StoreNumber(o.profile.faults.longLine, v, 0, kLongLineLimit);
      }},
     {"vanish-after", "N", "hang up and end once N bytes were sent, echo included",
      [](Options& o, Text& v) { return StoreCount(o.profile.faults.vanishAfter, v, 1); }},
@@ -149,28 +151,28 @@ constexpr SOption optionTable[] = {
      }},
 };
 
-constexpr std::size_t optionCount = std::size(optionTable);
+constexpr std::size_t kOptionCount = std::size(kOptionTable);
 
-std::array<option, optionCount + 1> LongOptions() {
-    std::array<option, optionCount + 1> list{};
-    for (std::size_t place = 0; place < optionCount; ++place)
-        list[place] = {optionTable[place].name,
-                       optionTable[place].value != nullptr ? required_argument : no_argument,
+std::array<option, kOptionCount + 1> LongOptions() {
+    std::array<option, kOptionCount + 1> list{};
+    for (std::size_t place = 0; place < kOptionCount; ++place)
+        list[place] = {kOptionTable[place].name,
+                       kOptionTable[place].value != nullptr ? required_argument : no_argument,
                        nullptr, static_cast<int>(place)};
     return list;
 }
 
-SSimulatorOptions& Refuse(SSimulatorOptions& options, const std::string& problem) {
-    options.purpose = SSimulatorOptions::EPurpose::Refuse;
+SimulatorOptions& Refuse(SimulatorOptions& options, const std::string& problem) {
+    options.purpose = SimulatorOptions::EPurpose::Refuse;
     options.problem = problem;
     return options;
 }
 
 } // namespace
 
-SSimulatorOptions ParseOptions(int argumentCount, char** arguments) {
-    SSimulatorOptions options;
-    options.profile.storedMessages = usualMessages;
+SimulatorOptions ParseOptions(int argumentCount, char** arguments) {
+    SimulatorOptions options;
+    options.profile.storedMessages = kUsualMessages;
     const auto list = LongOptions();
     optind = 0; // getopt begins afresh, its own tables included
     opterr = 0;
@@ -183,11 +185,11 @@ SSimulatorOptions ParseOptions(int argumentCount, char** arguments) {
             return Refuse(options,
                           (which == '?' ? "unknown option: " : "a value is missing: ") + given);
         }
-        const SOption& entry = optionTable[static_cast<std::size_t>(which)];
+        const Option& entry = kOptionTable[static_cast<std::size_t>(which)];
         const std::string value = optarg != nullptr ? optarg : "";
         if (!entry.store(options, value))
             return Refuse(options, std::string("not valid for --") + entry.name + ": " + value);
-        if (options.purpose != SSimulatorOptions::EPurpose::Run)
+        if (options.purpose != SimulatorOptions::EPurpose::Run)
             return options;
     }
     if (optind < argumentCount)
@@ -196,15 +198,15 @@ SSimulatorOptions ParseOptions(int argumentCount, char** arguments) {
 }
 
 std::string HelpText() {
-    constexpr std::size_t helpColumn = 27;
+    constexpr std::size_t kHelpColumn = 27;
     std::string text =
         "Usage: wirelet-modemsim [OPTION]...\n"
         "Simulates a GSM modem on a pseudo-terminal and prints the device's path.\n\n";
-    for (const SOption& entry : optionTable) {
+    for (const Option& entry : kOptionTable) {
         std::string line = std::string("  --") + entry.name;
         if (entry.value != nullptr)
             line.append(" ").append(entry.value);
-        line.resize(std::max(line.size() + 2, helpColumn), ' ');
+        line.resize(std::max(line.size() + 2, kHelpColumn), ' ');
         text.append(line).append(entry.help).append("\n");
     }
     return text + "\nMS are milliseconds; SECONDS may have decimals (0.001 to 86400).\n"

@@ -7,17 +7,17 @@
 
 namespace modemsim {
 
-struct SSimulatorOptions {
+struct SimulatorOptions {
     enum class EPurpose { Run, Help, Version, Refuse };
 
     EPurpose purpose = EPurpose::Run;
     std::string problem; // why the command line is refused
     std::string link;    // empty: none
     bool once = false;
-    SSimulatorProfile profile;
+    SimulatorProfile profile;
 };
 
-SSimulatorOptions ParseOptions(int argumentCount, char** arguments);
+SimulatorOptions ParseOptions(int argumentCount, char** arguments);
 
 // The text of --help.
 std::string HelpText();

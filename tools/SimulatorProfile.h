@@ -15,12 +15,12 @@ namespace modemsim {
 using TimeMs = std::int64_t;
 
 // A dialled number that ends in these digits gives this result.
-struct SDialRule {
+struct DialRule {
     std::string ending;
     EResult result = EResult::NoCarrier;
 };
 
-struct SFaults {
+struct Faults {
     bool silent = false; // takes input, never answers
     // Goes silent once so many command lines were answered.
     std::optional<std::uint64_t> silentAfter = {};
@@ -34,7 +34,7 @@ struct SFaults {
     bool flood = false; // endless bytes without a line end
 };
 
-struct SSimulatorProfile {
+struct SimulatorProfile {
     bool echo = true;
     bool sim = true;
     std::string version = "0";
@@ -46,8 +46,8 @@ struct SSimulatorProfile {
     int storedMessages = 0; // at the start
     TimeMs messagePeriod = 0;
     TimeMs registrationPeriod = 0;
-    std::vector<SDialRule> dialRules; // asked in this order, before the built-in ones
-    SFaults faults;
+    std::vector<DialRule> dialRules; // asked in this order, before the built-in ones
+    Faults faults;
 };
 
 } // namespace modemsim

@@ -7,28 +7,28 @@
 namespace modemsim {
 namespace {
 
-constexpr EErrorKind telephone = EErrorKind::Telephone;
-constexpr std::uint64_t longLineLimit = 100'000'000;
+constexpr EErrorKind kTelephone = EErrorKind::Telephone;
+constexpr std::uint64_t kLongLineLimit = 100'000'000;
 
-SOutcome LongLine(SModem&, const SCommand& command, SReply& reply) {
-    const auto count = ParseNumber(command.parameters.front(), longLineLimit);
+Outcome LongLine(Modem&, const Command& command, Reply& reply) {
+    const auto count = ParseNumber(command.parameters.front(), kLongLineLimit);
     if (!count || command.parameters.size() != 1)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     reply.longLine = *count;
     return {};
 }
 
-SOutcome Flood(SModem&, const SCommand&, SReply& reply) {
+Outcome Flood(Modem&, const Command&, Reply& reply) {
     reply.event.kind = EHappening::Flood;
     return {EResult::Pending};
 }
 
-struct SEventName {
+struct EventName {
     std::string_view name;
     EHappening kind;
 };
 
-constexpr SEventName eventNames[] = {
+constexpr EventName kEventNames[] = {
     {"RING", EHappening::Ring},
     {"MESSAGE", EHappening::Message},
     {"REGISTRATION", EHappening::Registration},
@@ -37,40 +37,40 @@ constexpr SEventName eventNames[] = {
     {"SILENCE", EHappening::Silence},
 };
 
-SOutcome Happen(SModem&, const SCommand& command, SReply& reply) {
+Outcome Happen(Modem&, const Command& command, Reply& reply) {
     const auto& parameters = command.parameters;
-    const auto* found = std::ranges::find(eventNames, parameters.front(), &SEventName::name);
-    if (found == std::end(eventNames) || parameters.size() > 3)
-        return SOutcome::Fail(EFailure::BadParameter);
-    SEvent event{found->kind, {}, {}, 0};
+    const auto* found = std::ranges::find(kEventNames, parameters.front(), &EventName::name);
+    if (found == std::end(kEventNames) || parameters.size() > 3)
+        return Outcome::Fail(EFailure::BadParameter);
+    Event event{found->kind, {}, {}, 0};
     if (parameters.size() > 1)
         event.text = parameters[1];
     if (parameters.size() > 2)
         event.number = parameters[2];
     const bool dialable = event.number.find_first_not_of("+0123456789*#") == std::string::npos;
     if (!dialable)
-        return SOutcome::Fail(EFailure::BadParameter);
+        return Outcome::Fail(EFailure::BadParameter);
     if (event.kind == EHappening::Registration) {
         const auto state = ParseNumber(event.text, 5);
         if (!state)
-            return SOutcome::Fail(EFailure::BadParameter);
+            return Outcome::Fail(EFailure::BadParameter);
         event.value = static_cast<int>(*state);
     }
     reply.event = event;
     return {};
 }
 
-constexpr SCommandEntry entries[] = {
-    {"+LONG", setForm, telephone, false, LongLine, "(0-100000000)"},
-    {"+FLOOD", executeForm, telephone, false, Flood, "-"},
-    {"+SIM", setForm, telephone, false, Happen,
+constexpr CommandEntry kEntries[] = {
+    {"+LONG", kSetForm, kTelephone, false, LongLine, "(0-100000000)"},
+    {"+FLOOD", kExecuteForm, kTelephone, false, Flood, "-"},
+    {"+SIM", kSetForm, kTelephone, false, Happen,
      "(RING,MESSAGE,REGISTRATION,HANGUP,VANISH,SILENCE)"},
 };
 
 } // namespace
 
-std::span<const SCommandEntry> TestCommands() {
-    return entries;
+std::span<const CommandEntry> TestCommands() {
+    return kEntries;
 }
 
 } // namespace modemsim

@@ -1,5 +1,4 @@
 // The serial devices that are really there, as the kernel tells in sysfs. Any thread may call.
-// Nothing outside platform/ includes this header.
 #pragma once
 
 #include <string>

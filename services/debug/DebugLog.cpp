@@ -1,3 +1,6 @@
+// A message becomes one line, which is offered to one taker after the other until one has it. None
+// of them may block or end the program: each is asked for room first, or refuses by itself, and the
+// signal of a broken pipe is taken back.
 #include "services/debug/DebugLog.h"
 
 #include "diagnostics/DebugModule.h"
@@ -10,14 +13,21 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
+
+// The place in the source would be this one for every message.
+#define SD_JOURNAL_SUPPRESS_LOCATION
+#include <systemd/sd-journal.h>
 
 namespace debugmodule {
 namespace {
 
 constexpr char kFileVariable[] = "VXDEBUG_FILE";
-constexpr char kJournalPath[] = "/run/systemd/journal/socket";
+constexpr sockaddr_un kJournal = {AF_UNIX, "/run/systemd/journal/socket"};
 
 // For its owner alone: commands may hold a PIN.
 constexpr mode_t kFileMode = 0600;
@@ -71,6 +81,33 @@ bool WriteToStandardError(const std::string& line) {
     return isatty(STDERR_FILENO) == 0 && HasRoom(STDERR_FILENO) && WriteLine(STDERR_FILENO, line);
 }
 
+// What the library does not tell: it takes it for a success that there is no journal, and waits for
+// one that takes nothing.
+bool IsJournalReady() {
+    const int probe = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const bool isReady =
+        connect(probe, reinterpret_cast<const sockaddr*>(&kJournal), sizeof kJournal) == 0 &&
+        HasRoom(probe);
+    close(probe);
+    return isReady;
+}
+
+// As fields, so that a message keeps its lines.
+bool WriteToJournal(const std::string& message, DWORD level) {
+    if (!IsJournalReady())
+        return false;
+    std::string fields[] = {
+        "MESSAGE=" + message,
+        "PRIORITY=" + std::to_string(level == DEBUG_LEVEL_ERROR ? LOG_ERR : LOG_DEBUG),
+        "SYSLOG_IDENTIFIER=wirelet",
+    };
+    iovec parts[std::size(fields)];
+    std::transform(std::begin(fields), std::end(fields), parts, [](std::string& field) {
+        return iovec{field.data(), field.size()};
+    });
+    return sd_journal_sendv(parts, std::size(parts)) == 0;
+}
+
 std::string MakeLine(const std::string& message, DWORD level) {
     std::string line = DescribeTime() + ' ' + DescribeLevel(level) + ' ' + message;
     line.resize(std::min(line.size(), kLongestLine - 1));
@@ -79,7 +116,7 @@ std::string MakeLine(const std::string& message, DWORD level) {
 
 } // namespace
 
-CDebugLog::CDebugLog() : m_journal(kJournalPath) {
+CDebugLog::CDebugLog() {
     const char* const name = std::getenv(kFileVariable);
     if (name == nullptr || *name == '\0')
         return;
@@ -103,10 +140,6 @@ bool CDebugLog::Write(const std::string& moduleName, const std::string& text, DW
 
 bool CDebugLog::WriteToFile(const std::string& line) const {
     return m_nFile >= 0 && WriteLine(m_nFile, line);
-}
-
-bool CDebugLog::WriteToJournal(const std::string& message, DWORD level) const {
-    return m_journal.Write(level == DEBUG_LEVEL_ERROR ? LOG_ERR : LOG_DEBUG, message);
 }
 
 } // namespace debugmodule

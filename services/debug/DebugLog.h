@@ -11,7 +11,6 @@
 #pragma once
 
 #include "platform/Types.h"
-#include "services/debug/Journal.h"
 
 #include <string>
 
@@ -29,11 +28,9 @@ class CDebugLog {
 
   private:
     bool WriteToFile(const std::string& line) const;
-    bool WriteToJournal(const std::string& message, DWORD level) const;
 
     bool m_bFileNamed = false;
     int m_nFile = -1;
-    CJournal m_journal;
 };
 
 } // namespace debugmodule

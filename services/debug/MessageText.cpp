@@ -1,3 +1,5 @@
+// Byte by byte: what is no printable ASCII character is written as an escape, so no byte of a
+// device reaches the terminal of whoever reads the log.
 #include "services/debug/MessageText.h"
 
 #include "diagnostics/DebugModule.h"

@@ -1,3 +1,5 @@
+// Goes through all ttys and keeps those that have a device of USB or PCI above them. What is asked
+// of an interface is asked of itself first, and then of its device.
 #include "services/telephony/DeviceDatabase.h"
 
 #include <libudev.h>

@@ -1,3 +1,6 @@
+// What the database has found out about an interface stands in its tags. One table gives them their
+// meaning, for the name and for the question who takes commands; the first one that is there
+// counts.
 #include "services/telephony/InterfaceNames.h"
 
 #include "services/telephony/PlainText.h"

@@ -1,3 +1,5 @@
+// Walks through the answer once, as it comes: enters what may hold the two properties that count,
+// and skips all else by its type. Whatever is not of the type that it should be ends the walk.
 #include "services/telephony/ManagedModems.h"
 
 namespace telephonyservice {

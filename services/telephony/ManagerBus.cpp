@@ -1,3 +1,5 @@
+// Each question is one call with one of three outcomes: an answer, a reason, or nobody there, which
+// is an empty reason. Coming and going is noticed by signals, which set marks.
 #include "services/telephony/ManagerBus.h"
 
 #include "services/telephony/ManagedModems.h"

@@ -1,3 +1,6 @@
+// Only the thread of a window can destroy it. When another one lets go of it, the window is emptied
+// and gets a last message, in which its own thread destroys it; the module stays until then, and
+// that is for good.
 #include "services/telephony/MessageWindow.h"
 
 #include "services/telephony/ModuleReference.h"

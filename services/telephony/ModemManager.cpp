@@ -1,3 +1,7 @@
+// The manager can only be asked for a modem that it knows, and it knows one only once it has probed
+// it. A device that it does not know is therefore watched from two sides: the bus, for a new modem,
+// and the manager's process, for whether it has the device open. What both say is looked at again
+// after each signal and each opening or closing of the device.
 #include "services/telephony/ModemManager.h"
 
 #include "platform/Comm.h"

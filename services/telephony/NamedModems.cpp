@@ -1,3 +1,5 @@
+// A file is read in one piece, as far as its bound, so that whoever changes it meanwhile cannot
+// stop the program; what is wrong with it is told and does not stop anything either.
 #include "services/telephony/NamedModems.h"
 
 #include "platform/objects/Descriptor.h"

@@ -1,9 +1,12 @@
+// Each line gives a modem or a fault, unless it is empty or a comment: nothing in a file is passed
+// over in silence.
 #include "services/telephony/NamesFile.h"
 
 #include "services/telephony/PlainText.h"
 #include "services/telephony/PortLikeName.h"
 
 #include <climits>
+#include <utility>
 
 namespace telephonyservice {
 namespace {
@@ -30,6 +33,27 @@ const char* FindFault(std::string_view name, std::string_view path) {
     return nullptr;
 }
 
+// Null when the line is understood; the modem is then stored.
+const char* ParseLine(std::string_view line, LineDevice& modem) {
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos)
+        return "there is no '=' between name and device";
+    const std::string_view name = Trim(line.substr(0, equals));
+    const std::string_view path = Trim(line.substr(equals + 1));
+    modem = {std::string(name), std::string(path), true};
+    return FindFault(name, path);
+}
+
+// Takes the next line from the content, without its end and the blanks around it.
+std::string_view TakeLine(std::string_view& content) {
+    const std::size_t end = content.find('\n');
+    std::string_view line = content.substr(0, end);
+    content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    return Trim(line);
+}
+
 } // namespace
 
 std::vector<LineDevice> ParseNamesFile(std::string_view content,
@@ -44,22 +68,11 @@ std::vector<LineDevice> ParseNamesFile(std::string_view content,
     if (content.starts_with(kByteOrderMark))
         content.remove_prefix(kByteOrderMark.size());
     for (unsigned number = 1; !content.empty(); ++number) {
-        const std::size_t end = content.find('\n');
-        std::string_view line = content.substr(0, end);
-        content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
-        if (line.ends_with('\r'))
-            line.remove_suffix(1);
-        line = Trim(line);
+        const std::string_view line = TakeLine(content);
         if (line.empty() || line.starts_with('#'))
             continue;
-        const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos) {
-            faults.push_back({number, "there is no '=' between name and device"});
-            continue;
-        }
-        const std::string_view name = Trim(line.substr(0, equals));
-        const std::string_view path = Trim(line.substr(equals + 1));
-        if (const char* const fault = FindFault(name, path)) {
+        LineDevice modem;
+        if (const char* const fault = ParseLine(line, modem)) {
             faults.push_back({number, fault});
             continue;
         }
@@ -67,7 +80,7 @@ std::vector<LineDevice> ParseNamesFile(std::string_view content,
             faults.push_back({number, "there are too many modems"});
             break;
         }
-        modems.push_back({std::string(name), std::string(path), true});
+        modems.push_back(std::move(modem));
     }
     return modems;
 }

@@ -1,3 +1,5 @@
+// First the hold, then the port: the manager closes the device some time after it has let go of it,
+// so a device that is still in use then is tried again for a while.
 #include "services/telephony/Opening.h"
 
 #include "platform/Comm.h"

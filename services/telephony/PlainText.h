@@ -6,11 +6,11 @@
 
 namespace telephonyservice {
 
-// Whether the text is UTF-8 without control and format characters and line separators.
+// Whether the text is UTF-8 of characters that the program shows as they are, or leaves out.
 bool IsPlainText(std::string_view text);
 
-// The text with a '?' for each character or byte that IsPlainText refuses, cut between characters
-// to at most limit bytes.
+// The text as the program shows it, with a '?' for each byte that it refuses, cut between
+// characters to at most limit bytes.
 std::string MakePlainText(std::string_view text, std::size_t limit);
 
 // Without the blanks and tabs at both ends.

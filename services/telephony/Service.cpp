@@ -1,3 +1,6 @@
+// The state is in tables of shared objects, under one lock. What takes its time is done without it
+// (looking for devices, calling back, awaiting a thread), and what was found before such a gap is
+// looked up again behind it.
 #include "services/telephony/Service.h"
 
 #include "services/telephony/Records.h"

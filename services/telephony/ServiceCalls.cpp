@@ -1,4 +1,6 @@
-// The calls of the service.
+// The calls of the service. A call's device is opened, and its hold kept, by a thread of its own,
+// which is told to end by the call's cancellation and tells of its end by the call's state. Whoever
+// gives a device back awaits that, so the device is free when he returns.
 #include "services/telephony/RecordFiller.h"
 #include "services/telephony/Records.h"
 #include "services/telephony/Service.h"

@@ -1,3 +1,6 @@
+// The library is driven by hand: what is there is processed, and then its descriptor is awaited
+// together with the cancellation and, perhaps, one of the caller. A call is sent without waiting,
+// so that awaiting its answer ends like any other wait.
 #include "services/telephony/SystemBus.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// A thread cannot free itself nor unload the module that it runs in. It only marks that it is
+// ending; the next call from outside joins those that are, and gives their holds on the module
+// back.
 #include "services/telephony/Workers.h"
 
 #include "platform/Thread.h"

@@ -3,62 +3,89 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
 #include <utility>
 
 namespace {
 
+// The module that is found, by how it fails; and what has happened to it.
+struct Module {
+    const char* name = "working";
+    bool isThere = true;
+    bool hasExport = true;
+    bool hasInterface = true;
+    HRESULT status = S_OK;
+    HRESULT nameStatus = S_OK;
+} s_module;
 std::string s_log;
 
-// What the modules have told since the last call.
-std::string TakeModuleLog() {
-    return std::exchange(s_log, {});
-}
+class CModule final : public IDebugModule {
+  public:
+    HRESULT QueryInterface(const IID&, void**) override { return E_NOINTERFACE; }
+    ULONG AddRef() override { return 2; }
+    ULONG Release() override {
+        s_log += "release\n";
+        return 0;
+    }
+    HRESULT SetModuleName(LPCSTR szModuleName) override {
+        s_log += std::string("name ") + szModuleName + '\n';
+        return s_module.nameStatus;
+    }
+    HRESULT Output(LPCSTR szText, DWORD dwLevel) override {
+        s_log += "output " + std::to_string(dwLevel) + ' ' + szText + '\n';
+        return szText[0] == '!' ? 1 : S_OK;
+    }
+} s_interface;
 
-// Puts a module where it is looked for.
-void Install(const char* module) {
-    namespace fs = std::filesystem;
-    const fs::path link = fs::read_symlink("/proc/self/exe").parent_path() / "libvxdebug.so";
-    fs::remove(link);
-    fs::create_symlink(fs::path(MODULE_FOLDER) / module, link);
+HRESULT GetInterface(const IID& riid, void** ppvInterface) {
+    s_log += riid == IID_IDebugModule ? "interface\n" : "unknown interface\n";
+    *ppvInterface = s_module.hasInterface ? static_cast<IDebugModule*>(&s_interface) : nullptr;
+    return s_module.status;
 }
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) void NoteDebugModule(const char* text) {
-    s_log.append(text).append("\n");
+// In place of the platform's.
+HMODULE LoadLibraryA(LPCSTR lpLibFileName) {
+    s_log += std::string(lpLibFileName) + '\n';
+    return s_module.isThere ? &s_module : nullptr;
+}
+FARPROC GetProcAddress(HMODULE, LPCSTR lpProcName) {
+    const bool isKnown = s_module.hasExport && std::string(lpProcName) == "DllGetInterface";
+    return isKnown ? reinterpret_cast<FARPROC>(&GetInterface) : nullptr;
+}
+BOOL FreeLibrary(HMODULE hLibModule) {
+    s_log += hLibModule == &s_module ? "unload\n" : "unload of another\n";
+    return TRUE;
 }
 
-// One test: the modules take turns in one place.
 TEST(DebugModule, IsLoadedByTheFirstUseAndGivenUpWhenItDoesNotDo) {
-    Install("libworking.so");
     DebugSetModuleName(std::string(64, 'n').c_str());
     EXPECT_TRUE(DebugTrace("one %s", "a"));
     EXPECT_TRUE(DebugError("two %#08lx", 0x80000048UL));
     EXPECT_FALSE(DebugError("!"));
-    EXPECT_EQ(TakeModuleLog(), "load\ninterface\nname " + std::string(63, 'n') +
-                                   "\noutput 8 one a\noutput 1 two 0x80000048\noutput 1 !\n");
     EXPECT_TRUE(DebugTrace("%s", std::string(5000, 't').c_str()));
-    EXPECT_EQ(TakeModuleLog(), "output 8 " + std::string(511, 't') + '\n');
     g_AppDebug.Unload();
     EXPECT_FALSE(DebugTrace("text"));
-    EXPECT_EQ(TakeModuleLog(), "release\nunload\n");
+    EXPECT_EQ(std::exchange(s_log, {}),
+              "VXDebug.dll\ninterface\nname " + std::string(63, 'n') +
+                  "\noutput 8 one a\noutput 1 two 0x80000048\noutput 1 !\noutput 8 " +
+                  std::string(511, 't') + "\nrelease\nunload\n");
 
     // After one attempt, with nothing left behind.
-    const std::pair<const char*, const char*> rows[] = {
-        {"libmissing.so", ""},
-        {"libwithout_export.so", "load\nunload\n"},
-        {"libwithout_interface.so", "load\ninterface\nunload\n"},
-        {"librefusing.so", "load\ninterface\nunload\n"},
-        {"libfailing_late.so", "load\ninterface\nrelease\nunload\n"},
-        {"librefusing_name.so", "load\ninterface\nname test\nrelease\nunload\n"},
+    const std::pair<Module, const char*> rows[] = {
+        {{"missing", false}, ""},
+        {{"without export", true, false}, "unload\n"},
+        {{"without interface", true, true, false}, "interface\nunload\n"},
+        {{"refusing", true, true, false, E_NOINTERFACE}, "interface\nunload\n"},
+        {{"failing late", true, true, true, E_OUTOFMEMORY}, "interface\nrelease\nunload\n"},
+        {{"refusing the name", true, true, true, S_OK, E_INVALIDARG},
+         "interface\nname test\nrelease\nunload\n"},
     };
     for (const auto& [module, log] : rows) {
-        Install(module);
+        s_module = module;
         CVDebug debug(nullptr);
-        EXPECT_EQ(debug.SetModuleName("test"), 0) << module;
-        EXPECT_EQ(debug.SetModuleName("again"), 0) << module;
-        EXPECT_EQ(TakeModuleLog(), log) << module;
+        EXPECT_EQ(debug.SetModuleName("test"), 0) << module.name;
+        EXPECT_EQ(debug.SetModuleName("again"), 0) << module.name;
+        EXPECT_EQ(std::exchange(s_log, {}), std::string("VXDebug.dll\n") + log) << module.name;
     }
 }

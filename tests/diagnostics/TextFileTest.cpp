@@ -49,7 +49,7 @@ TEST_F(CTextFileTest, LineEnds) {
 }
 
 TEST_F(CTextFileTest, ALineHasABoundAndTheFileEndsThere) {
-    const std::string longest(CTextFile::MAX_LINE_LENGTH, 'x');
+    const std::string longest(CTextFile::kMaxLineLength, 'x');
     for (const char* const end : {"", "\n", "\r\n"}) {
         EXPECT_TRUE(LinesOf(longest + end) == std::vector<std::string>{longest});
         Open(longest + 'x' + end + "next\n");

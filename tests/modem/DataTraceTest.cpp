@@ -6,30 +6,25 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <string>
-#include <vector>
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-const std::string kSent = "[PC ==>     ]  [";
-const std::string kReceived = "[  <== Phone]  [";
+using std::string_literals::operator""s;
 
 class CSink final : public ITraceSink {
   public:
     CSink() { SetTraceSink(this); }
     ~CSink() { SetTraceSink(nullptr); }
     BOOL IsCapturing() const override { return m_bOn; }
-    void WriteLine(std::string_view line) override { m_lines.emplace_back(line); }
+    void WriteLine(std::string_view line) override { m_lines.append(line) += '\n'; }
 
     // The lines since the last look.
-    Lines Take() { return std::exchange(m_lines, {}); }
+    std::string Take() { return std::exchange(m_lines, {}); }
 
     BOOL m_bOn = TRUE;
 
   private:
-    Lines m_lines;
+    std::string m_lines;
 };
 
 void Trace(const std::string& bytes, BOOL sent) {
@@ -37,44 +32,45 @@ void Trace(const std::string& bytes, BOOL sent) {
 }
 
 std::string Repeat(int count, const std::string& text) {
-    std::string result;
-    while (count-- > 0)
-        result += text;
-    return result;
+    return count == 0 ? "" : text + Repeat(count - 1, text);
+}
+
+// A line, with the second column where it belongs unless the first one reaches beyond.
+std::string Line(const std::string& direction, const std::string& text, const std::string& codes) {
+    std::string line = direction + " [" + text + "]";
+    line.resize(std::max<std::size_t>(line.size(), 70), ' ');
+    return line + "[" + codes + "]\n";
+}
+
+std::string Sent(const std::string& text, const std::string& codes) {
+    return Line("[PC ==>     ] ", text, codes);
 }
 
 TEST(DataTrace, RendersBytesAsLines) {
     Trace("for nobody", FALSE);
     CSink sink;
-    const std::string all = Repeat(30, "a");
-    const std::string allHexadecimal = "[" + Repeat(30, "61 ") + "]";
-    const std::string full = kSent + all + "]" + std::string(23, ' ') + allHexadecimal;
-    const struct {
-        std::string bytes;
-        Lines lines;
-    } rows[] = {
-        {"", {}},
-        {"AT\r", {kSent + "AT<CR>]" + std::string(47, ' ') + "[41 54 0d ]"}},
-        {std::string("\0a\0", 3), {kSent + "a]" + std::string(52, ' ') + "[00 61 00 ]"}},
-        {"%s%n%", {kSent + "%s%n%]" + std::string(48, ' ') + "[25 73 25 6e 25 ]"}},
-        {"\x1B[\x07\xFF", {kSent + "\x1B[\x07\xFF]" + std::string(49, ' ') + "[1b 5b 07 ff ]"}},
-        {Repeat(30, "a"), {full}},
-        {Repeat(65, "a"),
-         {full, full, kSent + "aaaaa]" + std::string(48, ' ') + "[61 61 61 61 61 ]"}},
+    const std::string full = Sent(Repeat(30, "a"), Repeat(30, "61 "));
+    const std::pair<std::string, std::string> rows[] = {
+        {"", ""},
+        {"AT\r", "[PC ==>     ]  [AT<CR>]" + Repeat(47, " ") + "[41 54 0d ]\n"},
+        {"\0a\0"s, Sent("a", "00 61 00 ")},
+        {"%s%n%", Sent("%s%n%", "25 73 25 6e 25 ")},
+        {"\x1B[\x07\xFF", Sent("\x1B[\x07\xFF", "1b 5b 07 ff ")},
+        {Repeat(30, "a"), full},
+        {Repeat(65, "a"), full + full + Sent("aaaaa", Repeat(5, "61 "))},
         // Just short of the column, at it, and beyond it.
-        {Repeat(12, "\n") + "aaaa",
-         {kSent + Repeat(12, "<LF>") + "aaaa] [" + Repeat(12, "0a ") + "61 61 61 61 ]"}},
-        {Repeat(12, "\n") + "aaaaa",
-         {kSent + Repeat(12, "<LF>") + "aaaaa][" + Repeat(12, "0a ") + "61 61 61 61 61 ]"}},
-        {Repeat(30, "\r"), {kSent + Repeat(30, "<CR>") + "][" + Repeat(30, "0d ") + "]"}},
+        {Repeat(13, "\n") + "a", Sent(Repeat(13, "<LF>") + "a", Repeat(13, "0a ") + "61 ")},
+        {Repeat(13, "\n") + "aa", Sent(Repeat(13, "<LF>") + "aa", Repeat(13, "0a ") + "61 61 ")},
+        {Repeat(30, "\r"), Sent(Repeat(30, "<CR>"), Repeat(30, "0d "))},
     };
-    for (const auto& row : rows) {
-        Trace(row.bytes, TRUE);
-        EXPECT_EQ(sink.Take(), row.lines) << ::testing::PrintToString(row.bytes);
+    for (const auto& [bytes, lines] : rows) {
+        Trace(bytes, TRUE);
+        EXPECT_EQ(sink.Take(), lines);
     }
 }
 
 TEST(DataTrace, KeepsWhatIsReceivedForTheNextSend) {
+    const std::string received = "[  <== Phone] ";
     CSink sink;
     CSubstituteSerial serial;
     CTestModem modem(&serial);
@@ -83,15 +79,14 @@ TEST(DataTrace, KeepsWhatIsReceivedForTheNextSend) {
     DWORD count = 0;
     while (modem.Read(buffer, sizeof buffer, count))
         continue;
-    EXPECT_EQ(sink.Take(), Lines{});
+    EXPECT_EQ(sink.Take(), "");
     EXPECT_TRUE(modem.SendString("AT"));
-    EXPECT_EQ(sink.Take(), (Lines{kReceived + "<CR><LF>OK<CR><LF>]" + std::string(35, ' ') +
-                                      "[0d 0a 4f 4b 0d 0a ]",
-                                  kSent + "AT]" + std::string(51, ' ') + "[41 54 ]"}));
+    EXPECT_EQ(sink.Take(),
+              Line(received, "<CR><LF>OK<CR><LF>", "0d 0a 4f 4b 0d 0a ") + Sent("AT", "41 54 "));
     Trace("end", FALSE);
     DumpPending();
     DumpPending();
-    EXPECT_EQ(sink.Take(), Lines{kReceived + "end]" + std::string(50, ' ') + "[65 6e 64 ]"});
+    EXPECT_EQ(sink.Take(), Line(received, "end", "65 6e 64 "));
 
     // What comes while nobody looks is not shown to whoever looks later.
     sink.m_bOn = FALSE;
@@ -99,13 +94,13 @@ TEST(DataTrace, KeepsWhatIsReceivedForTheNextSend) {
     Trace("x", TRUE);
     sink.m_bOn = TRUE;
     Trace("y", TRUE);
-    EXPECT_EQ(sink.Take(), Lines{kSent + "y]" + std::string(52, ' ') + "[79 ]"});
+    EXPECT_EQ(sink.Take(), Sent("y", "79 "));
 }
 
 TEST(DataTrace, LeavesOutReadsBeyondItsLimit) {
     CSink sink;
     // The sizes of the reads, and how many bytes of them the next send shows.
-    const std::pair<std::vector<std::size_t>, std::size_t> rows[] = {
+    const std::pair<std::vector<std::size_t>, int> rows[] = {
         {{9000, 2000}, 9000},     {{9000, 1000}, 10000}, {{9000, 1001, 1000, 1}, 10000},
         {{10001, 4000000000}, 0}, {{10000, 1}, 10000},
     };
@@ -114,10 +109,7 @@ TEST(DataTrace, LeavesOutReadsBeyondItsLimit) {
         for (const std::size_t read : reads)
             TraceData(bytes.data(), static_cast<DWORD>(read), FALSE);
         Trace("s", TRUE);
-        std::string log;
-        for (const std::string& line : sink.Take())
-            log += line;
-        EXPECT_EQ(static_cast<std::size_t>(std::count(log.begin(), log.end(), 'r')), shown);
+        EXPECT_EQ(std::ranges::count(sink.Take(), 'r'), shown);
     }
 }
 

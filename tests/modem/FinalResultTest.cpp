@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -28,48 +27,41 @@ void Check(const Answer& answer, std::size_t readSize) {
     EXPECT_TRUE(response == answer.response) << response << " of " << answer.bytes;
 }
 
-constexpr std::array kAnswers = {
-    Answer{"AT\r\r\nOK\r\n", Verdict::Ok, "AT"},
-    Answer{"\r\n+CGMI: X\r\n\r\nOK\r\n", Verdict::Ok, "+CGMI: X"},
-    Answer{"\r\nOK\r\n", Verdict::Ok, ""},
-    Answer{" \t\v\f\r\na  b\r\n\r\nOK\r\n", Verdict::Ok, "a  b"},
-    Answer{"\r\nOK\r\r\nOK\r\n", Verdict::Ok, "OK"},
-    Answer{"\r\nERRO\r\nERROR\r\n", Verdict::Error, ""},
-    Answer{"AT+X\r\r\nERROR\r\n", Verdict::Error, ""},
-    Answer{"\r\n+CME ERROR: 10\r\n", Verdict::CmeError, "10"},
-    Answer{"AT+CPIN?\r\r\n+CME ERROR: SIM busy \r\n", Verdict::CmeError, "SIM busy"},
-    Answer{"\r\n+CMS ERROR: 500\r\n", Verdict::CmsError, "500"},
-    Answer{"\r\n+CME ERROR:\r\n", Verdict::CmeError, ""},
-    Answer{"\r\n\r\r\n+CME ERROR: 3\r\n", Verdict::CmeError, "3"},
-    // Not final results: another case, no line end before or behind, half markers.
-    Answer{"OK\r\n", Verdict::None, "OK\r\n"},
-    Answer{"\r\nok\r\n", Verdict::None, "\r\nok\r\n"},
-    Answer{"\r\nOK\r", Verdict::None, "\r\nOK\r"},
-    Answer{"\nOK\n", Verdict::None, "\nOK\n"},
-    Answer{"\r\nNO CARRIER\r\n", Verdict::None, "\r\nNO CARRIER\r\n"},
-    Answer{"+CME ERROR: 1\r\n", Verdict::None, "+CME ERROR: 1\r\n"},
-    Answer{"\r\n+CME ERROR: 1\n", Verdict::None, " 1\n"},
-    Answer{"\r\n+CMS ERROR: 12", Verdict::None, " 12"},
-    Answer{"", Verdict::None, ""},
-};
-
 TEST(FinalResult, KnowsAnswersHoweverTheyAreSplit) {
-    for (const Answer& answer : kAnswers)
+    const Answer answers[] = {
+        {"AT\r\r\nOK\r\n", Verdict::Ok, "AT"},
+        {"\r\n+CGMI: X\r\n\r\nOK\r\n", Verdict::Ok, "+CGMI: X"},
+        {" \t\v\f\r\na  b\r\n\r\nOK\r\n", Verdict::Ok, "a  b"},
+        {"\r\nOK\r\r\nOK\r\n", Verdict::Ok, "OK"},
+        {"\r\nOK\r\n", Verdict::Ok, ""},
+        {"AT\r\nERRO\r\nERROR\r\n", Verdict::Error, ""},
+        {"\r\n+CME ERROR: 10\r\n", Verdict::CmeError, "10"},
+        {"AT+CPIN?\r\r\n+CME ERROR: SIM busy \r\n", Verdict::CmeError, "SIM busy"},
+        {"\r\n+CMS ERROR: 500\r\n", Verdict::CmsError, "500"},
+        {"\r\n\r\r\n+CME ERROR:\r\n", Verdict::CmeError, ""},
+        // Not final results: another case, no line end before or behind, half markers.
+        {"OK\r\n", Verdict::None, "OK\r\n"},
+        {"\r\nok\r\n", Verdict::None, "\r\nok\r\n"},
+        {"\r\nOK\r", Verdict::None, "\r\nOK\r"},
+        {"\nOK\n", Verdict::None, "\nOK\n"},
+        {"\r\nNO CARRIER\r\n", Verdict::None, "\r\nNO CARRIER\r\n"},
+        {"+CME ERROR: 1\r\n", Verdict::None, "+CME ERROR: 1\r\n"},
+        {"\r\n+CME ERROR: 1\n", Verdict::None, " 1\n"},
+        {"\r\n+CMS ERROR: 12", Verdict::None, " 12"},
+        {"", Verdict::None, ""},
+    };
+    for (const Answer& answer : answers)
         for (const std::size_t readSize : {1, 2, 3, 5, 7, 13, 1023})
             Check(answer, readSize);
-}
-
-// Where several markers stand in one read, the order of the tests decides, not the order of
-// arrival.
-TEST(FinalResult, TestsInItsOrderWithinARead) {
-    constexpr std::array wholes = {
-        Answer{"\r\nERROR\r\n\r\nOK\r\n", Verdict::Ok, "ERROR"},
-        Answer{"\r\n+CME ERROR: 7\r\n\r\nOK\r\n", Verdict::Ok, "+CME ERROR: 7"},
-        Answer{"\r\n+CME ERROR: 7\r\n\r\nERROR\r\n", Verdict::Error, ""},
-        Answer{"\r\n+CMS ERROR: 5\r\n+CME ERROR: 7\r\n", Verdict::CmeError, "7"},
-        Answer{"\r\n+CME ERROR: 7\r\n+CMS ERROR: 5\r\n", Verdict::CmeError, "5"},
-        Answer{"\r\nOK\r\n\r\nOK\r\n", Verdict::Ok, ""},
-        Answer{"a\r\n+CME ERROR: 1\r\n+CME ERROR: 2\r\n", Verdict::CmeError, "1\r\n+CME ERROR: 2"},
+    // Within one read the order of the tests decides, not the order of arrival.
+    const Answer wholes[] = {
+        {"\r\nERROR\r\n\r\nOK\r\n", Verdict::Ok, "ERROR"},
+        {"\r\n+CME ERROR: 7\r\n\r\nOK\r\n", Verdict::Ok, "+CME ERROR: 7"},
+        {"\r\n+CME ERROR: 7\r\n\r\nERROR\r\n", Verdict::Error, ""},
+        {"\r\n+CMS ERROR: 5\r\n+CME ERROR: 7\r\n", Verdict::CmeError, "7"},
+        {"\r\n+CME ERROR: 7\r\n+CMS ERROR: 5\r\n", Verdict::CmeError, "5"},
+        {"\r\nOK\r\n\r\nOK\r\n", Verdict::Ok, ""},
+        {"a\r\n+CME ERROR: 1\r\n+CME ERROR: 2\r\n", Verdict::CmeError, "1\r\n+CME ERROR: 2"},
     };
     for (const Answer& answer : wholes)
         Check(answer, 1023);
@@ -88,7 +80,7 @@ TEST(FinalResult, NulEndsWhatAReadContributes) {
 }
 
 TEST(FinalResult, KeepsABoundedPartOfAnEndlessAnswer) {
-    const std::string most(CFinalResult::MAX_RESPONSE, 'x');
+    const std::string most(CFinalResult::kMaxResponse, 'x');
     const Answer endings[] = {
         {"\r\nOK\r\n", Verdict::Ok, most},
         {"\r\nERROR\r\n", Verdict::Error, ""},

@@ -20,9 +20,7 @@
 class CSubstituteSerial final : public ISerial, public ISerialWait {
   public:
     enum class Kind { Polled, Waitable };
-    explicit CSubstituteSerial(Kind kind = Kind::Polled)
-        : m_kind(kind), m_hReceive(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-          m_hHangup(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
+    explicit CSubstituteSerial(Kind kind = Kind::Polled) : m_kind(kind) {}
     virtual ~CSubstituteSerial() = default;
 
     // What the next reads give, one entry a read.
@@ -81,7 +79,7 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
         std::memcpy(buffer, bytes.data(), length);
         if (length < bytes.size() && m_endlessRead.empty())
             m_reads.push_front(bytes.substr(length));
-        if (m_reads.empty() && !m_bVanished)
+        if (m_reads.empty() && m_endlessRead.empty() && !m_bVanished)
             ResetEvent(m_hReceive);
         return static_cast<DWORD>(length);
     }
@@ -119,8 +117,8 @@ class CSubstituteSerial final : public ISerial, public ISerialWait {
   private:
     const Kind m_kind;
     std::mutex m_lock;
-    CUniqueHandle m_hReceive;
-    CUniqueHandle m_hHangup;
+    CUniqueHandle m_hReceive{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
+    CUniqueHandle m_hHangup{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
     BOOL m_bVanished = FALSE;
 };
 

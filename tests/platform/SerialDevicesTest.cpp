@@ -1,10 +1,9 @@
 // The list of serial devices, and the registry that is made of it.
-
 #include "platform/comm/SerialDevices.h"
 #include "platform/Error.h"
 #include "platform/Registry.h"
 #include "platform/objects/HandleTable.h"
-#include "platform/system/RegistryKey.h"
+#include "platform/system/ModemKey.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -28,15 +27,13 @@ TEST(SerialDevices, AreThoseWithHardwareAndNoConsoles) {
         {"ptmx", false},           {"hvc0", true},
     };
     const CTempFolder sysfs;
-    for (const auto& row : rows) {
-        const std::string folder = row.name;
-        std::filesystem::create_directories(
-            sysfs.GetPath(folder + (row.hasDevice ? "/device" : "")));
-        for (const auto& [attribute, value] :
-             {std::pair{"/type", row.type}, {"/console", row.console}}) {
-            if (*value != 0)
-                sysfs.Write(folder + attribute, std::string(value) + '\n');
-        }
+    for (const auto& [name, hasDevice, type, console] : rows) {
+        const std::string folder = name;
+        std::filesystem::create_directories(sysfs.GetPath(folder + (hasDevice ? "/device" : "")));
+        if (*type != 0)
+            sysfs.Write(folder + "/type", std::string(type) + '\n');
+        if (*console != 0)
+            sysfs.Write(folder + "/console", std::string(console) + '\n');
     }
     std::vector<std::string> ports;
     for (const platform::SerialDevice& device : platform::ListSerialDevices(sysfs.GetPath("")))
@@ -46,21 +43,20 @@ TEST(SerialDevices, AreThoseWithHardwareAndNoConsoles) {
     EXPECT_TRUE(platform::ListSerialDevices(sysfs.GetPath("none")).empty());
 }
 
-TEST(Registry, TellsValuesWithinTheBuffers) {
+TEST(Registry, TellsAModemsDeviceWithinTheBuffers) {
     const HKEY key = reinterpret_cast<HKEY>(
-        platform::RegisterHandle(std::make_shared<platform::CRegistryKeyObject>(
-            "", platform::RegistryValues{{"name", "COM3"}})));
-    char name[5];
+        platform::RegisterHandle(std::make_shared<platform::CModemKey>("/dev")));
+    char name[11];
     BYTE data[5];
     const auto tell = [&](DWORD index, DWORD nameSize, DWORD dataSize) {
         return RegEnumValueA(key, index, name, &nameSize, nullptr, nullptr, data, &dataSize);
     };
-    EXPECT_EQ(tell(0, 4, 5), static_cast<LONG>(ERROR_MORE_DATA));
-    EXPECT_EQ(tell(0, 5, 4), static_cast<LONG>(ERROR_MORE_DATA));
-    EXPECT_EQ(tell(0, 5, 5), 0);
-    EXPECT_STREQ(name, "name");
-    EXPECT_STREQ(reinterpret_cast<char*>(data), "COM3");
-    EXPECT_EQ(tell(1, 5, 5), static_cast<LONG>(ERROR_NO_MORE_ITEMS));
+    EXPECT_EQ(tell(0, 10, 5), static_cast<LONG>(ERROR_MORE_DATA));
+    EXPECT_EQ(tell(0, 11, 4), static_cast<LONG>(ERROR_MORE_DATA));
+    EXPECT_EQ(tell(0, 11, 5), 0);
+    EXPECT_STREQ(name, "AttachedTo");
+    EXPECT_STREQ(reinterpret_cast<char*>(data), "/dev");
+    EXPECT_EQ(tell(1, 11, 5), static_cast<LONG>(ERROR_NO_MORE_ITEMS));
     EXPECT_EQ(RegCloseKey(key), 0);
 }
 

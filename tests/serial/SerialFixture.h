@@ -17,7 +17,7 @@ using Texts = std::vector<std::string>;
 
 class CSerialTest : public testing::Test {
   protected:
-    CSerialTest() {
+    explicit CSerialTest(CPseudoTerminal device = {}) : m_device(std::move(device)) {
         EXPECT_EQ(CreateSerial(m_serial.Receive(), nullptr), S_OK);
         m_wait = m_serial.Query<ISerialWait>(IID_ISerialWait);
     }

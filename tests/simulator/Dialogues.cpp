@@ -8,8 +8,6 @@ using namespace modemsim;
 
 namespace {
 
-const std::string connectLine = "\r\nCONNECT\r\n";
-
 std::string Unescape(std::string_view text) {
     std::string bytes;
     for (std::size_t index = 0; index < text.size(); ++index) {
@@ -33,7 +31,7 @@ void Hold(const std::string& dialogue, bool isBytewise) {
             options += ' ' + rest;
         if (line[0] == '<')
             expected += rest;
-        if (line[0] != '>' && line[0] != '.')
+        if (line[0] != '>' && line[0] != '.' && line[0] != '/')
             continue;
         EXPECT_EQ(sent, expected) << "behind " << done << " of\n" << dialogue;
         if (!modem)
@@ -42,6 +40,8 @@ void Hold(const std::string& dialogue, bool isBytewise) {
         done = line;
         if (line[0] == '.')
             sent = modem->Wait(std::stoll(rest));
+        else if (line[0] == '/')
+            sent = modem->Reopen();
         else
             sent = isBytewise ? modem->TypeBytewise(rest) : modem->Type(rest);
     }
@@ -64,41 +64,6 @@ TEST(Dialogues, GoAsTheFileSays) {
         ++count;
     }
     EXPECT_GT(count, 40);
-}
-
-TEST(Dialogues, EchoShowsWhatIsTyped) {
-    CTestModem modem;
-    EXPECT_EQ(modem.TypeBytewise("at\r\n"), "at\r\r\nOK\r\n");
-    EXPECT_EQ(modem.Type("ATX\b\b\b\bA"), "ATX\b \b\b \b\b \bA");
-    EXPECT_EQ(modem.Type("TE0\r"), "TE0\r\r\nOK\r\n");
-    EXPECT_EQ(modem.Type("AT\r"), okLine);
-    EXPECT_EQ(modem.Type("ATZ\rAT\r"), "\r\nOK\r\nAT\r\r\nOK\r\n");
-}
-
-TEST(Dialogues, DataModeEchoesEveryByte) {
-    CTestModem modem(QuietProfile());
-    modem.Type("ATD1\r");
-    EXPECT_EQ(modem.Wait(1000), connectLine);
-    std::string every;
-    for (int byte = 0; byte < 256; ++byte)
-        every += static_cast<char>(byte);
-    EXPECT_EQ(modem.Type(every), every);
-}
-
-TEST(Dialogues, DataModeEndsAsTheDtrSettingSays) {
-    const std::string noCarrierLine = "\r\nNO CARRIER\r\n";
-    const std::string afterwards[] = {connectLine, connectLine, noCarrierLine, noCarrierLine};
-    for (std::size_t action = 0; action < 4; ++action) {
-        CTestModem modem(QuietProfile());
-        modem.Type("AT&D" + std::to_string(action) + "S12=0S7=9D1\r");
-        EXPECT_EQ(modem.Wait(1000), connectLine);
-        modem.Modem().SetOpen(false, modem.Now());
-        modem.Modem().SetOpen(true, modem.Now());
-        if (action == 0) {
-            EXPECT_EQ(modem.Type("x+++"), "x+++" + okLine);
-        }
-        EXPECT_EQ(modem.Type("ATO\r"), afterwards[action]) << action;
-    }
 }
 
 TEST(Dialogues, NothingIsToBeDoneForNobody) {

@@ -12,7 +12,7 @@ namespace modemsim {
 
 class CTestModem {
   public:
-    explicit CTestModem(const SSimulatorProfile& profile = {}) : m_Modem(profile) {
+    explicit CTestModem(const SimulatorProfile& profile = {}) : m_Modem(profile) {
         m_Modem.SetOpen(true, m_tNow);
     }
 
@@ -57,6 +57,13 @@ class CTestModem {
         return sent;
     }
 
+    // The last opener goes and another one comes.
+    std::string Reopen() {
+        m_Modem.SetOpen(false, m_tNow);
+        m_Modem.SetOpen(true, m_tNow);
+        return Read();
+    }
+
     CModemSimulator& Modem() { return m_Modem; }
     TimeMs Now() const { return m_tNow; }
 
@@ -66,7 +73,7 @@ class CTestModem {
 };
 
 // Words are parted by one blank; a blank at the end is an empty word.
-inline SSimulatorOptions Parse(const std::string& line) {
+inline SimulatorOptions Parse(const std::string& line) {
     std::istringstream stream("wirelet-modemsim " + line + ' ');
     std::vector<std::string> words;
     for (std::string word; std::getline(stream, word, ' ');)
@@ -79,13 +86,13 @@ inline SSimulatorOptions Parse(const std::string& line) {
 }
 
 // Without echo, which most tests would only repeat.
-inline SSimulatorProfile QuietProfile(const std::string& options = "--no-echo --messages 0") {
-    SSimulatorProfile profile = Parse(options).profile;
+inline SimulatorProfile QuietProfile(const std::string& options = "--no-echo --messages 0") {
+    SimulatorProfile profile = Parse(options).profile;
     profile.version = "9.9";
     profile.startSeconds = 1717157045; // 2024-05-31 12:04:05
     return profile;
 }
 
-inline const std::string okLine = "\r\nOK\r\n";
+inline const std::string kOkLine = "\r\nOK\r\n";
 
 } // namespace modemsim

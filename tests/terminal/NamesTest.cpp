@@ -58,46 +58,38 @@ TEST(StandardError, BreaksLinesBetweenWords) {
 }
 
 TEST(Decimal, FollowsTheLibraryAndStaysInBounds) {
-    const struct {
-        const char* text;
-        int value;
-    } rows[] = {
-        {"x1", 0},  {" \t+42", 42},           {"-12z", -12},
-        {"- 1", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN},
+    const std::pair<const char*, int> rows[] = {
+        {"", 0},       {"x1", 0},  {" \t+42", 42},           {" ", 0},
+        {"-12z", -12}, {"- 1", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(ParseDecimal(row.text), row.value) << row.text;
+    for (const auto& [text, value] : rows)
+        EXPECT_EQ(ParseDecimal(text), value) << text;
 }
 
-CommandLine Parse(std::initializer_list<const char*> arguments) {
-    g_strCommandFile.clear();
-    g_strOutputFile.clear();
-    g_strScriptFile.clear();
-    std::vector<const char*> vector{"wirelet"};
-    vector.insert(vector.end(), arguments);
-    return ParseCommandLine(static_cast<int>(vector.size()), vector.data());
+// "usage", or the port, the baud rate and the files of -A, -O, -S and --check.
+std::string Parse(std::initializer_list<const char*> arguments) {
+    g_strCommandFile = g_strOutputFile = g_strScriptFile = "";
+    std::vector<const char*> words{"wirelet"};
+    words.insert(words.end(), arguments);
+    const CommandLine line = ParseCommandLine(static_cast<int>(words.size()), words.data());
+    return line.wantsUsage
+               ? "usage"
+               : line.port + "," + std::to_string(line.baudRate) + "," + g_strCommandFile + "," +
+                     g_strOutputFile + "," + g_strScriptFile + "," + line.checkedFile;
 }
 
 TEST(CommandLine, FilesKeepTheirCaseAndLaterSwitchesWin) {
-    const CommandLine line = Parse({"COM1", "-b:57600", "/a:Test.dat", "-O:Out.TXT", "-s:run.scr"});
-    EXPECT_EQ(line.port, "COM1");
-    EXPECT_EQ(line.baudRate, 57600);
-    EXPECT_EQ(g_strCommandFile, "Test.dat");
-    EXPECT_EQ(g_strOutputFile, "Out.TXT");
-    EXPECT_EQ(g_strScriptFile, "run.scr");
     setenv("HOME", "/home/me", 1);
-    Parse({"COM1", "-A:~/x", "-O:~", "-S:a~/x"});
-    EXPECT_EQ(g_strCommandFile, "/home/me/x");
-    EXPECT_EQ(g_strOutputFile, "~");
-    EXPECT_EQ(g_strScriptFile, "a~/x");
-    EXPECT_EQ(Parse({"COM1", "-B:1200", "-B:2400"}).baudRate, 2400);
-    EXPECT_EQ(Parse({"COM1", "B:9600", "-X:foo", "-B", "-", "", "--B:1"}).baudRate, 0);
-    EXPECT_EQ(Parse({"-B:9600"}).port, "-B:9600");
-    EXPECT_TRUE(Parse({"/?", "COM1"}).wantsUsage);
-    EXPECT_FALSE(Parse({"COM1", "-?"}).wantsUsage);
-    EXPECT_TRUE(Parse({"--check"}).wantsUsage);
-    EXPECT_TRUE(Parse({"--check", "a.scr", "b.scr"}).wantsUsage);
-    EXPECT_EQ(Parse({"--check", "-?"}).checkedFile, "-?");
+    EXPECT_EQ(Parse({"COM1", "-b:57600", "/a:Test.dat", "-O:Out.TXT", "-s:run.scr"}),
+              "COM1,57600,Test.dat,Out.TXT,run.scr,");
+    EXPECT_EQ(Parse({"COM1", "-A:~/x", "-O:~", "-S:a~/x"}), "COM1,0,/home/me/x,~,a~/x,");
+    EXPECT_EQ(Parse({"COM1", "-B:1200", "-B:2400"}), "COM1,2400,,,,");
+    EXPECT_EQ(Parse({"COM1", "B:9600", "-X:foo", "-B", "-", "", "--B:1", "-?"}), "COM1,0,,,,");
+    EXPECT_EQ(Parse({"-B:9600"}), "-B:9600,0,,,,");
+    EXPECT_EQ(Parse({"/?", "COM1"}), "usage");
+    EXPECT_EQ(Parse({"--check"}), "usage");
+    EXPECT_EQ(Parse({"--check", "a.scr", "b.scr"}), "usage");
+    EXPECT_EQ(Parse({"--check", "-?"}), "--check,0,,,,-?");
 }
 
 TEST(CaptureFile, EveryLineBreakIsCrLf) {
