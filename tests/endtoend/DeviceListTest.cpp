@@ -20,24 +20,16 @@ class CDeviceListTest : public CSessionTest {
     }
 
     void NameModems(const std::string& lines) { m_folder.Write("wirelet/modems.conf", lines); }
-
-    static FakeInterface OnBoard(const std::string& name) {
-        FakeInterface port;
-        port.name = name;
-        port.node = name;
-        return port;
-    }
 };
 
 TEST_F(CDeviceListTest, FromTheListToTheModemAndBackAgain) {
     CSimulator simulator(m_pump);
-    FakeInterface adapter;
-    adapter.name = "ttyUSB0";
-    adapter.node = m_device.GetPath().substr(sizeof "/dev");
-    adapter.hardware = "1-2";
-    adapter.properties = {{"ID_VENDOR_FROM_DATABASE", "Acme"},
-                          {"ID_MODEL_FROM_DATABASE", "Rocket"}};
-    CDeviceNamespace::SetInterfaces({OnBoard("ttyS2"), adapter});
+    CDeviceNamespace::SetInterfaces({{.name = "ttyS2", .node = "ttyS2"},
+                                     {.name = "ttyUSB0",
+                                      .node = m_device.GetPath().substr(sizeof "/dev"),
+                                      .hardware = "1-2",
+                                      .properties = {{"ID_VENDOR_FROM_DATABASE", "Acme"},
+                                                     {"ID_MODEL_FROM_DATABASE", "Rocket"}}}});
     NameModems("# mine\nDesk phone = " + simulator.GetPath() + "\n");
 
     StartWith({});
@@ -102,7 +94,7 @@ TEST_F(CDeviceListTest, AnswersAndTheirExitCodes) {
 
 // One row for each place that knows the reason.
 TEST_F(CDeviceListTest, DevicesThatDoNotOpenAreExplained) {
-    CDeviceNamespace::SetInterfaces({OnBoard("null")});
+    CDeviceNamespace::SetInterfaces({{.name = "null", .node = "null"}});
     NameModems("Gone = " + m_folder.GetPath("gone") + "\nFile = /dev/zero\n");
     const std::string noSuchName = ": no modem has this name; there are \"Gone\", \"File\"; ";
     const std::string longName = '/' + std::string(5000, 'n');
