@@ -28,10 +28,7 @@ CBoxKeys::~CBoxKeys() {
     m_session.SetRedraws(false);
     CConsoleInput& input = m_session.Input();
     input.Release();
-    if (m_bControlEvent)
-        input.AddMenuEvent();
-    if (m_bSizeEvent)
-        input.AddSizeEvent(m_size);
+    input.AddEvent(m_wEvents);
 }
 
 BoxKey CBoxKeys::Next() {
@@ -54,17 +51,10 @@ BoxKey CBoxKeys::Next() {
 }
 
 BoxKey CBoxKeys::KeyOf(const INPUT_RECORD& record) {
-    switch (record.EventType) {
-    case KEY_EVENT:
+    if (record.EventType == KEY_EVENT)
         return KeyOf(record.Event.KeyEvent);
-    case WINDOW_BUFFER_SIZE_EVENT:
-        m_bSizeEvent = true;
-        m_size = record.Event.WindowBufferSizeEvent;
-        return BoxKey::Redraw;
-    default:
-        m_bControlEvent = true;
-        return BoxKey::Closed;
-    }
+    m_wEvents |= record.EventType;
+    return record.EventType == WINDOW_BUFFER_SIZE_EVENT ? BoxKey::Redraw : BoxKey::Closed;
 }
 
 BoxKey CBoxKeys::KeyOf(const KEY_EVENT_RECORD& key) {

@@ -38,9 +38,7 @@ class CBoxKeys {
     static BoxKey KeyOf(const KEY_EVENT_RECORD& key);
 
     CConsoleSession& m_session;
-    COORD m_size = {0, 0};
-    bool m_bControlEvent = false;
-    bool m_bSizeEvent = false;
+    WORD m_wEvents = 0; // types of the events that came meanwhile
 };
 
 } // namespace platform

@@ -86,7 +86,7 @@ struct KEY_EVENT_RECORD {
     BOOL bKeyDown;
     WORD wRepeatCount; // 0: another byte of the same character
     WORD wVirtualKeyCode;
-    WORD wVirtualScanCode;
+    WORD wVirtualScanCode; // always 0: a terminal tells none
     union {
         char AsciiChar;
     } uChar;
@@ -97,7 +97,6 @@ struct INPUT_RECORD {
     WORD EventType;
     union {
         KEY_EVENT_RECORD KeyEvent;
-        COORD WindowBufferSizeEvent;
     } Event;
 };
 
@@ -133,7 +132,8 @@ BOOL SetConsoleMode(HANDLE hConsoleHandle, DWORD dwMode);
 // with ERROR_NOT_ENOUGH_MEMORY. While one is there, Ctrl+\ (SIGQUIT) is CTRL_BREAK_EVENT, SIGHUP is
 // CTRL_CLOSE_EVENT, SIGTERM is CTRL_SHUTDOWN_EVENT, SIGINT is CTRL_C_EVENT (CTRL_BREAK_EVENT when
 // standard input is no terminal, since Ctrl+C is no key then); with none, signals have their usual
-// effect. Each control event also becomes a MENU_EVENT record, so that a wait for the input ends.
+// effect. Each control event also becomes a MENU_EVENT record, so that a wait for the input ends;
+// so does a change of the terminal's size as a WINDOW_BUFFER_SIZE_EVENT.
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE HandlerRoutine, BOOL Add);
 
 // The title of the terminal's window, control characters left out. TRUE also where the terminal has

@@ -44,39 +44,26 @@ void CConsoleInput::Use(int descriptor, const char* terminalType) {
         m_nDescriptor = m_own.Get();
 }
 
-void CConsoleInput::AddMenuEvent() {
-    m_nEvents |= kMenu;
-}
-
-void CConsoleInput::AddSizeEvent(COORD size) {
-    m_nEvents |= kSize;
-    m_size = size;
-}
-
 void CConsoleInput::TakeEvent(INPUT_RECORD& record) {
-    record = {};
-    if ((m_nEvents & kMenu) != 0) {
-        m_nEvents &= ~static_cast<unsigned>(kMenu);
-        record.EventType = MENU_EVENT;
-        return;
-    }
-    m_nEvents &= ~static_cast<unsigned>(kSize);
-    record.EventType = WINDOW_BUFFER_SIZE_EVENT;
-    record.Event.WindowBufferSizeEvent = m_size;
+    const WORD type = (m_wEvents & MENU_EVENT) != 0 ? MENU_EVENT : WINDOW_BUFFER_SIZE_EVENT;
+    m_wEvents &= static_cast<WORD>(~type);
+    record = {type, {}};
 }
 
 // Ctrl+@ is the one character that is no character to who reads the record: it is told by its key,
 // the 2 on which it lies.
 void CConsoleInput::FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD controlKeys) {
     constexpr WORD kKey2 = 0x32;
-    record.EventType = KEY_EVENT;
-    KEY_EVENT_RECORD& key = record.Event.KeyEvent;
-    key.bKeyDown = TRUE;
-    key.wRepeatCount = GoesOn(byte) ? 0 : 1;
-    key.wVirtualKeyCode = byte == 0 ? kKey2 : WORD{0};
-    key.wVirtualScanCode = 0;
-    key.uChar.AsciiChar = static_cast<char>(byte == m_byErase ? kBackspace : byte);
-    key.dwControlKeyState = controlKeys | (byte == 0 ? LEFT_CTRL_PRESSED : 0);
+    const bool isNul = byte == 0;
+    const auto character = static_cast<char>(byte == m_byErase ? kBackspace : byte);
+    const WORD repeats = GoesOn(byte) ? 0 : 1;
+    record = {KEY_EVENT,
+              {{TRUE,
+                repeats,
+                isNul ? kKey2 : WORD{0},
+                0,
+                {character},
+                controlKeys | (isNul ? LEFT_CTRL_PRESSED : 0)}}};
 }
 
 // Whether the byte belongs to the character of the one before it.
@@ -90,19 +77,8 @@ bool CConsoleInput::GoesOn(std::uint8_t byte) {
     return false;
 }
 
-void CConsoleInput::FillKey(INPUT_RECORD& record, const CConsoleKeys::Match& match) {
-    record.EventType = KEY_EVENT;
-    KEY_EVENT_RECORD& key = record.Event.KeyEvent;
-    key.bKeyDown = TRUE;
-    key.wRepeatCount = 1;
-    key.wVirtualKeyCode = match.virtualKey;
-    key.wVirtualScanCode = ScanCodeOf(match.virtualKey);
-    key.uChar.AsciiChar = 0;
-    key.dwControlKeyState = match.controlKeys;
-}
-
 CConsoleInput::Taken CConsoleInput::TakeSlow(INPUT_RECORD& record) {
-    if (m_nEvents != 0) {
+    if (m_wEvents != 0) {
         TakeEvent(record);
         return Taken::Record;
     }
@@ -119,7 +95,7 @@ CConsoleInput::Taken CConsoleInput::TakeSlow(INPUT_RECORD& record) {
     }
     m_nBegin += match.length;
     if (match.kind == CConsoleKeys::Kind::Key)
-        FillKey(record, match);
+        record = {KEY_EVENT, {{TRUE, 1, match.virtualKey, 0, {0}, match.controlKeys}}};
     else if (match.kind == CConsoleKeys::Kind::Alt)
         FillCharacter(record, m_bytes[m_nBegin++], LEFT_ALT_PRESSED);
     else
@@ -144,7 +120,7 @@ bool CConsoleInput::IsTimeUp() const {
 }
 
 bool CConsoleInput::IsReady() const {
-    if (m_nEvents != 0 || m_bEnd)
+    if (m_wEvents != 0 || m_bEnd)
         return true;
     return m_nBegin < m_nEnd && Look(false).kind != CConsoleKeys::Kind::More;
 }
@@ -166,7 +142,7 @@ bool CConsoleInput::TryAcquire(short events) {
 }
 
 void CConsoleInput::Hold() {
-    m_nHeldEvents = std::exchange(m_nEvents, 0);
+    m_wHeldEvents = std::exchange(m_wEvents, 0);
     KeepUnfinished();
     while (m_nEnd < kMostHeld && !m_bEnd && IsReadable(m_nDescriptor))
         Fill(kMostHeld);
@@ -178,7 +154,7 @@ void CConsoleInput::Release() {
     std::memmove(m_bytes + m_nHeld, m_bytes + m_nBegin, left);
     m_nEnd = m_nHeld + left;
     m_nBegin = m_nCarried = m_nHeld = 0;
-    m_nEvents |= std::exchange(m_nHeldEvents, 0);
+    m_wEvents |= std::exchange(m_wHeldEvents, 0);
 }
 
 void CConsoleInput::Read() {

@@ -34,7 +34,7 @@ class CConsoleInput final : public CHandleObject {
     enum class Taken { Record, Nothing, End };
     // Takes the next record if there is one, without blocking; END at the end of the input.
     Taken Take(INPUT_RECORD& record) {
-        if (m_nBegin < m_nEnd && m_bytes[m_nBegin] != CConsoleKeys::kEscape && m_nEvents == 0) {
+        if (m_nBegin < m_nEnd && m_bytes[m_nBegin] != CConsoleKeys::kEscape && m_wEvents == 0) {
             FillCharacter(record, m_bytes[m_nBegin++], 0);
             return Taken::Record;
         }
@@ -59,9 +59,9 @@ class CConsoleInput final : public CHandleObject {
     void Hold();
     void Release();
 
-    // Records that come before what was typed.
-    void AddMenuEvent();
-    void AddSizeEvent(COORD size);
+    // Adds a record of this type, MENU_EVENT or WINDOW_BUFFER_SIZE_EVENT, that comes before what
+    // was typed; one that waits already counts for both.
+    void AddEvent(WORD type) { m_wEvents |= type; }
 
     int WaitDescriptor() const override { return m_bEnd ? -1 : m_nDescriptor; }
     bool IsReady() const override;
@@ -76,11 +76,8 @@ class CConsoleInput final : public CHandleObject {
     static constexpr std::size_t kMostHeld = 2 * kMostRead;
 
   private:
-    enum Event : unsigned { kMenu = 1, kSize = 2 };
-
     void FillCharacter(INPUT_RECORD& record, std::uint8_t byte, DWORD controlKeys);
     bool GoesOn(std::uint8_t byte);
-    static void FillKey(INPUT_RECORD& record, const CConsoleKeys::Match& match);
     Taken TakeSlow(INPUT_RECORD& record);
     void TakeEvent(INPUT_RECORD& record);
     CConsoleKeys::Match Look(bool final) const;
@@ -95,8 +92,8 @@ class CConsoleInput final : public CHandleObject {
     void KeepUnfinished();
     void LoadKeys();
 
-    unsigned m_nEvents = 0; // events that wait to be taken
-    unsigned m_nHeldEvents = 0;
+    WORD m_wEvents = 0; // types of the records that wait to be taken
+    WORD m_wHeldEvents = 0;
     std::size_t m_nHeld = 0; // bytes at the start of the buffer that are set aside
     std::size_t m_nBegin = 0;
     std::size_t m_nEnd = 0;
@@ -112,7 +109,6 @@ class CConsoleInput final : public CHandleObject {
     bool m_bUtf8 = true;
     std::uint8_t m_byErase = kBackspace;
     CUtf8Decoder m_character; // as far as it was delivered
-    COORD m_size = {0, 0};
     const char* m_terminalType = nullptr;
     std::uint8_t m_bytes[kMostHeld + kMostRead];
     CConsoleKeys m_keys; // loaded when the first ESC is typed: starting up needs none of it

@@ -21,7 +21,6 @@ constexpr char kNone = 0;
 // (rxvt's arrows). OtherNumber is the one that rxvt uses.
 struct KeyOfFamilies {
     WORD virtualKey;
-    WORD scanCode;
     int number;       // before ~
     int otherNumber;  // before ~
     int terminfo;     // unibi_string
@@ -31,22 +30,22 @@ struct KeyOfFamilies {
 };
 
 constexpr KeyOfFamilies kKeys[] = {
-    {VK_UP, 0x48, 0, 0, unibi_key_up, 'A', kNone, 'a'},
-    {VK_DOWN, 0x50, 0, 0, unibi_key_down, 'B', kNone, 'b'},
-    {VK_RIGHT, 0x4D, 0, 0, unibi_key_right, 'C', kNone, 'c'},
-    {VK_LEFT, 0x4B, 0, 0, unibi_key_left, 'D', kNone, 'd'},
-    {VK_HOME, 0x47, 1, 7, unibi_key_home, 'H', kNone, kNone},
-    {VK_END, 0x4F, 4, 8, unibi_key_end, 'F', kNone, kNone},
-    {VK_INSERT, 0x52, 2, 0, unibi_key_ic, kNone, kNone, kNone},
-    {VK_DELETE, 0x53, 3, 0, unibi_key_dc, kNone, kNone, kNone},
-    {VK_PRIOR, 0x49, 5, 0, unibi_key_ppage, kNone, kNone, kNone},
-    {VK_NEXT, 0x51, 6, 0, unibi_key_npage, kNone, kNone, kNone},
-    {VK_F1, 0x3B, 11, 0, unibi_key_f1, 'P', 'A', kNone},
-    {VK_F2, 0x3C, 12, 0, unibi_key_f2, 'Q', 'B', kNone},
-    {VK_F3, 0x3D, 13, 0, unibi_key_f3, 'R', 'C', kNone},
-    {VK_F4, 0x3E, 14, 0, unibi_key_f4, 'S', 'D', kNone},
-    {VK_F5, 0x3F, 15, 0, unibi_key_f5, kNone, 'E', kNone},
-    {VK_F6, 0x40, 17, 0, unibi_key_f6, kNone, kNone, kNone},
+    {VK_UP, 0, 0, unibi_key_up, 'A', kNone, 'a'},
+    {VK_DOWN, 0, 0, unibi_key_down, 'B', kNone, 'b'},
+    {VK_RIGHT, 0, 0, unibi_key_right, 'C', kNone, 'c'},
+    {VK_LEFT, 0, 0, unibi_key_left, 'D', kNone, 'd'},
+    {VK_HOME, 1, 7, unibi_key_home, 'H', kNone, kNone},
+    {VK_END, 4, 8, unibi_key_end, 'F', kNone, kNone},
+    {VK_INSERT, 2, 0, unibi_key_ic, kNone, kNone, kNone},
+    {VK_DELETE, 3, 0, unibi_key_dc, kNone, kNone, kNone},
+    {VK_PRIOR, 5, 0, unibi_key_ppage, kNone, kNone, kNone},
+    {VK_NEXT, 6, 0, unibi_key_npage, kNone, kNone, kNone},
+    {VK_F1, 11, 0, unibi_key_f1, 'P', 'A', kNone},
+    {VK_F2, 12, 0, unibi_key_f2, 'Q', 'B', kNone},
+    {VK_F3, 13, 0, unibi_key_f3, 'R', 'C', kNone},
+    {VK_F4, 14, 0, unibi_key_f4, 'S', 'D', kNone},
+    {VK_F5, 15, 0, unibi_key_f5, kNone, 'E', kNone},
+    {VK_F6, 17, 0, unibi_key_f6, kNone, kNone, kNone},
 };
 
 // xterm adds 1 to the sum of Shift 1, Alt 2, Ctrl 4, Meta 8.
@@ -151,14 +150,6 @@ void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType) {
             keys.Add(sequence, key.virtualKey, 0);
     }
     AddOtherKeys(keys, entry.get());
-}
-
-WORD ScanCodeOf(WORD virtualKey) {
-    for (const KeyOfFamilies& key : kKeys) {
-        if (key.virtualKey == virtualKey)
-            return key.scanCode;
-    }
-    return 0;
 }
 
 } // namespace platform

@@ -15,7 +15,4 @@ void AddKnownKeys(CConsoleKeys& keys);
 // an entry nothing changes.
 void AddTerminfoKeys(CConsoleKeys& keys, const char* terminalType);
 
-// The scan code that a PC keyboard has for a virtual key of the table; 0 for others.
-WORD ScanCodeOf(WORD virtualKey);
-
 } // namespace platform

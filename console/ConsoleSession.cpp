@@ -144,14 +144,8 @@ void CConsoleSession::ServeSignals() {
     if ((signals & kSignalContinue) != 0)
         Continue();
     if ((signals & kSignalSize) != 0 && m_output.FollowSize())
-        AddSizeEvent();
+        m_input.AddEvent(WINDOW_BUFFER_SIZE_EVENT);
     ServeControlEvents(signals);
-}
-
-void CConsoleSession::AddSizeEvent() {
-    CONSOLE_SCREEN_BUFFER_INFO info{};
-    m_output.GetInfo(info);
-    m_input.AddSizeEvent(info.dwSize);
 }
 
 void CConsoleSession::ServeControlEvents(unsigned signals) {
@@ -162,7 +156,7 @@ void CConsoleSession::ServeControlEvents(unsigned signals) {
         // Without a keyboard Ctrl+C cannot be meant for the device.
         const bool isKey = control.event == CTRL_C_EVENT && isatty(m_nInput) != 0;
         m_handler(control.event == CTRL_C_EVENT && !isKey ? CTRL_BREAK_EVENT : control.event);
-        m_input.AddMenuEvent();
+        m_input.AddEvent(MENU_EVENT);
     }
     consolesignals::StandDown();
 }
@@ -182,7 +176,7 @@ void CConsoleSession::Continue() {
         m_input.SetTypedBefore(typed);
     m_input.SetErase(m_mode.EraseCharacter());
     if (m_output.Resume() || m_bRedraws)
-        AddSizeEvent();
+        m_input.AddEvent(WINDOW_BUFFER_SIZE_EVENT);
 }
 
 } // namespace platform

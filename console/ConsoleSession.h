@@ -66,7 +66,6 @@ class CConsoleSession final : public IWaitCompanion {
     void ServeControlEvents(unsigned signals);
     void Stop();
     void Continue();
-    void AddSizeEvent();
     void NoteScreenBack();
 
     CConsoleInput& m_input;

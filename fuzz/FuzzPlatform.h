@@ -1,9 +1,8 @@
 // The platform of the fuzzers: files, time and waits that are nobody's but the input's.
 //
 // Stands in for those calls of platform/, whose names it defines: it is linked first. The rest is
-// the platform's own. One run at a time, on one thread. A run that breaks one of the platform's
-// rules (a handle that is used after its end, or never closed) ends the program as any other
-// finding does.
+// the platform's own. One run at a time, on one thread. Files are objects in memory: a handle that
+// is used after its end, or never closed, is the address sanitizer's finding.
 #pragma once
 
 #include "platform/Types.h"
@@ -13,7 +12,7 @@
 namespace fuzz {
 
 // The only path that leads to the script.
-inline constexpr LPCSTR SCRIPT_PATH = "script";
+inline constexpr LPCSTR kScriptPath = "script";
 
 // What the input is made of: the script, which ends at its first 0xFF byte for the engine too, and
 // behind that what the device sends. The script keeps the whole input, so that what the engine does
@@ -23,15 +22,6 @@ std::span<const BYTE> DeviceBytesOf(std::span<const BYTE> input);
 // A run begins: the clock stands at 0, the input is the script. Any other path that is not empty
 // leads to a file with the device's bytes.
 void BeginRun(std::span<const BYTE> input);
-
-// A run is over: no handle may be open any more.
-void EndRun();
-
-// Lets the time pass that a real device would have taken.
-void PassTime(DWORD milliseconds);
-
-// The handle of the script, for who reads it without an engine. Closed by CloseHandle.
-HANDLE OpenScript();
 
 // Ends the program, as a finding, unless the condition holds.
 void Require(bool condition);

@@ -2,7 +2,6 @@
 // found once stays found in the ordinary tests.
 #include "platform/Types.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -12,34 +11,19 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size);
 
-namespace {
-
-std::vector<std::filesystem::path> FilesBelow(const std::filesystem::path& folder) {
-    std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (entry.is_regular_file())
-            files.push_back(entry.path());
-    std::ranges::sort(files);
-    return files;
-}
-
-// In memory of just the input's size, so that a read behind its end is seen.
-std::vector<BYTE> ReadInput(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string content{std::istreambuf_iterator<char>(file), {}};
-    return {content.begin(), content.end()};
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
     std::size_t count = 0;
-    for (int index = 1; index < argc; ++index)
-        for (const std::filesystem::path& path : FilesBelow(argv[index])) {
+    for (const std::string folder : std::vector(argv + 1, argv + argc))
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            if (!entry.is_regular_file())
+                continue;
             // The one that ends the program is the last one named.
-            std::puts(path.c_str());
+            std::puts(entry.path().c_str());
             std::fflush(stdout);
-            const std::vector<BYTE> input = ReadInput(path);
+            // In memory of just the input's size, so that a read behind its end is seen.
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::string content{std::istreambuf_iterator<char>(file), {}};
+            const std::vector<BYTE> input(content.begin(), content.end());
             LLVMFuzzerTestOneInput(input.data(), input.size());
             ++count;
         }

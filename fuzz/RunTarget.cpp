@@ -20,10 +20,10 @@ constexpr std::size_t kMostRepeated = CFinalResult::kMaxResponse + 256 * kStep;
 // What the device has to say. Of each piece the first byte tells the kind, the second one how long
 // the text is.
 std::deque<std::string> InputsOf(std::span<const BYTE> bytes) {
-    constexpr LPCSTR KINDS[] = {"answer 0 ", "answer 1 ", "device< ", "gone"};
+    constexpr LPCSTR kKinds[] = {"answer 0 ", "answer 1 ", "device< ", "gone"};
     std::deque<std::string> inputs;
     for (std::size_t repeated = 0; bytes.size() >= 2;) {
-        std::string& input = inputs.emplace_back(KINDS[bytes[0] % std::size(KINDS)]);
+        std::string& input = inputs.emplace_back(kKinds[bytes[0] % std::size(kKinds)]);
         const std::size_t mark = bytes[1];
         bytes = bytes.subspan(2);
         std::size_t length = std::min(mark, bytes.size());
@@ -51,14 +51,11 @@ BOOL PeekMessageA(MSG*, HWND, UINT, UINT, UINT) {
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     const std::span<const BYTE> input(data, size);
     fuzz::BeginRun(input);
-    {
-        CScriptRun run(InputsOf(fuzz::DeviceBytesOf(input)));
-        run.Engine().m_strApn = "internet";
-        run.Engine().SetStatementBudget(kStatements);
-        const DWORD result = run.Engine().Run(fuzz::SCRIPT_PATH, &run);
-        fuzz::Require(result == 0 || result == ERR_INVALID_FILE);
-        fuzz::Require(run.CountReports() <= 1);
-    }
-    fuzz::EndRun();
+    CScriptRun run(InputsOf(fuzz::DeviceBytesOf(input)));
+    run.Engine().m_strApn = "internet";
+    run.Engine().SetStatementBudget(kStatements);
+    const DWORD result = run.Engine().Run(fuzz::kScriptPath, &run);
+    fuzz::Require(result == 0 || result == ERR_INVALID_FILE);
+    fuzz::Require(run.CountReports() <= 1);
     return 0;
 }

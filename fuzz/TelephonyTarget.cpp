@@ -146,6 +146,5 @@ extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
         for (CInterfacePtr<ITapi>& object : s_objects)
             object.Reset();
     }
-    fuzz::EndRun();
     return 0;
 }

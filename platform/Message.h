@@ -26,7 +26,7 @@ using WNDPROC = LRESULT (*)(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
 using SENDASYNCPROC = void (*)(HWND hWnd, UINT uMsg, ULONG_PTR dwData, LRESULT lResult);
 
 struct MSG {
-    HWND hwnd; // null: for the thread itself
+    HWND hwnd;
     UINT message;
     WPARAM wParam;
     LPARAM lParam;
@@ -45,13 +45,6 @@ inline constexpr int GWLP_USERDATA = -21;
 
 // The parent of message-only windows.
 inline const HWND HWND_MESSAGE = reinterpret_cast<HWND>(~std::uintptr_t{2});
-
-namespace platform {
-
-// For PeekMessageA: only messages for the thread itself.
-inline const HWND NO_WINDOW = reinterpret_cast<HWND>(~std::uintptr_t{0});
-
-} // namespace platform
 
 // What windows of a class have in common.
 struct WNDCLASSA {
@@ -91,9 +84,9 @@ LONG_PTR SetWindowLongPtrA(HWND hWnd, int nIndex, LONG_PTR dwNewLong);
 // What a procedure does with messages that are not its own: nothing. Returns 0.
 LRESULT DefWindowProcA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
 
-// Queues a message for a window (null: for the calling thread itself) and returns at once. FALSE
-// with ERROR_INVALID_WINDOW_HANDLE, ERROR_NOT_ENOUGH_QUOTA (10000 messages wait in that queue,
-// posted, sent and answered ones), ERROR_NOT_ENOUGH_MEMORY.
+// Queues a message for a window and returns at once. FALSE with ERROR_INVALID_WINDOW_HANDLE,
+// ERROR_NOT_ENOUGH_QUOTA (10000 messages wait in that queue, posted, sent and answered ones),
+// ERROR_NOT_ENOUGH_MEMORY.
 BOOL PostMessageA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
 
 // Sends a message to a window and returns at once. The window's thread runs the procedure when it
@@ -107,22 +100,20 @@ BOOL SendMessageCallbackA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
                           SENDASYNCPROC lpResultCallBack, ULONG_PTR dwData);
 
 // Retrieves messages without waiting: first runs the procedures and callbacks of as many sent
-// messages as were there when the call began, then takes the oldest posted message out that hWnd
-// lets through (null: all of the thread; a window of the thread; platform::NO_WINDOW). The range of
-// numbers must be 0 to 0, which is all, and wRemoveMsg PM_REMOVE. FALSE when there is none, and
-// with ERROR_INVALID_WINDOW_HANDLE or ERROR_INVALID_PARAMETER.
+// messages as were there when the call began, then takes the oldest posted message out. The window
+// must be null and the range of numbers 0 to 0, which are all, and wRemoveMsg PM_REMOVE. FALSE when
+// there is none, and with ERROR_INVALID_PARAMETER.
 BOOL PeekMessageA(MSG* lpMsg, HWND hWnd, UINT wMsgFilterMin, UINT wMsgFilterMax, UINT wRemoveMsg);
 
 // Would make characters of keystrokes; no keystrokes come as messages here. FALSE.
 BOOL TranslateMessage(const MSG* lpMsg);
 
-// Runs the procedure of a retrieved message's window and returns its result; 0 for a message of the
-// thread itself, and for a window that is gone or another thread's (ERROR_INVALID_WINDOW_HANDLE).
+// Runs the procedure of a retrieved message's window and returns its result; 0 for a window that is
+// gone or another thread's (ERROR_INVALID_WINDOW_HANDLE).
 LRESULT DispatchMessageA(const MSG* lpMsg);
 
 // WaitForMultipleObjects for up to MAXIMUM_WAIT_OBJECTS - 1 handles (nCount may be 0) and the
 // thread's messages: returns WAIT_OBJECT_0 plus nCount while there is a message, posted or sent, or
-// a callback to run. Who retrieves for one window and waits again without taking the rest out only
-// spins. bWaitAll must be FALSE and dwWakeMask QS_ALLINPUT.
+// a callback to run. bWaitAll must be FALSE and dwWakeMask QS_ALLINPUT.
 DWORD MsgWaitForMultipleObjects(DWORD nCount, const HANDLE* pHandles, BOOL bWaitAll,
                                 DWORD dwMilliseconds, DWORD dwWakeMask);

@@ -11,7 +11,7 @@ bool TakeText(CVScript& script, const ScriptWord& argument, std::string& text) {
 
 ScriptWord KeepResult(CVScript& script, EResultBuffer buffer, std::string_view text,
                       std::size_t position) {
-    const std::string_view kept = text.substr(0, MAX_RESULT_LENGTH);
+    const std::string_view kept = text.substr(0, kMaxResultLength);
     CResultBuffers::Buffer& storage = script.Results()[buffer];
     if (!kept.empty())
         std::memmove(storage.data(), kept.data(), kept.size());

@@ -9,7 +9,7 @@
 
 namespace builtins {
 
-inline constexpr std::size_t MAX_RESULT_LENGTH = CResultBuffers::BUFFER_SIZE - 1;
+inline constexpr std::size_t kMaxResultLength = CResultBuffers::kBufferSize - 1;
 
 // Copies the text of an argument. False after a report: the text stands nowhere, and what the
 // function is there for must not be done.

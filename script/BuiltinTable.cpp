@@ -5,7 +5,7 @@
 #include "script/TextBuiltins.h"
 #include "script/UserBuiltins.h"
 
-const std::array<BuiltinEntry, BUILTIN_COUNT + 1> g_Builtins = {{
+const std::array<BuiltinEntry, kBuiltinCount + 1> g_Builtins = {{
     {"Beep", builtins::Beep, "", 'i'},
     {"GetAPN", builtins::GetAPN, "", 't'},
     {"GetBaudRate", builtins::GetBaudRate, "", 'i'},

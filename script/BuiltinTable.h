@@ -33,7 +33,7 @@ struct BuiltinEntry {
     char result; // likewise
 };
 
-inline constexpr DWORD BUILTIN_COUNT = 33;
+inline constexpr DWORD kBuiltinCount = 33;
 
 // In the order of registration, ended by a row with no name and no handler.
-extern const std::array<BuiltinEntry, BUILTIN_COUNT + 1> g_Builtins;
+extern const std::array<BuiltinEntry, kBuiltinCount + 1> g_Builtins;

@@ -3,7 +3,7 @@
 #include "script/ScriptError.h"
 
 void CCheckFindings::Add(DWORD line, DWORD code, std::string_view detail) {
-    if (m_findings.size() == MOST)
+    if (m_findings.size() == kMost)
         return;
     std::string text = ErrorText(code);
     if (!detail.empty())

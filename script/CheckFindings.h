@@ -22,7 +22,7 @@ class CCheckFindings {
     const Set& Get() const { return m_findings; }
 
   private:
-    static constexpr std::size_t MOST = 10'000;
+    static constexpr std::size_t kMost = 10'000;
 
     Set m_findings;
 };

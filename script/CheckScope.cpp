@@ -8,7 +8,7 @@ CCheckScope::CCheckScope() {
         if (entry.handler == nullptr)
             continue;
         CheckSymbol symbol;
-        symbol.size = SIZE_FUNCTION;
+        symbol.size = kSizeFunction;
         symbol.builtin = &entry;
         Define(entry.name, symbol);
     }

@@ -10,7 +10,7 @@ namespace {
 using Kind = CheckValue::Kind;
 
 bool IsOperator(const SourceToken& token, BYTE level) {
-    return g_OperatorLevels[token.code] >= level;
+    return kOperatorLevels[token.code] >= level;
 }
 
 // How a token is named in a finding.
@@ -36,7 +36,7 @@ std::string DescribeCode(BYTE code) {
 } // namespace
 
 bool CExpressionCheck::Enter() {
-    if (++m_depth <= CScriptDepth::MOST_LEVELS)
+    if (++m_depth <= CScriptDepth::kMostLevels)
         return true;
     m_findings.Add(m_cursor.Line(), ERR_MEMORY);
     --m_depth;
@@ -72,14 +72,14 @@ bool CExpressionCheck::CheckPlace(CheckValue& value) {
 bool CExpressionCheck::ReadAssignment(CheckValue& value) {
     if (!ReadUnary(value))
         return false;
-    if (IsOperator(m_cursor.Peek(), LOOSEST_LEVEL) && !ReadOperators(value, LOOSEST_LEVEL))
+    if (IsOperator(m_cursor.Peek(), kLoosestLevel) && !ReadOperators(value, kLoosestLevel))
         return false;
     while (m_cursor.Peek().code == '=') {
         const DWORD line = m_cursor.Take().line;
         CheckValue right;
         if (!Check(right))
             return false;
-        const bool isFunction = value.symbol != nullptr && value.size == SIZE_FUNCTION;
+        const bool isFunction = value.symbol != nullptr && value.size == kSizeFunction;
         if (value.isKnown && (!value.isLocation || isFunction))
             m_findings.Add(line, ERR_SYNTAX);
         value.kind = Kind::Unknown;
@@ -94,7 +94,7 @@ bool CExpressionCheck::ReadOperators(CheckValue& left, BYTE level) {
     bool isRead = true;
     while (isRead && IsOperator(m_cursor.Peek(), level)) {
         const SourceToken& token = m_cursor.Take();
-        const BYTE inner = g_OperatorLevels[token.code];
+        const BYTE inner = kOperatorLevels[token.code];
         Load(left);
         CheckValue right;
         isRead = ReadUnary(right) &&
@@ -168,7 +168,7 @@ void CExpressionCheck::Dereference(CheckValue& value, DWORD line) {
         value.isKnown = false;
     }
     const BYTE depth = value.depth == 0 ? BYTE{0} : static_cast<BYTE>(value.depth - 1);
-    const BYTE size = depth > 0 ? SIZE_WORD : value.size;
+    const BYTE size = depth > 0 ? kSizeWord : value.size;
     value.BecomePlain(Kind::Unknown);
     value.size = size;
     value.depth = depth;
@@ -205,7 +205,7 @@ void CExpressionCheck::ReadName(CheckValue& value, const SourceToken& token) {
     value.size = symbol->size;
     value.depth = symbol->depth;
     value.isArray = symbol->isArray;
-    const bool isTextArray = symbol->isArray && symbol->size == SIZE_CHARACTER;
+    const bool isTextArray = symbol->isArray && symbol->size == kSizeCharacter;
     if (!isTextArray || m_cursor.Peek().code == '[')
         return;
     m_findings.Add(token.line, ERR_SYNTAX);
@@ -244,7 +244,7 @@ bool CExpressionCheck::ReadArguments(std::vector<CheckValue>& arguments) {
 void CExpressionCheck::CheckCall(CheckValue& value, const std::vector<CheckValue>& arguments,
                                  DWORD line) {
     const CheckSymbol* function = value.symbol;
-    const bool isFunction = value.isLocation && function != nullptr && value.size == SIZE_FUNCTION;
+    const bool isFunction = value.isLocation && function != nullptr && value.size == kSizeFunction;
     if (value.isKnown && !isFunction)
         m_findings.Add(line, ERR_SYNTAX);
     const bool isUndefined = !value.isKnown || !isFunction;
@@ -282,7 +282,7 @@ bool CExpressionCheck::ReadSubscript(CheckValue& value) {
         return Expect(']');
     const bool isBehindEnd = index.constant && array.symbol != nullptr && array.symbol->elements &&
                              *index.constant > *array.symbol->elements;
-    if (array.depth < 2 && array.size != SIZE_WORD)
+    if (array.depth < 2 && array.size != kSizeWord)
         m_findings.Add(line, ERR_SYNTAX);
     else if (!array.isArray)
         m_findings.Add(line, ERR_NOT_ARRAY);

@@ -21,7 +21,7 @@ struct CheckValue {
     Kind kind = Kind::Unknown;
     std::optional<std::int32_t> constant;
     const CheckSymbol* symbol = nullptr; // the name that the location is
-    BYTE size = SIZE_WORD;
+    BYTE size = kSizeWord;
     BYTE depth = 0;
     bool isArray = false;
     bool isLocation = false;

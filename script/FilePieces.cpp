@@ -13,10 +13,10 @@ BOOL CFilePieces::Open(const std::string& path) {
 
 bool CFilePieces::Next(std::string& piece) {
     piece.clear();
-    while (piece.size() < MAX_PIECE && !piece.ends_with('\n')) {
+    while (piece.size() < kMaxPiece && !piece.ends_with('\n')) {
         if (m_pending.empty() && !FillBuffer())
             break;
-        const std::string_view room = m_pending.substr(0, MAX_PIECE - piece.size());
+        const std::string_view room = m_pending.substr(0, kMaxPiece - piece.size());
         const std::size_t lineFeed = room.find('\n');
         const std::size_t length = lineFeed == std::string_view::npos ? room.size() : lineFeed + 1;
         piece += room.substr(0, length);

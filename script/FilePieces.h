@@ -12,7 +12,7 @@
 
 class CFilePieces {
   public:
-    static constexpr std::size_t MAX_PIECE = 255;
+    static constexpr std::size_t kMaxPiece = 255;
 
     // FALSE when the file cannot be read; the last error tells why (see CreateFileA).
     BOOL Open(const std::string& path);

@@ -11,10 +11,10 @@ struct OperatorRow {
     BYTE level;
 };
 
-inline constexpr BYTE LOOSEST_LEVEL = 2;
+inline constexpr BYTE kLoosestLevel = 2;
 
-inline constexpr std::array<OperatorRow, 13> OPERATORS = {{
-    {TOKEN_OR, LOOSEST_LEVEL},
+inline constexpr std::array<OperatorRow, 13> kOperators = {{
+    {TOKEN_OR, kLoosestLevel},
     {TOKEN_AND, 3},
     {TOKEN_EQ, 4},
     {TOKEN_NE, 4},
@@ -30,9 +30,9 @@ inline constexpr std::array<OperatorRow, 13> OPERATORS = {{
 }};
 
 // By code; 0 for what is no operator.
-inline constexpr std::array<BYTE, 256> g_OperatorLevels = [] {
+inline constexpr std::array<BYTE, 256> kOperatorLevels = [] {
     std::array<BYTE, 256> levels{};
-    for (const OperatorRow& row : OPERATORS)
+    for (const OperatorRow& row : kOperators)
         levels[row.code] = row.level;
     return levels;
 }();

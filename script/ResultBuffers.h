@@ -19,11 +19,11 @@ enum class EResponse : DWORD { SendCommand, SendCommandGetString, AccessPoint };
 
 class CResultBuffers {
   public:
-    static constexpr std::size_t BUFFERS = 6;
-    static constexpr std::size_t RESPONSES = 3;
-    static constexpr std::size_t BUFFER_SIZE = 260;
+    static constexpr std::size_t kBuffers = 6;
+    static constexpr std::size_t kResponses = 3;
+    static constexpr std::size_t kBufferSize = 260;
 
-    using Buffer = std::array<char, BUFFER_SIZE>;
+    using Buffer = std::array<char, kBufferSize>;
 
     Buffer& operator[](EResultBuffer buffer) { return m_buffers[static_cast<std::size_t>(buffer)]; }
     std::string& operator[](EResponse response) {
@@ -31,6 +31,6 @@ class CResultBuffers {
     }
 
   private:
-    std::array<Buffer, BUFFERS> m_buffers{};
-    std::array<std::string, RESPONSES> m_responses;
+    std::array<Buffer, kBuffers> m_buffers{};
+    std::array<std::string, kResponses> m_responses;
 };

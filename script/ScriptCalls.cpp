@@ -1,38 +1,51 @@
-// Calls of built-in and script functions.
-#include "script/Script.h"
+// How: the arguments of all calls in progress are one stack, so that a text that one of them refers
+// to is found when it must be kept. A script's function is run where it stands, the reader comes
+// back behind the call.
+#include "script/ScriptCalls.h"
 
 #include "script/KeywordTable.h"
 #include "script/ScriptDepth.h"
 
-ScriptWord CVScript::CallFunction(ScriptWord function, DWORD floor) {
+#include <utility>
+
+void CScriptCalls::EvalCall(ScriptValue& record) {
+    if (m_nSkip > 0) {
+        m_Reader.SkipBalanced('(');
+        return record.BecomeInteger(1);
+    }
+    const bool isFunction = record.isLocation && record.symbol != 0 && record.size == kSizeFunction;
+    if (!isFunction)
+        return ReportError(ERR_SYNTAX);
+    const ScriptWord function = m_Symbols[record.symbol].word;
+    record.BecomePlain(CallFunction(function, record.floor));
+}
+
+ScriptWord CScriptCalls::CallFunction(ScriptWord function, DWORD floor) {
     const CScriptDepth depth(m_nDepth, m_Report);
     if (!depth)
         return {};
     const Scope scope = BeginScope();
-    const bool isAround = m_bNoCopy;
-    m_bNoCopy = false;
+    const bool isAround = std::exchange(m_bNoCopy, false);
     const std::size_t firstArgument = m_Arguments.size();
-    const std::size_t firstBorrower = m_Borrowers.size();
+    const std::size_t firstBorrower = CountBorrowers();
     m_Reader.Expect('(');
     const DWORD position = m_Reader.Position();
     if (HasError() || !EvalArguments(floor))
         return {};
     const DWORD after = m_Reader.Position();
-    if (function.Location() < CScriptArea::START)
+    if (function.Location() < CScriptArea::kStart)
         CallBuiltin(function.Location(), firstArgument, position);
     else
         CallScript(function.Location(), firstArgument, position);
     if (HasError())
         return {};
-    if (m_Borrowers.size() > firstBorrower)
-        DropBorrowers(firstBorrower, scope.symbols);
-    EndScope(scope, true);
+    EndCall(scope, firstBorrower);
     m_Reader.Seek(after);
     m_bNoCopy = isAround;
     return m_nResult;
 }
 
-bool CVScript::EvalArguments(DWORD floor) {
+bool CScriptCalls::EvalArguments(DWORD floor) {
     if (m_Reader.Accept(')'))
         return true;
     do {
@@ -44,7 +57,7 @@ bool CVScript::EvalArguments(DWORD floor) {
 }
 
 // An argument with "@" in front passes the location of its operand, from now on.
-bool CVScript::EvalArgument(DWORD floor) {
+bool CScriptCalls::EvalArgument(DWORD floor) {
     if (m_Reader.Peek() == '@')
         m_Reader.RewriteReference();
     const ScriptWord word = Evaluate(floor);
@@ -54,34 +67,27 @@ bool CVScript::EvalArgument(DWORD floor) {
     return true;
 }
 
-void CVScript::CallBuiltin(DWORD row, std::size_t firstArgument, DWORD position) {
+void CScriptCalls::CallBuiltin(DWORD row, std::size_t firstArgument, DWORD position) {
     const BuiltinEntry& entry = g_Builtins[row];
     const BuiltinArguments arguments = {m_Arguments.data() + firstArgument,
                                         static_cast<DWORD>(m_Arguments.size() - firstArgument)};
     if (CheckArguments(entry, arguments, position))
-        m_nResult = entry.handler(*this, arguments);
+        m_nResult = RunHandler(entry.handler, arguments);
     m_Arguments.resize(firstArgument);
 }
 
-bool CVScript::CheckArguments(const BuiltinEntry& entry, const BuiltinArguments& arguments,
-                              DWORD position) {
+bool CScriptCalls::CheckArguments(const BuiltinEntry& entry, const BuiltinArguments& arguments,
+                                  DWORD position) {
     const std::string_view kinds = entry.arguments;
-    const std::size_t named = kinds.size();
-    if (arguments.count < named) {
+    if (arguments.count < kinds.size())
         ReportAt(ERR_ARG_COUNT, position);
-        return false;
-    }
-    for (DWORD index = 0; index < named; ++index) {
-        if (arguments[index].text == (kinds[index] == 't'))
-            continue;
-        ReportAt(ERR_SYNTAX, position);
-        return false;
-    }
-    return true;
+    for (DWORD index = 0; !HasError() && index < kinds.size(); ++index)
+        if (arguments[index].text != (kinds[index] == 't'))
+            ReportAt(ERR_SYNTAX, position);
+    return !HasError();
 }
 
-// The position is the call's, behind its "(".
-void CVScript::CallScript(DWORD definition, std::size_t firstArgument, DWORD position) {
+void CScriptCalls::CallScript(DWORD definition, std::size_t firstArgument, DWORD position) {
     const DWORD floor = m_Symbols.Top();
     m_Reader.Seek(definition);
     m_Reader.Expect('(');
@@ -94,7 +100,7 @@ void CVScript::CallScript(DWORD definition, std::size_t firstArgument, DWORD pos
     m_bBreak = false;
 }
 
-bool CVScript::BindParameters(DWORD floor, std::size_t firstArgument, DWORD position) {
+bool CScriptCalls::BindParameters(DWORD floor, std::size_t firstArgument, DWORD position) {
     std::size_t next = firstArgument;
     const std::size_t end = m_Arguments.size();
     bool isTooFew = false;
@@ -111,7 +117,7 @@ bool CVScript::BindParameters(DWORD floor, std::size_t firstArgument, DWORD posi
     return !HasError();
 }
 
-bool CVScript::BindParameter(DWORD floor, ScriptWord argument) {
+bool CScriptCalls::BindParameter(DWORD floor, ScriptWord argument) {
     const BYTE type = m_Reader.NextToken();
     const bool isText = type == TOKEN_STRING;
     if (!isText && type != TOKEN_INTEGER) {
@@ -119,22 +125,20 @@ bool CVScript::BindParameter(DWORD floor, ScriptWord argument) {
         return false;
     }
     BYTE depth = isText ? 1 : 0;
-    while (m_Reader.Accept('@') && depth < MOST_REFERENCES)
+    while (m_Reader.Accept('@') && depth < kMostReferences)
         ++depth;
     m_Reader.Expect(TOKEN_NAME);
     if (HasError())
         return false;
-    const BYTE size = isText ? SIZE_CHARACTER : SIZE_WORD;
+    const BYTE size = isText ? kSizeCharacter : kSizeWord;
     const DWORD symbol = m_Symbols.DefineSymbol(floor, m_Reader.Name(), argument, size, depth);
-    if (symbol == 0)
-        return false;
-    if (argument.text)
-        m_Borrowers.push_back(symbol);
+    if (symbol != 0 && argument.text)
+        AddBorrower(symbol);
     m_Reader.SkipText();
-    return true;
+    return symbol != 0;
 }
 
-void CVScript::ReportParameter(BYTE code) {
+void CScriptCalls::ReportParameter(BYTE code) {
     while (code == '@')
         code = m_Reader.NextToken();
     const std::string name =

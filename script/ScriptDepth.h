@@ -12,18 +12,18 @@
 
 class CScriptDepth {
   public:
-    static constexpr DWORD MOST_LEVELS = 1000;
+    static constexpr DWORD kMostLevels = 1000;
 
     // Converts to false after a report: this is too deep.
     CScriptDepth(DWORD& depth, CScriptReport& report) : m_depth(depth) {
-        if (++m_depth > MOST_LEVELS)
-            report.ReportError(ERR_MEMORY, {}, CScriptReport::NO_LINE);
+        if (++m_depth > kMostLevels)
+            report.ReportError(ERR_MEMORY, {}, CScriptReport::kNoLine);
     }
     CScriptDepth(const CScriptDepth&) = delete;
     CScriptDepth& operator=(const CScriptDepth&) = delete;
     ~CScriptDepth() { --m_depth; }
 
-    explicit operator bool() const { return m_depth <= MOST_LEVELS; }
+    explicit operator bool() const { return m_depth <= kMostLevels; }
 
   private:
     DWORD& m_depth;

@@ -11,10 +11,10 @@ BYTE CScriptFile::ReadChar() {
     if (m_nReadPos < m_nReadCount)
         return m_buffer[m_nReadPos++];
     // A buffer that was not filled was the last one.
-    if (m_nReadCount < BUFFER_SIZE)
-        return END_OF_FILE;
+    if (m_nReadCount < kBufferSize)
+        return kEndOfFile;
     FillBuffer();
-    return m_nReadPos == m_nReadCount ? END_OF_FILE : m_buffer[m_nReadPos++];
+    return m_nReadPos == m_nReadCount ? kEndOfFile : m_buffer[m_nReadPos++];
 }
 
 void CScriptFile::FillBuffer() {
@@ -24,8 +24,8 @@ void CScriptFile::FillBuffer() {
     // A pipe gives what it has; only nothing is its end.
     DWORD count = 0;
     while (
-        m_nReadCount < BUFFER_SIZE &&
-        ReadFile(m_hFile, m_buffer + m_nReadCount, BUFFER_SIZE - m_nReadCount, &count, nullptr) &&
+        m_nReadCount < kBufferSize &&
+        ReadFile(m_hFile, m_buffer + m_nReadCount, kBufferSize - m_nReadCount, &count, nullptr) &&
         count > 0)
         m_nReadCount += count;
     const std::string_view read(reinterpret_cast<const char*>(m_buffer), m_nReadCount);
@@ -38,11 +38,11 @@ BYTE CScriptFile::ReadCharSkipComment() {
     if (character != '\'')
         return character;
     BYTE skipped = ReadChar();
-    while (skipped != '\n' && skipped != END_OF_FILE)
+    while (skipped != '\n' && skipped != kEndOfFile)
         skipped = ReadChar();
-    m_endedInComment = skipped == END_OF_FILE;
+    m_endedInComment = skipped == kEndOfFile;
     if (m_endedInComment)
-        return END_OF_FILE;
+        return kEndOfFile;
     PushBack(skipped);
     return '\r';
 }

@@ -13,24 +13,24 @@
 
 class CScriptFile {
   public:
-    static constexpr BYTE END_OF_FILE = 0xFF;
-    static constexpr DWORD BUFFER_SIZE = 512;
+    static constexpr BYTE kEndOfFile = 0xFF;
+    static constexpr DWORD kBufferSize = 512;
 
-    // The buffer holds BUFFER_SIZE bytes and outlives this object.
+    // The buffer holds kBufferSize bytes and outlives this object.
     CScriptFile(HANDLE file, BYTE* buffer) : m_hFile(file), m_buffer(buffer) {}
 
-    // The next character; END_OF_FILE from the end on, or when the file cannot be read.
+    // The next character; kEndOfFile from the end on, or when the file cannot be read.
     BYTE ReadChar();
 
     // The same, where an apostrophe begins a comment: a whole comment reads as the CR that ends its
-    // line, the LF follows. END_OF_FILE in a comment that nothing ends.
+    // line, the LF follows. kEndOfFile in a comment that nothing ends.
     BYTE ReadCharSkipComment();
 
     // Gives a character back, to be read next. There is room for two: a comment behind a name gives
     // back its LF, then the reader of the name gives back the CR.
     void PushBack(BYTE character) { m_chPushBack[m_pushedBack++] = character; }
 
-    // Whether the last END_OF_FILE was met inside of a comment.
+    // Whether the last kEndOfFile was met inside of a comment.
     bool EndedInComment() const { return m_endedInComment; }
 
   private:
@@ -38,8 +38,8 @@ class CScriptFile {
 
     HANDLE m_hFile;
     BYTE* m_buffer;
-    DWORD m_nReadCount = BUFFER_SIZE; // a used-up full buffer asks for the first read
-    DWORD m_nReadPos = BUFFER_SIZE;
+    DWORD m_nReadCount = kBufferSize; // a used-up full buffer asks for the first read
+    DWORD m_nReadPos = kBufferSize;
     std::array<BYTE, 2> m_chPushBack{};
     DWORD m_pushedBack = 0;
     bool m_endedInComment = false;

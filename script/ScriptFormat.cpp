@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxLength = CScriptArea::TEXT_BUFFER - 1;
+constexpr std::size_t kMaxLength = CScriptArea::kTextLength;
 
 struct Conversion {
     bool isLeftJustified = false;

@@ -10,18 +10,18 @@ constexpr DWORD kWordSize = 4;
 } // namespace
 
 CScriptMemory::Span CScriptMemory::FindElsewhere(DWORD location) const {
-    const DWORD result = (location - RESULT_BASE) / RESULT_STRIDE;
-    const DWORD inResult = (location - RESULT_BASE) % RESULT_STRIDE;
-    if (location >= RESULT_BASE && result < CResultBuffers::BUFFERS &&
-        inResult < CResultBuffers::BUFFER_SIZE) {
+    const DWORD result = (location - kResultBase) / kResultStride;
+    const DWORD inResult = (location - kResultBase) % kResultStride;
+    if (location >= kResultBase && result < CResultBuffers::kBuffers &&
+        inResult < CResultBuffers::kBufferSize) {
         CResultBuffers::Buffer& buffer = m_results[static_cast<EResultBuffer>(result)];
         return {reinterpret_cast<BYTE*>(buffer.data()) + inResult,
                 static_cast<DWORD>(buffer.size()) - inResult, true};
     }
 
-    const DWORD response = (location - RESPONSE_BASE) / RESPONSE_STRIDE;
-    const DWORD inResponse = (location - RESPONSE_BASE) % RESPONSE_STRIDE;
-    if (location < RESPONSE_BASE || response >= CResultBuffers::RESPONSES)
+    const DWORD response = (location - kResponseBase) / kResponseStride;
+    const DWORD inResponse = (location - kResponseBase) % kResponseStride;
+    if (location < kResponseBase || response >= CResultBuffers::kResponses)
         return {};
     // The NUL behind it can be read as well.
     std::string& text = m_results[static_cast<EResponse>(response)];
@@ -35,7 +35,7 @@ CScriptMemory::Span CScriptMemory::FindElsewhere(DWORD location) const {
 DWORD CScriptMemory::FindElement(DWORD location) const {
     const DWORD position = AreaPosition(location);
     const bool isElement = position % 2 == 0 && position >= m_streamEnd &&
-                           position + kWordSize <= CScriptArea::CAPACITY &&
+                           position + kWordSize <= CScriptArea::kCapacity &&
                            m_area.HomeAt(position) != 0;
     return isElement ? position : 0;
 }
@@ -45,14 +45,14 @@ DWORD CScriptMemory::HomeOf(DWORD place) const {
         return m_symbols[symbol].home;
     const DWORD element = FindElement(place);
     const DWORD home = element == 0 ? 0 : m_area.HomeAt(element);
-    return home == CScriptArea::NO_HOME ? 0 : home;
+    return home == CScriptArea::kNoHome ? 0 : home;
 }
 
 void CScriptMemory::SetHome(DWORD place, DWORD home) {
     if (const DWORD symbol = FindVariable(place); symbol != 0)
         m_symbols[symbol].home = home;
     else if (const DWORD element = FindElement(place); element != 0)
-        m_area.SetHome(element, home == 0 ? CScriptArea::NO_HOME : home);
+        m_area.SetHome(element, home == 0 ? CScriptArea::kNoHome : home);
 }
 
 ScriptWord CScriptMemory::ResolveElement(ScriptWord text) const {
@@ -64,11 +64,11 @@ ScriptWord CScriptMemory::ResolveElement(ScriptWord text) const {
 }
 
 DWORD CScriptMemory::FindVariable(DWORD location) const {
-    const DWORD distance = location - SYMBOL_BASE;
-    const DWORD symbol = distance / SYMBOL_STRIDE;
-    if (distance % SYMBOL_STRIDE != 0 || symbol == 0 || symbol > m_symbols.Top())
+    const DWORD distance = location - kSymbolBase;
+    const DWORD symbol = distance / kSymbolStride;
+    if (distance % kSymbolStride != 0 || symbol == 0 || symbol > m_symbols.Top())
         return 0;
-    return m_symbols[symbol].size == SIZE_FUNCTION ? 0 : symbol;
+    return m_symbols[symbol].size == kSizeFunction ? 0 : symbol;
 }
 
 bool CScriptMemory::LoadWord(DWORD location, ScriptWord& word) const {
@@ -140,7 +140,7 @@ bool CScriptMemory::WriteText(DWORD location, std::string_view text) {
     const Span span = Find(location);
     if (!span.isWritable)
         return false;
-    const DWORD room = std::min(span.count, CScriptArea::TEXT_BUFFER) - 1;
+    const DWORD room = std::min(span.count, CScriptArea::kTextBuffer) - 1;
     const DWORD length = std::min(static_cast<DWORD>(text.size()), room);
     if (const DWORD position = AreaPosition(location); position != 0) {
         m_area.StoreText(position, text, length);

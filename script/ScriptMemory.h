@@ -35,21 +35,21 @@ class CScriptMemory {
     // Where the token stream ends and the writable heap begins.
     void SetStreamEnd(DWORD position) { m_streamEnd = position; }
 
-    static constexpr DWORD AreaLocation(DWORD position) { return AREA_BASE + position; }
+    static constexpr DWORD AreaLocation(DWORD position) { return kAreaBase + position; }
     static constexpr DWORD SymbolLocation(DWORD symbol) {
-        return SYMBOL_BASE + SYMBOL_STRIDE * symbol;
+        return kSymbolBase + kSymbolStride * symbol;
     }
     static constexpr DWORD ResultLocation(EResultBuffer buffer) {
-        return RESULT_BASE + RESULT_STRIDE * static_cast<DWORD>(buffer);
+        return kResultBase + kResultStride * static_cast<DWORD>(buffer);
     }
     static constexpr DWORD ResponseLocation(EResponse response) {
-        return RESPONSE_BASE + RESPONSE_STRIDE * static_cast<DWORD>(response);
+        return kResponseBase + kResponseStride * static_cast<DWORD>(response);
     }
 
     // The position in the region that a location means; 0 when it means something else.
     static constexpr DWORD AreaPosition(DWORD location) {
-        const DWORD position = location - AREA_BASE;
-        return position < CScriptArea::CAPACITY ? position : 0;
+        const DWORD position = location - kAreaBase;
+        return position < CScriptArea::kCapacity ? position : 0;
     }
 
     // Each is FALSE, and changes nothing, when the location leads outside of what may be read or
@@ -72,7 +72,7 @@ class CScriptMemory {
     // Whether a text stands in the token stream.
     bool IsLiteral(ScriptWord text) const {
         const DWORD position = AreaPosition(text.Location());
-        return text.text && position >= CScriptArea::START && position < m_streamEnd;
+        return text.text && position >= CScriptArea::kStart && position < m_streamEnd;
     }
     // The text of no characters, a literal as well.
     ScriptWord EmptyText() const { return ScriptWord::Text(AreaLocation(m_streamEnd - 1)); }
@@ -82,12 +82,12 @@ class CScriptMemory {
         return IsLiteral(word) && FindElement(place) != 0 ? ElementText(place) : word;
     }
     ScriptWord ElementText(DWORD place) const {
-        return ScriptWord::Text(ELEMENT_BASE + AreaPosition(place));
+        return ScriptWord::Text(kElementBase + AreaPosition(place));
     }
     // The element whose text a location is; 0: none.
     static constexpr DWORD ElementOf(DWORD location) {
-        const DWORD position = location - ELEMENT_BASE;
-        return position < CScriptArea::CAPACITY ? AreaLocation(position) : 0;
+        const DWORD position = location - kElementBase;
+        return position < CScriptArea::kCapacity ? AreaLocation(position) : 0;
     }
     // Where the text stands now: of an element's text what the element refers to.
     ScriptWord Resolve(ScriptWord text) const {
@@ -103,15 +103,15 @@ class CScriptMemory {
     bool WriteText(DWORD location, std::string_view text);
 
   private:
-    static constexpr DWORD AREA_BASE = 0x00010000;
-    static constexpr DWORD SYMBOL_BASE = 0x00020000;
-    static constexpr DWORD SYMBOL_STRIDE = 8;
-    static constexpr DWORD RESULT_BASE = 0x00030000;
-    static constexpr DWORD RESULT_STRIDE = 0x200;
-    static constexpr DWORD ELEMENT_BASE = 0x00040000;
+    static constexpr DWORD kAreaBase = 0x00010000;
+    static constexpr DWORD kSymbolBase = 0x00020000;
+    static constexpr DWORD kSymbolStride = 8;
+    static constexpr DWORD kResultBase = 0x00030000;
+    static constexpr DWORD kResultStride = 0x200;
+    static constexpr DWORD kElementBase = 0x00040000;
     // Far apart: a response is bounded by the modem layer at a megabyte.
-    static constexpr DWORD RESPONSE_BASE = 0x01000000;
-    static constexpr DWORD RESPONSE_STRIDE = 0x01000000;
+    static constexpr DWORD kResponseBase = 0x01000000;
+    static constexpr DWORD kResponseStride = 0x01000000;
 
     // Bytes from a location to the end of its memory.
     struct Span {
@@ -120,17 +120,18 @@ class CScriptMemory {
         bool isWritable = false;
     };
     Span Find(DWORD location) const {
-        if (const DWORD position = AreaPosition(location); position >= CScriptArea::START)
-            return {m_area.Bytes() + position, CScriptArea::CAPACITY - position,
+        if (const DWORD position = AreaPosition(location); position >= CScriptArea::kStart)
+            return {m_area.Bytes() + position, CScriptArea::kCapacity - position,
                     position >= m_streamEnd};
         return FindElsewhere(location);
     }
-    [[gnu::noinline]] Span FindElsewhere(DWORD location) const; // all but the region
+    // All but the region. Out of line: nearly all that a script reaches is there.
+    [[gnu::noinline]] Span FindElsewhere(DWORD location) const;
     DWORD FindElement(DWORD location) const;
     ScriptWord ResolveElement(ScriptWord text) const;
 
     CScriptArea& m_area;
     CSymbolTable& m_symbols;
     CResultBuffers& m_results;
-    DWORD m_streamEnd = CScriptArea::START;
+    DWORD m_streamEnd = CScriptArea::kStart;
 };

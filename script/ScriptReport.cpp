@@ -13,10 +13,10 @@ void CScriptReport::ReportError(DWORD code, std::string_view detail, std::int32_
     if (m_bShowErrors) {
         const std::string message = ErrorText(code);
         std::string text;
-        if (line == NO_LINE) {
+        if (line == kNoLine) {
             text.append(message).append(" ").append(detail).append("\r\n");
         } else {
-            if (line == CURRENT_LINE && m_lines != nullptr)
+            if (line == kCurrentLine && m_lines != nullptr)
                 line = static_cast<std::int32_t>(m_lines->CurrentLine());
             text.append("On line: ").append(std::to_string(line)).append("\n");
             text.append(message).append("\n").append(detail);

@@ -21,8 +21,8 @@ class ILineSource {
 
 class CScriptReport {
   public:
-    static constexpr std::int32_t CURRENT_LINE = 0;
-    static constexpr std::int32_t NO_LINE = -1;
+    static constexpr std::int32_t kCurrentLine = 0;
+    static constexpr std::int32_t kNoLine = -1;
 
     explicit CScriptReport(HWND owner) : m_hWndOwner(owner) {}
 
@@ -32,9 +32,9 @@ class CScriptReport {
     // Who tells the current line from now on; null for nobody. The source must outlive its use.
     void SetLineSource(const ILineSource* source) { m_lines = source; }
 
-    // Reports an error with a detail, which may be empty, and a line number, CURRENT_LINE or
-    // NO_LINE. Only the first of a run is shown. Nothing can fail.
-    void ReportError(DWORD code, std::string_view detail = {}, std::int32_t line = CURRENT_LINE);
+    // Reports an error with a detail, which may be empty, and a line number, kCurrentLine or
+    // kNoLine. Only the first of a run is shown. Nothing can fail.
+    void ReportError(DWORD code, std::string_view detail = {}, std::int32_t line = kCurrentLine);
 
     // Ends the run as an error does, without a report.
     void End() { m_bError = TRUE; }

@@ -19,19 +19,19 @@ struct ScriptWord {
 };
 
 // Size codes: what a value or a symbol is made of.
-inline constexpr BYTE SIZE_FUNCTION = 0;
-inline constexpr BYTE SIZE_CHARACTER = 1;
-inline constexpr BYTE SIZE_WORD = 4;
+inline constexpr BYTE kSizeFunction = 0;
+inline constexpr BYTE kSizeCharacter = 1;
+inline constexpr BYTE kSizeWord = 4;
 
 // Levels of reference that a declaration may have.
-inline constexpr BYTE MOST_REFERENCES = 100;
+inline constexpr BYTE kMostReferences = 100;
 
 // A value under evaluation: plain, or the location where the value is stored.
 struct ScriptValue {
     DWORD floor;           // the symbols above this one are the local scope
     ScriptWord word;       // the value, or its location
     DWORD symbol = 0;      // the entry whose value word the location is; 0 for other locations
-    BYTE size = SIZE_WORD; // size code
+    BYTE size = kSizeWord; // size code
     BYTE depth = 0;        // levels of reference down to a plain character or word
     WORD elements = 0;     // of the array that the name is; 0: none
     bool isLocation = false;
@@ -41,7 +41,7 @@ struct ScriptValue {
     // A plain word: size code 4, depth 0.
     void BecomePlain(ScriptWord value) {
         word = value;
-        size = SIZE_WORD;
+        size = kSizeWord;
         depth = 0;
         elements = 0;
         isLocation = false;

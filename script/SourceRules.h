@@ -48,8 +48,8 @@ constexpr bool ReadNumber(std::string_view word, DWORD& value) {
     return true;
 }
 
-inline constexpr std::string_view ESCAPES = "ntfabrv\"'?\\";
-inline constexpr std::string_view ESCAPED = "\n\t\f\a\b\r\v\"'?\\";
+inline constexpr std::string_view kEscapes = "ntfabrv\"'?\\";
+inline constexpr std::string_view kEscaped = "\n\t\f\a\b\r\v\"'?\\";
 
 // Two characters that are one operator.
 struct PairRow {
@@ -57,7 +57,7 @@ struct PairRow {
     BYTE second;
     BYTE code;
 };
-inline constexpr std::array<PairRow, 3> PAIRS = {{
+inline constexpr std::array<PairRow, 3> kPairs = {{
     {'<', '>', TOKEN_NE},
     {'<', '=', TOKEN_LE},
     {'>', '=', TOKEN_GE},
@@ -72,7 +72,7 @@ struct BlockRule {
     bool closesBlock;
     bool opensBlock; // at the end of its line
 };
-inline constexpr std::array<BlockRule, 13> BLOCK_RULES = {{
+inline constexpr std::array<BlockRule, 13> kBlockRules = {{
     {TOKEN_IF, BlockRule::Nesting::Push, NEST_IF, false, true},
     {TOKEN_ELSEIF, BlockRule::Nesting::Nothing, NEST_IF, true, true},
     {TOKEN_ELSE, BlockRule::Nesting::Nothing, NEST_IF, true, true},

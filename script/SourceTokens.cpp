@@ -103,8 +103,8 @@ void CSourceTokens::AddDelimiter(std::string_view word) {
         return FailAtEnd();
     const BYTE next = code == '}' ? kEnd : static_cast<BYTE>(m_source[m_position]);
     const auto* pair = std::ranges::find_if(
-        PAIRS, [&](const PairRow& row) { return row.first == code && row.second == next; });
-    if (pair != PAIRS.end()) {
+        kPairs, [&](const PairRow& row) { return row.first == code && row.second == next; });
+    if (pair != kPairs.end()) {
         code = pair->code;
         ++m_position;
     }
@@ -136,7 +136,7 @@ bool CSourceTokens::ReadEscape() {
         FailAtEnd();
         return false;
     }
-    if (ESCAPES.find(static_cast<char>(character)) != std::string_view::npos)
+    if (kEscapes.find(static_cast<char>(character)) != std::string_view::npos)
         return true;
     DWORD value = 0;
     const bool isHex = character == 'x' || character == 'X';
@@ -178,8 +178,8 @@ void CSourceTokens::Add(BYTE code, std::string_view text, std::int32_t number) {
 }
 
 void CSourceTokens::ApplyBlocks(BYTE code) {
-    const auto* rule = std::ranges::find(BLOCK_RULES, code, &BlockRule::code);
-    if (rule == BLOCK_RULES.end())
+    const auto* rule = std::ranges::find(kBlockRules, code, &BlockRule::code);
+    if (rule == kBlockRules.end())
         return;
     CNestStack& stack = m_stacks[rule->kind];
     // An IF behind ELSE opens no other block: it is meant as an ELSEIF.

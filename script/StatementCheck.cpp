@@ -40,10 +40,10 @@ bool CStatementCheck::ReadParameter() {
     }
     m_cursor.Take();
     CheckSymbol symbol;
-    symbol.size = isText ? SIZE_CHARACTER : SIZE_WORD;
+    symbol.size = isText ? kSizeCharacter : kSizeWord;
     symbol.depth = isText ? 1 : 0;
     while (m_cursor.Accept('@'))
-        if (symbol.depth < MOST_REFERENCES)
+        if (symbol.depth < kMostReferences)
             ++symbol.depth;
     const SourceToken& name = m_cursor.Peek();
     if (!m_expressions.Expect(TOKEN_NAME))
@@ -243,9 +243,9 @@ void CStatementCheck::CheckDeclaration(BYTE type) {
 bool CStatementCheck::ReadDeclarator(BYTE type) {
     const bool isText = type == TOKEN_STRING;
     CheckSymbol symbol;
-    symbol.size = isText ? SIZE_CHARACTER : SIZE_WORD;
+    symbol.size = isText ? kSizeCharacter : kSizeWord;
     while (m_cursor.Accept('@'))
-        if (symbol.depth++ == MOST_REFERENCES) {
+        if (symbol.depth++ == kMostReferences) {
             m_findings.Add(m_cursor.Line(), ERR_SYNTAX);
             return false;
         }

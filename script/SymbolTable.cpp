@@ -3,8 +3,8 @@
 #include <new>
 
 bool CSymbolTable::Reserve() {
-    m_Symbols.reset(new (std::nothrow) ScriptSymbol[MOST_SYMBOLS + 1]());
-    m_pSymTop = GLOBAL_FLOOR;
+    m_Symbols.reset(new (std::nothrow) ScriptSymbol[kMostSymbols + 1]());
+    m_pSymTop = kGlobalFloor;
     return m_Symbols != nullptr;
 }
 
@@ -17,14 +17,14 @@ DWORD CSymbolTable::DefineSymbol(DWORD floor, DWORD name, ScriptWord word, BYTE 
         m_report.ReportError(ERR_DUPLICATE, m_names[name]);
         return 0;
     }
-    if (m_pSymTop == MOST_SYMBOLS) {
-        m_report.ReportError(ERR_SYMTAB_FULL, {}, CScriptReport::NO_LINE);
+    if (m_pSymTop == kMostSymbols) {
+        m_report.ReportError(ERR_SYMTAB_FULL, {}, CScriptReport::kNoLine);
         return 0;
     }
     const DWORD symbol = ++m_pSymTop;
     m_Symbols[symbol] = {name, word, size, depth, 0, 0, m_entries[name].newest};
     m_entries[name].newest = symbol;
-    if (floor == GLOBAL_FLOOR)
+    if (floor == kGlobalFloor)
         m_entries[name].global = symbol;
     return symbol;
 }

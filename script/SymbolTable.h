@@ -28,7 +28,7 @@ class CSymbolTable {
   public:
     // The region that the entries stand for is as large as the other one, 12 bytes an entry; 768
     // bytes at its end stay free. The built-ins are among them.
-    static constexpr DWORD MOST_SYMBOLS = (61440 - 768) / 12;
+    static constexpr DWORD kMostSymbols = (61440 - 768) / 12;
 
     CSymbolTable(const CNameTable& names, CScriptReport& report)
         : m_names(names), m_report(report) {}
@@ -75,7 +75,7 @@ class CSymbolTable {
 
     // The floor of the global scope; no entry. Whatever is defined above it is global: no local's
     // floor is below the built-ins.
-    static constexpr DWORD GLOBAL_FLOOR = 0;
+    static constexpr DWORD kGlobalFloor = 0;
 
   private:
     // What a name means: the newest entry of it, and its global one; 0: none.
@@ -87,6 +87,6 @@ class CSymbolTable {
     const CNameTable& m_names;
     CScriptReport& m_report;
     std::unique_ptr<ScriptSymbol[]> m_Symbols;
-    DWORD m_pSymTop = GLOBAL_FLOOR;
+    DWORD m_pSymTop = kGlobalFloor;
     std::vector<Entries> m_entries; // by name
 };

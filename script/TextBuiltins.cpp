@@ -80,7 +80,7 @@ ScriptWord StringMid(CVScript& script, const BuiltinArguments& arguments) {
 
 // The whole text is copied, as for whoever still refers to an earlier result in it.
 ScriptWord StringRight(CVScript& script, const BuiltinArguments& arguments) {
-    const std::string_view text = RightOf(script.ReadText(arguments[0]), MAX_RESULT_LENGTH);
+    const std::string_view text = RightOf(script.ReadText(arguments[0]), kMaxResultLength);
     const std::string_view right = RightOf(text, arguments[1].value);
     return KeepResult(script, EResultBuffer::Right, text, text.size() - right.size());
 }

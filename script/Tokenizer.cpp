@@ -9,8 +9,8 @@
 #include <cstring>
 
 bool CTokenizer::ApplyBlockRule(BYTE code) {
-    const auto* rule = std::ranges::find(BLOCK_RULES, code, &BlockRule::code);
-    if (rule == BLOCK_RULES.end())
+    const auto* rule = std::ranges::find(kBlockRules, code, &BlockRule::code);
+    if (rule == kBlockRules.end())
         return true;
     CNestStack& stack = m_stacks[rule->kind];
     using Nesting = BlockRule::Nesting;
@@ -31,7 +31,7 @@ bool CTokenizer::ApplyBlockRule(BYTE code) {
 
 CTokenizer::CTokenizer(HANDLE file, CScriptArea& area, CScriptReport& report)
     : m_area(area), m_report(report), m_file(file, area.Bytes()) {
-    static_assert(CScriptFile::BUFFER_SIZE == CScriptArea::READ_BUFFER);
+    static_assert(CScriptFile::kBufferSize == CScriptArea::kReadBuffer);
     m_report.SetLineSource(this);
 }
 
@@ -39,7 +39,7 @@ bool CTokenizer::Tokenize() {
     BYTE code = 0;
     while (code != TOKEN_EOF) {
         if (m_area.IsNearLimit(m_pPos) && !m_area.GrowArea(1)) {
-            m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::NO_LINE);
+            m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::kNoLine);
             return false;
         }
         if (!ReadToken(code))
@@ -127,7 +127,7 @@ bool CTokenizer::ReadPlainWord(BYTE first) {
 bool CTokenizer::ReadLiteral() {
     for (;;) {
         const BYTE character = ReadNeeded();
-        if (character == CScriptFile::END_OF_FILE)
+        if (character == CScriptFile::kEndOfFile)
             return false;
         if (character == '"')
             return true;
@@ -138,11 +138,11 @@ bool CTokenizer::ReadLiteral() {
 
 bool CTokenizer::ReadEscape() {
     const BYTE character = ReadNeeded();
-    if (character == CScriptFile::END_OF_FILE)
+    if (character == CScriptFile::kEndOfFile)
         return false;
-    const std::size_t row = ESCAPES.find(static_cast<char>(character));
+    const std::size_t row = kEscapes.find(static_cast<char>(character));
     if (row != std::string_view::npos)
-        return Put(static_cast<BYTE>(ESCAPED[row]));
+        return Put(static_cast<BYTE>(kEscaped[row]));
     if (character != 'x' && character != 'X')
         return Fail(ERR_ESCAPE);
     BYTE high = 0;
@@ -155,7 +155,7 @@ bool CTokenizer::ReadEscape() {
 
 bool CTokenizer::ReadHexDigit(BYTE& value) {
     const BYTE character = ReadNeeded();
-    if (character == CScriptFile::END_OF_FILE)
+    if (character == CScriptFile::kEndOfFile)
         return false;
     value = HexValue(character);
     const char detail = static_cast<char>(character);
@@ -188,9 +188,9 @@ BYTE CTokenizer::ClassifyDelimiter(BYTE character) {
     if (character == TOKEN_EOF || character == '}')
         return character;
     const BYTE next = ReadNeeded();
-    if (next == CScriptFile::END_OF_FILE)
+    if (next == CScriptFile::kEndOfFile)
         return 0;
-    for (const PairRow& pair : PAIRS)
+    for (const PairRow& pair : kPairs)
         if (character == pair.first && next == pair.second)
             return pair.code;
     m_file.PushBack(next);
@@ -211,7 +211,7 @@ BYTE CTokenizer::ClassifyNumber(std::string_view word) {
 bool CTokenizer::Put(BYTE character) {
     // The margin behind a token is for the codes that follow it.
     if (m_area.IsNearLimit(m_wordEnd) && !m_area.GrowArea(1)) {
-        m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::NO_LINE);
+        m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::kNoLine);
         return false;
     }
     m_area.Bytes()[m_wordEnd++] = character;
@@ -221,13 +221,13 @@ bool CTokenizer::Put(BYTE character) {
 // A script may end anywhere but inside of a comment.
 bool CTokenizer::ReadSkippingComment(BYTE& character) {
     character = m_file.ReadCharSkipComment();
-    return character != CScriptFile::END_OF_FILE || !m_file.EndedInComment() || FailAtEnd();
+    return character != CScriptFile::kEndOfFile || !m_file.EndedInComment() || FailAtEnd();
 }
 
 // Where a script must not end.
 BYTE CTokenizer::ReadNeeded() {
     const BYTE character = m_file.ReadChar();
-    if (character == CScriptFile::END_OF_FILE)
+    if (character == CScriptFile::kEndOfFile)
         FailAtEnd();
     return character;
 }
@@ -238,6 +238,6 @@ bool CTokenizer::Fail(DWORD error, std::string_view detail) {
 }
 
 bool CTokenizer::FailAtEnd() {
-    m_report.ReportError(ERR_EOF, {}, CScriptReport::NO_LINE);
+    m_report.ReportError(ERR_EOF, {}, CScriptReport::kNoLine);
     return false;
 }

@@ -58,8 +58,8 @@ class CTokenizer final : public ILineSource {
     CScriptReport& m_report;
     CScriptFile m_file;
     DWORD m_nLine = 1;
-    DWORD m_pPos = CScriptArea::START; // behind the code byte of the token being read
-    DWORD m_wordEnd = 0;               // behind the NUL of its text
+    DWORD m_pPos = CScriptArea::kStart; // behind the code byte of the token being read
+    DWORD m_wordEnd = 0;                // behind the NUL of its text
     std::array<CNestStack, NEST_KINDS> m_stacks;
     bool m_isBracePending = false;
     bool m_hasUnixLineEnds = false;

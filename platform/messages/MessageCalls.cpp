@@ -21,11 +21,9 @@ using platform::WindowTable;
 namespace {
 
 // FALSE with the errors of PostMessageA.
-BOOL PutInto(CMessageQueue* own, const QueuedMessage& message) {
+BOOL Put(const QueuedMessage& message) {
     QueuedMessages one = platform::OrNoMemory([&] { return QueuedMessages{message}; });
-    if (one.empty())
-        return FALSE;
-    return own != nullptr ? own->Put(one) : WindowTable().Put(one);
+    return one.empty() ? FALSE : WindowTable().Put(one);
 }
 
 // Null, with ERROR_INVALID_WINDOW_HANDLE, also for a window of another queue.
@@ -59,10 +57,7 @@ void DeliverOldest(const std::shared_ptr<CMessageQueue>& queue) {
 } // namespace
 
 BOOL PostMessageA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
-    const auto own = hWnd == nullptr ? CurrentQueue() : nullptr;
-    if (hWnd == nullptr && !own)
-        return FALSE;
-    return PutInto(own.get(), {{hWnd, uMsg, wParam, lParam, GetTickCount()}});
+    return Put({{hWnd, uMsg, wParam, lParam, GetTickCount()}});
 }
 
 BOOL SendMessageCallbackA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
@@ -79,23 +74,21 @@ BOOL SendMessageCallbackA(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
         return TRUE;
     }
     return sender->IsFull() ? FailWith(ERROR_NOT_ENOUGH_QUOTA)
-                            : PutInto(nullptr, {message, lpResultCallBack, dwData, sender});
+                            : Put({message, lpResultCallBack, dwData, sender});
 }
 
 BOOL PeekMessageA(MSG* lpMsg, HWND hWnd, UINT wMsgFilterMin, UINT wMsgFilterMax, UINT wRemoveMsg) {
-    if (lpMsg == nullptr || wMsgFilterMin != 0 || wMsgFilterMax != 0 || wRemoveMsg != PM_REMOVE)
+    if (lpMsg == nullptr || hWnd != nullptr || wMsgFilterMin != 0 || wMsgFilterMax != 0 ||
+        wRemoveMsg != PM_REMOVE)
         return FailWith(ERROR_INVALID_PARAMETER);
     const auto queue = CurrentQueue();
     if (!queue)
-        return FALSE;
-    const bool isOneWindow = hWnd != nullptr && hWnd != platform::NO_WINDOW;
-    if (isOneWindow && FindProcedure(hWnd, queue) == nullptr)
         return FALSE;
     // Not more than were there at the beginning: two threads that send to each other from their
     // callbacks would otherwise never come to an end.
     for (std::size_t count = queue->CountSent(); count != 0; --count)
         DeliverOldest(queue);
-    return queue->Retrieve(hWnd, *lpMsg);
+    return queue->Retrieve(*lpMsg);
 }
 
 BOOL TranslateMessage(const MSG*) {
@@ -103,9 +96,7 @@ BOOL TranslateMessage(const MSG*) {
 }
 
 LRESULT DispatchMessageA(const MSG* lpMsg) {
-    if (lpMsg == nullptr || lpMsg->hwnd == nullptr)
-        return 0;
-    const auto queue = CurrentQueue();
+    const auto queue = lpMsg != nullptr ? CurrentQueue() : nullptr;
     return queue ? CallProcedure(queue, *lpMsg) : 0;
 }
 

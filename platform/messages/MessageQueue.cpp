@@ -1,15 +1,17 @@
+// A message is one list element from its birth on, spliced from list to list: into the queue, out
+// to whoever runs it, back to the sender as its answer. So nothing can fail between a send that was
+// accepted and its callback.
 #include "platform/messages/MessageQueue.h"
 
 #include "platform/Error.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace platform {
 namespace {
 
 // The number that the published interface gives.
-constexpr std::size_t MESSAGES_MAX = 10000;
+constexpr std::size_t kMessagesMax = 10000;
 
 // Moves the messages for the window, or all (null).
 void Move(QueuedMessages& from, HWND window, QueuedMessages& to) {
@@ -34,7 +36,7 @@ BOOL CMessageQueue::Create() {
 
 BOOL CMessageQueue::Put(QueuedMessages& message) {
     const std::lock_guard lock(m_mutex);
-    if (m_posted.size() + m_sent.size() >= MESSAGES_MAX)
+    if (m_posted.size() + m_sent.size() >= kMessagesMax)
         return FailWith(ERROR_NOT_ENOUGH_QUOTA);
     Append(message);
     return TRUE;
@@ -49,19 +51,15 @@ void CMessageQueue::Answer(QueuedMessages& sent, LRESULT result) {
 
 bool CMessageQueue::IsFull() {
     const std::lock_guard lock(m_mutex);
-    return m_posted.size() + m_sent.size() >= MESSAGES_MAX;
+    return m_posted.size() + m_sent.size() >= kMessagesMax;
 }
 
-bool CMessageQueue::Retrieve(HWND window, MSG& message) {
-    const HWND wanted = window == NO_WINDOW ? nullptr : window;
+bool CMessageQueue::Retrieve(MSG& message) {
     const std::lock_guard lock(m_mutex);
-    const auto found = std::ranges::find_if(m_posted, [&](const QueuedMessage& each) {
-        return window == nullptr || each.message.hwnd == wanted;
-    });
-    if (found == m_posted.end())
+    if (m_posted.empty())
         return false;
-    message = found->message;
-    m_posted.erase(found);
+    message = m_posted.front().message;
+    m_posted.pop_front();
     Settle();
     return true;
 }

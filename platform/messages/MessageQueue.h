@@ -1,6 +1,6 @@
-// The messages of one thread, in the order in which they came: those posted to it or to its
-// windows, those sent to its windows by other threads, and the answers to those it has sent itself.
-// Nothing outside platform/ includes this header.
+// The messages of one thread, in the order in which they came: those posted to its windows, those
+// sent to its windows by other threads, and the answers to those it has sent itself. Nothing
+// outside platform/ includes this header.
 //
 // Shared by its thread (see ThreadQueue.h), the thread's windows and the messages that it has sent;
 // an answer that comes after the thread's end goes with the queue. Its lock is held for list work
@@ -53,8 +53,8 @@ class CMessageQueue final {
 
     bool IsFull();
 
-    // Takes the oldest posted message out that the window lets through; see PeekMessageA.
-    bool Retrieve(HWND window, MSG& message);
+    // Takes the oldest posted message out.
+    bool Retrieve(MSG& message);
 
     // The sent messages and answers that there are, and the oldest of them; empty when there is
     // none.

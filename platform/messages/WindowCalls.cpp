@@ -10,7 +10,7 @@ using platform::WindowTable;
 namespace {
 
 // Names are there to find the class again; nobody asks by number.
-constexpr ATOM ANY_CLASS = 0xC000;
+constexpr ATOM kAnyClass = 0xC000;
 
 LPCSTR OrEmpty(LPCSTR name) {
     return name != nullptr ? name : "";
@@ -27,7 +27,7 @@ ATOM RegisterClassA(const WNDCLASSA* lpWndClass) {
     const BOOL isRegistered = OrNoMemory([&] {
         return WindowTable().RegisterClass(lpWndClass->lpszClassName, lpWndClass->lpfnWndProc);
     });
-    return isRegistered ? ANY_CLASS : 0;
+    return isRegistered ? kAnyClass : 0;
 }
 
 BOOL UnregisterClassA(LPCSTR lpClassName, LPVOID) {

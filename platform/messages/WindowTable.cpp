@@ -1,3 +1,5 @@
+// Two maps under one lock. A window's number is never given out twice, so a stale one finds
+// nothing.
 #include "platform/messages/WindowTable.h"
 
 #include "platform/Error.h"
@@ -8,7 +10,7 @@
 namespace platform {
 namespace {
 
-constexpr std::uintptr_t WINDOW_STEP = 4;
+constexpr std::uintptr_t kWindowStep = 4;
 
 std::uintptr_t ToNumber(HWND window) {
     return reinterpret_cast<std::uintptr_t>(window);
@@ -41,7 +43,7 @@ HWND CWindowTable::Add(const std::string& className, std::shared_ptr<CMessageQue
         SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
         return nullptr;
     }
-    m_lastWindow += WINDOW_STEP;
+    m_lastWindow += kWindowStep;
     m_windows.emplace(m_lastWindow,
                       Window{std::move(queue), windowClass->second, 0, &*windowClass});
     return reinterpret_cast<HWND>(m_lastWindow);

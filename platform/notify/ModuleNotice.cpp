@@ -14,7 +14,7 @@ std::atomic<NoticeListener> g_listener = nullptr;
 void GiveNotice(ENotice kind, LPCSTR text) {
     if (text == nullptr)
         return;
-    SystemLog().Write(ELogSeverity::Warning, text);
+    SystemLog().Write(LogSeverity::Warning, text);
     if (const NoticeListener listener = g_listener)
         listener(kind, text);
 }

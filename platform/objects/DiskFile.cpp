@@ -1,3 +1,5 @@
+// Nothing here blocks in the kernel: the descriptor is non-blocking, and what would block becomes a
+// wait for it. A lock is taken before a file is emptied, so that a refused open leaves it whole.
 #include "platform/objects/DiskFile.h"
 
 #include "platform/Error.h"
@@ -21,9 +23,9 @@ namespace {
 
 // How long a FIFO or a terminal may take no byte until a write to it fails: a reader that has gone
 // must not hold the program for ever.
-constexpr DWORD WRITE_PATIENCE = 10'000;
+constexpr DWORD kWritePatience = 10'000;
 
-constexpr mode_t NEW_FILE_MODE = 0666; // the user's umask takes from it
+constexpr mode_t kNewFileMode = 0666; // the user's umask takes from it
 
 BOOL FailWithWriteErrno(int systemError) {
     const bool isFull = systemError == ENOSPC || systemError == EDQUOT;
@@ -86,7 +88,7 @@ bool IsSameFile(LPCSTR name, LPCSTR other) {
 
 std::shared_ptr<CTransferObject> OpenDiskFile(LPCSTR name, DWORD access, DWORD shareMode,
                                               DWORD disposition) {
-    CDescriptor file(open(name, OpenFlags(access, disposition), NEW_FILE_MODE));
+    CDescriptor file(open(name, OpenFlags(access, disposition), kNewFileMode));
     struct stat status {};
     if (!file || fstat(file.Get(), &status) != 0) {
         SetOpenError(name, errno);
@@ -163,7 +165,7 @@ BOOL CDiskFile::WriteAll(const BYTE* bytes, DWORD count, LPDWORD written) {
             continue;
         if (errno != EAGAIN)
             return FailWithWriteErrno(errno);
-        const int shown = WaitForDescriptor(m_file.Get(), POLLOUT, WRITE_PATIENCE);
+        const int shown = WaitForDescriptor(m_file.Get(), POLLOUT, kWritePatience);
         if (shown <= 0)
             return shown == 0 ? FailWith(ERROR_TIMEOUT) : FALSE;
     }

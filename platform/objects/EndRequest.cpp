@@ -1,3 +1,5 @@
+// A request is a moment on the clock, kept in one atomic that a signal handler may set, and an
+// eventfd that wakes the waits of then; those that begin later see the moment itself.
 #include "platform/objects/EndRequest.h"
 
 #include "platform/objects/Deadline.h"
@@ -16,7 +18,7 @@ namespace {
 // When the end was asked for, on the monotonic clock; 0: not yet. At once is so long ago that no
 // grace is left.
 std::atomic<std::int64_t> g_requestedAt = 0;
-constexpr std::int64_t AT_ONCE = 1;
+constexpr std::int64_t kAtOnce = 1;
 
 std::atomic<int> g_wake = -1; // an eventfd; lives as long as the process
 
@@ -47,7 +49,7 @@ void RequestEnd() {
 }
 
 void RequestEndAtOnce() {
-    Request(AT_ONCE);
+    Request(kAtOnce);
 }
 
 bool IsEndRequested() {

@@ -1,3 +1,5 @@
+// A handle is looked up under one lock, and what it names is shared: a call in progress keeps its
+// object. The few objects of the process's whole life are found past the lock.
 #include "platform/objects/HandleTable.h"
 #include "platform/Error.h"
 #include "platform/Wait.h"
@@ -11,9 +13,7 @@
 namespace platform {
 namespace {
 
-// The pseudo-handles and INVALID_HANDLE_VALUE all have bit 1 set: they are of another kind.
-constexpr std::uintptr_t KIND = 0;
-using Slots = CSlotTable<std::shared_ptr<CHandleObject>, KIND>;
+using Slots = CSlotTable<std::shared_ptr<CHandleObject>>;
 
 std::uintptr_t ToNumber(HANDLE handle) {
     return reinterpret_cast<std::uintptr_t>(handle);
@@ -50,14 +50,14 @@ CHandleTable& Table() {
 
 // The objects that live as long as the process. Their handles are slots of generation 0, which the
 // table does not have; slot 0 is left out, because no handle is null.
-constexpr std::size_t IMMORTALS_MAX = 4;
-constinit std::atomic<CHandleObject*> g_immortals[IMMORTALS_MAX + 1] = {};
+constexpr std::size_t kImmortalsMax = 4;
+constinit std::atomic<CHandleObject*> g_immortals[kImmortalsMax + 1] = {};
 
 CHandleObject* FindImmortal(HANDLE handle) {
     const std::uintptr_t number = ToNumber(handle);
-    if (number > IMMORTALS_MAX << Slots::SLOT_SHIFT || (number & Slots::KIND_MASK) != KIND)
+    if (number > kImmortalsMax << Slots::kSlotShift || (number & Slots::kClearBits) != 0)
         return nullptr;
-    return g_immortals[number >> Slots::SLOT_SHIFT].load(std::memory_order_acquire);
+    return g_immortals[number >> Slots::kSlotShift].load(std::memory_order_acquire);
 }
 
 std::shared_ptr<CHandleObject> OrInvalid(std::shared_ptr<CHandleObject> object) {
@@ -78,10 +78,10 @@ HANDLE RegisterHandle(std::shared_ptr<CHandleObject> object) {
 }
 
 HANDLE RegisterImmortal(CHandleObject& object) {
-    for (std::uintptr_t slot = 1; slot <= IMMORTALS_MAX; ++slot) {
+    for (std::uintptr_t slot = 1; slot <= kImmortalsMax; ++slot) {
         CHandleObject* none = nullptr;
         if (g_immortals[slot].compare_exchange_strong(none, &object))
-            return reinterpret_cast<HANDLE>(slot << Slots::SLOT_SHIFT);
+            return reinterpret_cast<HANDLE>(slot << Slots::kSlotShift);
     }
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;

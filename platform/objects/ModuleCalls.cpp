@@ -1,3 +1,5 @@
+// A library is looked for in the program's own folders first, then as the loader does; every load
+// is remembered, because the loader itself does not survive a handle that is none.
 #include "platform/Module.h"
 
 #include "platform/Error.h"
@@ -17,11 +19,10 @@
 
 namespace {
 
-constexpr std::size_t LIBRARY_NAME_MAX =
+constexpr std::size_t kLibraryNameMax =
     200; // with "lib" and ".so" well within a file name's length
 
-// The loads that have not been given back, one entry each: the loader itself does not survive a
-// handle that is none.
+// The loads that have not been given back, one entry each.
 class CLoadedModules {
   public:
     bool Add(HMODULE module) {
@@ -59,7 +60,7 @@ CLoadedModules& LoadedModules() {
 // Empty for a name that is refused.
 std::string FileNameOf(std::string_view publishedName) {
     const std::string_view stem = publishedName.substr(0, publishedName.find_last_of('.'));
-    if (stem.empty() || stem.size() > LIBRARY_NAME_MAX ||
+    if (stem.empty() || stem.size() > kLibraryNameMax ||
         publishedName.find('/') != std::string_view::npos)
         return {};
     std::string name = "lib";

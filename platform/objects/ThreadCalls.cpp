@@ -10,7 +10,7 @@ using platform::CThreadObject;
 namespace {
 
 // Bit 1 is never set in a handle of the table.
-const HANDLE CURRENT_THREAD = reinterpret_cast<HANDLE>(std::uintptr_t{0xFFFFFFFE});
+const HANDLE kCurrentThread = reinterpret_cast<HANDLE>(std::uintptr_t{0xFFFFFFFE});
 
 struct PriorityLevel {
     int priority;
@@ -18,7 +18,7 @@ struct PriorityLevel {
 };
 
 // The nice values are moderate: they order the threads of a busy machine and starve nobody.
-constexpr PriorityLevel PRIORITY_LEVELS[] = {
+constexpr PriorityLevel kPriorityLevels[] = {
     {THREAD_PRIORITY_LOWEST, 10},
     {THREAD_PRIORITY_BELOW_NORMAL, 5},
     {THREAD_PRIORITY_NORMAL, 0},
@@ -26,7 +26,7 @@ constexpr PriorityLevel PRIORITY_LEVELS[] = {
 };
 
 const PriorityLevel* FindPriorityLevel(int priority) {
-    for (const PriorityLevel& level : PRIORITY_LEVELS) {
+    for (const PriorityLevel& level : kPriorityLevels) {
         if (level.priority == priority)
             return &level;
     }
@@ -66,14 +66,14 @@ DWORD ResumeThread(HANDLE hThread) {
 }
 
 HANDLE GetCurrentThread() {
-    return CURRENT_THREAD;
+    return kCurrentThread;
 }
 
 BOOL SetThreadPriority(HANDLE hThread, int nPriority) {
     const PriorityLevel* level = FindPriorityLevel(nPriority);
     if (level == nullptr)
         return platform::FailWith(ERROR_INVALID_PARAMETER);
-    if (hThread == CURRENT_THREAD)
+    if (hThread == kCurrentThread)
         return platform::SetThreadNice(0, level->nice);
     const auto thread = platform::FindHandleOf<CThreadObject>(hThread);
     return thread ? thread->SetNice(level->nice) : FALSE;

@@ -1,3 +1,5 @@
+// A thread is told to end by a flag and a descriptor that all of its waits watch; nothing is
+// cancelled. Its own reference to this object goes last, with the end of Main.
 #include "platform/objects/ThreadObject.h"
 
 #include "platform/Error.h"
@@ -112,7 +114,7 @@ void CThreadObject::Run() {
     m_identifier.notify_all();
     m_bSuspended.wait(true);
     const DWORD result = m_bTerminated ? 0 : m_procedure(m_parameter);
-    DWORD running = STILL_RUNNING;
+    DWORD running = kStillRunning;
     m_dwExitCode.compare_exchange_strong(running, result);
     const std::lock_guard lock(m_mutex);
     m_bEnded.store(true, std::memory_order_release);
@@ -120,7 +122,7 @@ void CThreadObject::Run() {
 }
 
 void CThreadObject::Terminate(DWORD exitCode) {
-    DWORD running = STILL_RUNNING;
+    DWORD running = kStillRunning;
     m_dwExitCode.compare_exchange_strong(running, exitCode);
     if (!m_bTerminated.exchange(true))
         eventfd_write(m_termination.Get(), 1);

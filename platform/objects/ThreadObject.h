@@ -60,7 +60,7 @@ class CThreadObject final : public CHandleObject {
     static void* Main(void* argument);
     void Run();
 
-    static constexpr DWORD STILL_RUNNING = 259;
+    static constexpr DWORD kStillRunning = 259;
 
     const LPTHREAD_START_ROUTINE m_procedure;
     const LPVOID m_parameter;
@@ -68,7 +68,7 @@ class CThreadObject final : public CHandleObject {
     pthread_t m_thread{};
     bool m_bStarted = false;
     std::atomic<pid_t> m_identifier = 0;
-    std::atomic<DWORD> m_dwExitCode = STILL_RUNNING;
+    std::atomic<DWORD> m_dwExitCode = kStillRunning;
     std::atomic<bool> m_bTerminated = false;
     std::atomic<bool> m_bSuspended;
     std::atomic<bool> m_bEnded = false;

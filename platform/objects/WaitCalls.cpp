@@ -31,7 +31,7 @@ DWORD WaitForHandles(DWORD count, const HANDLE* handles, DWORD milliseconds) {
     return CWaitLoop(objects.data(), count, milliseconds, handles).Run();
 }
 
-constexpr DWORD FEW_HANDLES = 8;
+constexpr DWORD kFewHandles = 8;
 
 } // namespace
 } // namespace platform
@@ -51,7 +51,7 @@ DWORD WaitForMultipleObjects(DWORD nCount, const HANDLE* lpHandles, BOOL bWaitAl
         SetLastError(ERROR_INVALID_PARAMETER);
         return WAIT_FAILED;
     }
-    if (nCount <= platform::FEW_HANDLES)
-        return platform::WaitForHandles<platform::FEW_HANDLES>(nCount, lpHandles, dwMilliseconds);
+    if (nCount <= platform::kFewHandles)
+        return platform::WaitForHandles<platform::kFewHandles>(nCount, lpHandles, dwMilliseconds);
     return platform::WaitForHandles<MAXIMUM_WAIT_OBJECTS>(nCount, lpHandles, dwMilliseconds);
 }

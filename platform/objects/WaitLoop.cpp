@@ -1,3 +1,7 @@
+// A wait is turns of one poll() over the objects' descriptors, the companion's, the thread's
+// termination and the end of the program. Before a turn blocks, the companion does its work, but
+// only after a look that has found nothing: who need not wait does not pay for it. What poll()
+// shows is only a hint; TryAcquire decides, since another thread may have been faster.
 #include "platform/objects/WaitLoop.h"
 
 #include "platform/Error.h"
@@ -28,7 +32,7 @@ CWaitLoop::CWaitLoop(CHandleObject* const* objects, DWORD count, DWORD milliseco
 DWORD CWaitLoop::Run() {
     for (DWORD index = 0; index < m_dwCount; ++index)
         m_objects[index]->BeginWait();
-    while (TakeTurn() == Turn::AGAIN)
+    while (TakeTurn() == Turn::Again)
         continue;
     for (DWORD index = 0; index < m_dwCount; ++index)
         m_objects[index]->EndWait();
@@ -47,7 +51,7 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
     if (IsOver(untilEnd))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireFirst())
-        return Turn::DONE;
+        return Turn::Done;
 
     const std::int64_t remaining = m_deadline.RemainingNanoseconds();
     const std::int64_t patience =
@@ -57,18 +61,18 @@ CWaitLoop::Turn CWaitLoop::TakeTurn() {
         patience != 0 && !m_bWorkTried && t_companion != nullptr && t_companion->HasWork();
     const int shown = Poll(looksOnly ? 0 : patience);
     if (shown < 0)
-        return errno == EINTR ? Turn::AGAIN : Fail(ErrorFromErrno(errno));
+        return errno == EINTR ? Turn::Again : Fail(ErrorFromErrno(errno));
     ServeCompanion();
     RunDueThreadTimer();
     if (IsOver(EndRemaining()))
         return Fail(ERROR_OPERATION_ABORTED);
     if (AcquireAny())
-        return Turn::DONE;
+        return Turn::Done;
     if (looksOnly && LetCompanionWork())
-        return Turn::AGAIN;
+        return Turn::Again;
     if (remaining == 0 || (shown == 0 && !looksOnly && patience == remaining))
         return End(WAIT_TIMEOUT);
-    return shown == 0 || HandlesAreOpen() ? Turn::AGAIN : Fail(ERROR_INVALID_HANDLE);
+    return shown == 0 || HandlesAreOpen() ? Turn::Again : Fail(ERROR_INVALID_HANDLE);
 }
 
 // The thread was terminated, or the end was asked for and the thread heeds it.
@@ -157,7 +161,7 @@ bool CWaitLoop::HandlesAreOpen() const {
 
 CWaitLoop::Turn CWaitLoop::End(DWORD result) {
     m_dwResult = result;
-    return Turn::DONE;
+    return Turn::Done;
 }
 
 CWaitLoop::Turn CWaitLoop::Fail(DWORD error) {

@@ -30,7 +30,7 @@ class CWaitLoop {
     void Serve();
 
   private:
-    enum class Turn { DONE, AGAIN };
+    enum class Turn { Done, Again };
 
     Turn TakeTurn();
     static bool IsOver(std::int64_t untilEnd);
@@ -44,9 +44,9 @@ class CWaitLoop {
     Turn End(DWORD result);
     Turn Fail(DWORD error);
 
-    static constexpr DWORD COMPANION_DESCRIPTORS = 2;
-    static constexpr DWORD TERMINATION_DESCRIPTORS = 1;
-    static constexpr DWORD END_DESCRIPTORS = 1;
+    static constexpr DWORD kCompanionDescriptors = 2;
+    static constexpr DWORD kTerminationDescriptors = 1;
+    static constexpr DWORD kEndDescriptors = 1;
 
     CHandleObject* const* m_objects;
     DWORD m_dwCount;
@@ -56,8 +56,8 @@ class CWaitLoop {
     DWORD m_dwWatched = 0;     // the companion's descriptors, which follow those of the objects
     bool m_bWorkTried = false; // the companion has done what it could since its descriptors changed
     bool m_bWatchesEnd = false;
-    pollfd m_polled[MAXIMUM_WAIT_OBJECTS + COMPANION_DESCRIPTORS + TERMINATION_DESCRIPTORS +
-                    END_DESCRIPTORS];
+    pollfd m_polled[MAXIMUM_WAIT_OBJECTS + kCompanionDescriptors + kTerminationDescriptors +
+                    kEndDescriptors];
 };
 
 } // namespace platform

@@ -43,7 +43,7 @@ void OutputDebugStringA(LPCSTR lpOutputString) {
     if (const platform::DebugListener listener = platform::g_listener)
         listener(lpOutputString);
     else
-        platform::SystemLog().Write(platform::ELogSeverity::Debug, lpOutputString);
+        platform::SystemLog().Write(platform::LogSeverity::Debug, lpOutputString);
 }
 
 int wvsprintfA(char* lpOutput, std::size_t nBufferSize, LPCSTR lpFormat, va_list arguments) {

@@ -11,7 +11,7 @@ struct ErrorCode {
     DWORD code;
 };
 
-constexpr ErrorCode ERROR_CODES[] = {
+constexpr ErrorCode kErrorCodes[] = {
     {0, ERROR_SUCCESS},
     {ENOENT, ERROR_FILE_NOT_FOUND},
     {ENOTDIR, ERROR_PATH_NOT_FOUND},
@@ -53,7 +53,7 @@ void SetLastError(DWORD dwErrCode) {
 namespace platform {
 
 DWORD ErrorFromErrno(int systemError) {
-    for (const ErrorCode& entry : ERROR_CODES) {
+    for (const ErrorCode& entry : kErrorCodes) {
         if (entry.systemError == systemError)
             return entry.code;
     }

@@ -1,3 +1,4 @@
+// One datagram in the form of the classic log protocol; what is not taken at once is only counted.
 #include "platform/system/SystemLog.h"
 
 #include <sys/socket.h>
@@ -15,23 +16,23 @@ namespace platform {
 namespace {
 
 // "<15>Nov 23 14:05:09 wirelet: ", in English whatever the locale, as the daemons read it.
-std::string MakeHead(ELogSeverity severity) {
-    constexpr std::array MONTHS = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+std::string MakeHead(LogSeverity severity) {
+    constexpr std::array kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                    "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::time_t now = std::time(nullptr);
     tm parts{};
     localtime_r(&now, &parts);
     std::array<char, 64> head{};
     std::snprintf(head.data(), head.size(),
                   "<%d>%s %2d %02d:%02d:%02d wirelet: ", LOG_USER | static_cast<int>(severity),
-                  MONTHS[static_cast<std::size_t>(parts.tm_mon) % MONTHS.size()], parts.tm_mday,
+                  kMonths[static_cast<std::size_t>(parts.tm_mon) % kMonths.size()], parts.tm_mday,
                   parts.tm_hour, parts.tm_min, parts.tm_sec);
     return head.data();
 }
 
 } // namespace
 
-void CSystemLog::Write(ELogSeverity severity, const char* text) noexcept {
+void CSystemLog::Write(LogSeverity severity, const char* text) noexcept {
     const unsigned long lost = m_ulLost.exchange(0);
     try {
         std::string datagram = MakeHead(severity);

@@ -11,7 +11,7 @@
 
 namespace platform {
 
-enum class ELogSeverity { Warning = 4, Debug = 7 };
+enum class LogSeverity { Warning = 4, Debug = 7 };
 
 class CSystemLog {
   public:
@@ -19,7 +19,7 @@ class CSystemLog {
     explicit CSystemLog(const char* path) : m_szPath(path) {}
 
     // Writes one text, whole. Cannot fail; what memory there is not enough for is lost too.
-    void Write(ELogSeverity severity, const char* text) noexcept;
+    void Write(LogSeverity severity, const char* text) noexcept;
 
   private:
     bool Send(const std::string& datagram) const;

@@ -5,7 +5,7 @@
 namespace {
 
 // The first of the family with all the calls that are here.
-constexpr DWORD FAMILY_VERSION = 5;
+constexpr DWORD kFamilyVersion = 5;
 
 } // namespace
 
@@ -15,6 +15,6 @@ BOOL GetVersionExA(OSVERSIONINFOA* lpVersionInformation) {
     if (lpVersionInformation->dwOSVersionInfoSize != sizeof(OSVERSIONINFOA))
         return platform::FailWith(ERROR_INSUFFICIENT_BUFFER);
     *lpVersionInformation = {
-        sizeof(OSVERSIONINFOA), FAMILY_VERSION, 0, 0, VER_PLATFORM_WIN32_NT, {}};
+        sizeof(OSVERSIONINFOA), kFamilyVersion, 0, 0, VER_PLATFORM_WIN32_NT, {}};
     return TRUE;
 }

@@ -1,3 +1,5 @@
+// The set's name comes from the locale, or from the locale's own name where the system lacks it;
+// iconv translates character by character, because each that is lacking becomes one '?'.
 #include "platform/terminal/CharacterSet.h"
 
 #include "platform/terminal/Utf8.h"
@@ -13,7 +15,7 @@
 namespace platform {
 namespace {
 
-const iconv_t NO_CONVERTER = reinterpret_cast<iconv_t>(-1);
+const iconv_t kNoConverter = reinterpret_cast<iconv_t>(-1);
 
 // The names have several spellings.
 bool IsNameOfUtf8(std::string name) {
@@ -54,19 +56,19 @@ bool IsSafe(char character) {
 
 } // namespace
 
-CCharacterSet::CCharacterSet(const std::string& name) : m_converter(NO_CONVERTER) {
+CCharacterSet::CCharacterSet(const std::string& name) : m_converter(kNoConverter) {
     if (IsNameOfUtf8(name)) {
-        m_kind = Kind::UTF8;
+        m_kind = Kind::Utf8;
         return;
     }
-    m_converter = name.empty() ? NO_CONVERTER : iconv_open(name.c_str(), "UTF-8");
+    m_converter = name.empty() ? kNoConverter : iconv_open(name.c_str(), "UTF-8");
     // ASCII as well, which has many names, lacks this.
-    if (m_converter != NO_CONVERTER && name != "ANSI_X3.4-1968")
-        m_kind = Kind::OTHER;
+    if (m_converter != kNoConverter && name != "ANSI_X3.4-1968")
+        m_kind = Kind::Other;
 }
 
 CCharacterSet::~CCharacterSet() {
-    if (m_converter != NO_CONVERTER)
+    if (m_converter != kNoConverter)
         iconv_close(m_converter);
 }
 
@@ -81,12 +83,12 @@ const CCharacterSet& CCharacterSet::Utf8() {
 }
 
 bool CCharacterSet::Has(std::string_view character) const {
-    return m_kind == Kind::UTF8 || !EncodeCharacter(character).empty();
+    return m_kind == Kind::Utf8 || !EncodeCharacter(character).empty();
 }
 
 // Empty for what the set lacks.
 std::string CCharacterSet::EncodeCharacter(std::string_view character) const {
-    if (m_kind != Kind::OTHER)
+    if (m_kind != Kind::Other)
         return "";
     const std::lock_guard lock(m_lock);
     iconv(m_converter, nullptr, nullptr, nullptr, nullptr);
@@ -107,7 +109,7 @@ std::string CCharacterSet::EncodeCharacter(std::string_view character) const {
 }
 
 std::string CCharacterSet::Encode(std::string_view text) const {
-    if (m_kind == Kind::UTF8)
+    if (m_kind == Kind::Utf8)
         return std::string(text);
     std::string result;
     ReadUtf8(

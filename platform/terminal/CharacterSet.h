@@ -24,19 +24,19 @@ class CCharacterSet {
     static const CCharacterSet& OfLocale();
     static const CCharacterSet& Utf8();
 
-    bool IsUtf8() const { return m_kind == Kind::UTF8; }
-    bool IsAscii() const { return m_kind == Kind::ASCII; }
+    bool IsUtf8() const { return m_kind == Kind::Utf8; }
+    bool IsAscii() const { return m_kind == Kind::Ascii; }
     // Whether the set has a character, given as UTF-8.
     bool Has(std::string_view character) const;
     // The text in this set; ASCII characters stay what they are. Never longer than it was.
     std::string Encode(std::string_view text) const;
 
   private:
-    enum class Kind { UTF8, ASCII, OTHER };
+    enum class Kind { Utf8, Ascii, Other };
 
     std::string EncodeCharacter(std::string_view character) const;
 
-    Kind m_kind = Kind::ASCII;
+    Kind m_kind = Kind::Ascii;
     iconv_t m_converter;
     mutable std::mutex m_lock; // of the converter
 };

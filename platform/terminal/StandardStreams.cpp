@@ -15,7 +15,7 @@ struct Substitute {
 };
 
 // In order of number: open() gives out the lowest free one.
-constexpr Substitute SUBSTITUTES[] = {
+constexpr Substitute kSubstitutes[] = {
     {STDIN_FILENO, "/dev/null", O_RDONLY},
     {STDOUT_FILENO, "/dev/full", O_WRONLY},
     {STDERR_FILENO, "/dev/null", O_WRONLY},
@@ -24,7 +24,7 @@ constexpr Substitute SUBSTITUTES[] = {
 } // namespace
 
 void OpenClosedStreams() {
-    for (const Substitute& substitute : SUBSTITUTES) {
+    for (const Substitute& substitute : kSubstitutes) {
         if (fcntl(substitute.number, F_GETFD) >= 0)
             continue;
         if (open(substitute.path, substitute.flags) < 0)
@@ -37,18 +37,18 @@ bool IsOutputTerminal() {
 }
 
 std::size_t ErrorColumns() {
-    constexpr std::size_t USUAL_COLUMNS = 80;
+    constexpr std::size_t kUsualColumns = 80;
     if (isatty(STDERR_FILENO) == 0)
         return 0;
     winsize size{};
     ioctl(STDERR_FILENO, TIOCGWINSZ, &size);
-    return size.ws_col != 0 ? size.ws_col : USUAL_COLUMNS;
+    return size.ws_col != 0 ? size.ws_col : kUsualColumns;
 }
 
 bool IsErrorReady() {
-    constexpr int MOST_MILLISECONDS = 100; // a terminal that has just got much is not stuck
+    constexpr int kMostMilliseconds = 100; // a terminal that has just got much is not stuck
     pollfd error = {STDERR_FILENO, POLLOUT, 0};
-    return poll(&error, 1, MOST_MILLISECONDS) > 0 && error.revents == POLLOUT;
+    return poll(&error, 1, kMostMilliseconds) > 0 && error.revents == POLLOUT;
 }
 
 } // namespace platform

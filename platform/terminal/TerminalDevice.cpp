@@ -9,20 +9,20 @@
 namespace platform {
 namespace {
 
-constexpr int STANDARD_STREAMS[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+constexpr int kStandardStreams[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
 
-constexpr unsigned FIRST_PTY_MAJOR = 136;
-constexpr unsigned LAST_PTY_MAJOR = 143;
+constexpr unsigned kFirstPtyMajor = 136;
+constexpr unsigned kLastPtyMajor = 143;
 
 // /dev/tty, which is whatever terminal the process belongs to.
-constexpr unsigned TTY_MAJOR = 5;
-constexpr unsigned TTY_MINOR = 0;
+constexpr unsigned kTtyMajor = 5;
+constexpr unsigned kTtyMinor = 0;
 
 } // namespace
 
 bool IsPseudoTerminal(dev_t device) {
     const unsigned major = major(device);
-    return major >= FIRST_PTY_MAJOR && major <= LAST_PTY_MAJOR;
+    return major >= kFirstPtyMajor && major <= kLastPtyMajor;
 }
 
 // In a folder tree with pseudo-terminals of its own their numbers are given out once more.
@@ -32,9 +32,9 @@ bool AreSameTerminal(const struct stat& one, const struct stat& two) {
 }
 
 bool IsOwnTerminal(const struct stat& device) {
-    if (device.st_rdev == makedev(TTY_MAJOR, TTY_MINOR))
+    if (device.st_rdev == makedev(kTtyMajor, kTtyMinor))
         return true;
-    return std::any_of(std::begin(STANDARD_STREAMS), std::end(STANDARD_STREAMS), [&](int stream) {
+    return std::any_of(std::begin(kStandardStreams), std::end(kStandardStreams), [&](int stream) {
         struct stat status {};
         return isatty(stream) != 0 && fstat(stream, &status) == 0 &&
                AreSameTerminal(device, status);

@@ -26,10 +26,7 @@ DCB MakeDcb(DWORD speed, BYTE byteSize, BYTE parity, BYTE stopBits) {
 TEST(CommSettings, FormatsGoBothWaysAndReplaceTheFormerOneOnly) {
     DCB ctsWithoutRts = MakeDcb(9600, 8, NOPARITY, ONESTOPBIT);
     ctsWithoutRts.fOutxCtsFlow = 1;
-    const struct {
-        DCB dcb;
-        tcflag_t flags;
-    } rows[] = {
+    const std::pair<DCB, tcflag_t> rows[] = {
         {MakeDcb(250000, 8, NOPARITY, ONESTOPBIT), CS8},
         {MakeDcb(1, 7, EVENPARITY, ONESTOPBIT), CS7 | PARENB},
         {MakeDcb(9600, 7, ODDPARITY, TWOSTOPBITS), CS7 | PARENB | PARODD | CSTOPB},
@@ -47,21 +44,20 @@ TEST(CommSettings, FormatsGoBothWaysAndReplaceTheFormerOneOnly) {
     termios2 former{};
     former.c_cflag = CS5 | CSTOPB | PARENB | PARODD | CMSPAR | CRTSCTS | B1200 | HUPCL | CREAD;
     former.c_iflag = IXON | IXOFF | IGNBRK;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
+    for (const auto& [dcb, flags] : rows) {
+        SCOPED_TRACE(flags);
         termios2 settings = former;
-        ASSERT_EQ(platform::ApplyDcb(row.dcb, settings), row.flags != kRefused);
-        if (row.flags == kRefused) {
-            EXPECT_EQ(settings.c_cflag, former.c_cflag);
+        ASSERT_EQ(platform::ApplyDcb(dcb, settings), flags != kRefused);
+        EXPECT_EQ(settings.c_cflag,
+                  flags == kRefused ? former.c_cflag : flags | BOTHER | HUPCL | CREAD);
+        if (flags == kRefused)
             continue;
-        }
-        EXPECT_EQ(settings.c_cflag, row.flags | BOTHER | HUPCL | CREAD);
         EXPECT_EQ(settings.c_iflag, tcflag_t{IGNBRK});
-        EXPECT_EQ(settings.c_ispeed, row.dcb.BaudRate);
+        EXPECT_EQ(settings.c_ispeed, dcb.BaudRate);
         termios2 again{};
         EXPECT_TRUE(platform::ApplyDcb(platform::DcbOfSettings(settings), again));
-        EXPECT_EQ(again.c_cflag, row.flags | BOTHER);
-        EXPECT_EQ(again.c_ospeed, row.dcb.BaudRate);
+        EXPECT_EQ(again.c_cflag, flags | BOTHER);
+        EXPECT_EQ(again.c_ospeed, dcb.BaudRate);
     }
 }
 
@@ -115,22 +111,16 @@ TEST(CommSettings, ReplacedSettingsAreNoticed) {
 }
 
 TEST(CommErrors, MovedCountersBecomeBits) {
-    using Counters = serial_icounter_struct;
-    const std::pair<int Counters::*, DWORD> rows[] = {
-        {&Counters::frame, CE_FRAME},
-        {&Counters::brk, CE_BREAK},
-        {&Counters::overrun, CE_OVERRUN},
-        {&Counters::parity, CE_RXPARITY},
-        {&Counters::cts, 0},
-        {&Counters::buf_overrun, CE_RXOVER},
-    };
-    for (const auto& [counter, bit] : rows) {
-        Counters before{};
-        Counters now{};
-        before.*counter = INT_MAX;
-        now.*counter = INT_MIN; // wrapped
-        EXPECT_EQ(platform::ErrorsBetween(before, now), bit);
-    }
+    serial_icounter_struct before{};
+    serial_icounter_struct now{};
+    before.frame = INT_MAX;
+    now.frame = INT_MIN; // wrapped
+    now.cts = now.brk = 1;
+    EXPECT_EQ(platform::ErrorsBetween(before, now), CE_FRAME | CE_BREAK);
+    now.frame = INT_MAX;
+    now.brk = 0;
+    now.overrun = now.parity = now.buf_overrun = 1;
+    EXPECT_EQ(platform::ErrorsBetween(before, now), CE_OVERRUN | CE_RXPARITY | CE_RXOVER);
 }
 
 TEST(CommName, PortNamesAndPaths) {

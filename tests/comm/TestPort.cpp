@@ -2,6 +2,7 @@
 #include "tests/comm/TestPort.h"
 
 #include "platform/comm/CommPort.h"
+#include "platform/objects/HandleTable.h"
 
 HANDLE OpenPort(const std::string& name) {
     return CreateFileA(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,

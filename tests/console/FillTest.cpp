@@ -14,14 +14,13 @@ int TerminalColour(int colour) {
 
 TEST(ConsoleColours, EveryAttributeArrives) {
     CShownConsole console(20, 3);
-    console.Clear();
     for (int step = 0; step < 1024; ++step) {
         const int attribute = step * 37 & 0x3FF; // from one to a quite different one
         console.output.SetPosition({3, 1});
         console.output.SetAttribute(static_cast<WORD>(attribute));
         console.Write("x");
         console.Show();
-        const VTermScreenCell cell = console.screen.GetCell(1, 3);
+        const VTermScreenCell cell = console.GetScreen().GetCell(1, 3);
         const bool ownForeground = (attribute & 0x107) == 0x07;
         const bool ownBackground = (attribute & 0x2F0) == 0;
         const int foreground = TerminalColour(attribute & 15);
@@ -34,7 +33,6 @@ TEST(ConsoleColours, EveryAttributeArrives) {
 
 TEST(ConsoleFill, FillsCellsAndLeavesTheCursor) {
     CShownConsole console(10, 4);
-    console.Clear();
     console.Write("0123456789abcdefghij0123456789abcde");
     ASSERT_TRUE(console.Fill(5, 3, 4, 0x07));          // at the cursor
     ASSERT_TRUE(console.Fill(2, 0, 3, 0x07));          // inside of a row
@@ -46,29 +44,28 @@ TEST(ConsoleFill, FillsCellsAndLeavesTheCursor) {
     EXPECT_EQ(console.Row(1), "abcdefgh");
     EXPECT_EQ(console.Row(2), "   3456789");
     EXPECT_EQ(console.Row(3), "abcdeX   \xE2\x96\x88");
-    EXPECT_EQ(IndexOf(console.screen.GetCell(0, 2).bg), -1);
-    EXPECT_EQ(IndexOf(console.screen.GetCell(1, 9).bg), 4);
-    EXPECT_EQ(IndexOf(console.screen.GetCell(2, 2).bg), 4);
-    EXPECT_EQ(IndexOf(console.screen.GetCell(2, 3).bg), -1);
-    EXPECT_EQ(console.screen.GetScrollback().size(), 4U); // those of the first clearing only
+    EXPECT_EQ(IndexOf(console.GetScreen().GetCell(0, 2).bg), -1);
+    EXPECT_EQ(IndexOf(console.GetScreen().GetCell(1, 9).bg), 4);
+    EXPECT_EQ(IndexOf(console.GetScreen().GetCell(2, 2).bg), 4);
+    EXPECT_EQ(IndexOf(console.GetScreen().GetCell(2, 3).bg), -1);
+    EXPECT_EQ(console.GetScreen().GetScrollback().size(), 4U); // those of the first clearing only
 }
 
 TEST(ConsoleSize, AChangeIsFollowed) {
     CShownConsole console(20, 5);
-    console.Clear();
     console.Write("1\n2\n3\n4\n12345678901234567890");
     console.Show();
-    console.Resize(30, 5);
+    console.Resize(5, 30);
     EXPECT_TRUE(console.output.FollowSize());
     EXPECT_FALSE(console.output.FollowSize());
     console.Write("+"); // behind the text that had filled the row
     console.Show();
     EXPECT_EQ(console.Row(4), "12345678901234567890+");
 
-    console.Resize(10, 3);
+    console.Resize(3, 10);
     EXPECT_TRUE(console.output.FollowSize());
     EXPECT_EQ(console.GetCursor().X, 9);
     EXPECT_EQ(console.GetCursor().Y, 2);
     console.Show();
-    EXPECT_EQ(console.screen.GetCursor().col, 9);
+    EXPECT_EQ(console.GetScreen().GetCursor().col, 9);
 }

@@ -9,7 +9,9 @@ class CDevice : public IPollable {
   public:
     // A device's line is raw.
     explicit CDevice(bool raw = true);
-    CDevice(const std::string& path, const std::string& farEnd) : m_line(path, farEnd) {}
+    // One that is there, with the far end of its cable, and what unplugs it.
+    CDevice(const std::string& path, const std::string& farEnd, std::function<void()> unplug = {})
+        : m_line(path, farEnd), m_unplug(std::move(unplug)) {}
 
     void Send(std::string_view bytes) { m_toSend.Append(bytes); }
     bool IsAllSent() const { return m_toSend.IsEmpty(); }
@@ -30,7 +32,12 @@ class CDevice : public IPollable {
     // Everything received and not yet taken by a test.
     std::string& GetReceived() { return m_received; }
     // Unplugs the device.
-    void Vanish() { m_line.CloseMaster(); }
+    void Vanish() {
+        if (m_unplug)
+            m_unplug();
+        else
+            m_line.CloseMaster();
+    }
 
     CPseudoTerminal& GetLine() { return m_line; }
     const std::string& GetPath() const { return m_line.GetPath(); }
@@ -46,6 +53,7 @@ class CDevice : public IPollable {
 
   private:
     CPseudoTerminal m_line;
+    std::function<void()> m_unplug;
     CByteQueue m_toSend;
     std::string m_endless;
     std::string m_received;
@@ -53,3 +61,6 @@ class CDevice : public IPollable {
     std::size_t m_nReadLimit = kNoLimit;
     CDevice* m_pReceiver = nullptr;
 };
+
+// The device of a test: a pseudo-terminal, or in tests/vm a real one that the environment names.
+CDevice MakeDevice();

@@ -21,10 +21,6 @@ struct Place {
 
 const std::string kMuch(300000, 'm');
 
-void PrintTo(const Place& place, std::ostream* stream) {
-    *stream << place.name;
-}
-
 const Place kPlaces[] = {
     {"ScriptSends", 'S',
      "WHILE 1\r\nSendString(\"0123456789012345678901234567890123456789\")\r\nWEND"},

@@ -14,14 +14,6 @@ struct Example {
     std::vector<std::string_view> boxes; // shown to the user, in this order
 };
 
-// In the test's name.
-std::ostream& operator<<(std::ostream& stream, const Example& example) {
-    stream << example.script;
-    for (const std::string& option : example.modem)
-        stream << ' ' << option;
-    return stream;
-}
-
 const std::vector<Example> kExamples = {
     {"identify",
      {},

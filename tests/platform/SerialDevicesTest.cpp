@@ -27,15 +27,13 @@ TEST(SerialDevices, AreThoseWithHardwareAndNoConsoles) {
         {"ptmx", false},           {"hvc0", true},
     };
     const CTempFolder sysfs;
-    for (const auto& row : rows) {
-        const std::string folder = row.name;
-        std::filesystem::create_directories(
-            sysfs.GetPath(folder + (row.hasDevice ? "/device" : "")));
-        for (const auto& [attribute, value] :
-             {std::pair{"/type", row.type}, {"/console", row.console}}) {
-            if (*value != 0)
-                sysfs.Write(folder + attribute, std::string(value) + '\n');
-        }
+    for (const auto& [name, hasDevice, type, console] : rows) {
+        const std::string folder = name;
+        std::filesystem::create_directories(sysfs.GetPath(folder + (hasDevice ? "/device" : "")));
+        if (*type != 0)
+            sysfs.Write(folder + "/type", std::string(type) + '\n');
+        if (*console != 0)
+            sysfs.Write(folder + "/console", std::string(console) + '\n');
     }
     std::vector<std::string> ports;
     for (const platform::SerialDevice& device : platform::ListSerialDevices(sysfs.GetPath("")))

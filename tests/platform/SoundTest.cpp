@@ -17,28 +17,23 @@
 
 namespace {
 
-// Tells its arguments, its streams and what else is open, its signals and its session.
-constexpr char PLAYER[] = R"(#!/bin/sh
+// Tells its arguments, its streams, what else is open, its signals, its session and terminal.
+constexpr char kPlayer[] = R"sh(#!/bin/sh
 PATH=/usr/bin:/bin
 while read -r line; do
-    case $line in SigBlk*|SigIgn*) signals="$signals$line;" ;; esac
+    case $line in SigBlk*|SigIgn*) signals="$signals $line" ;; esac
 done </proc/$$/status # at once: with its first child the shell opens all signals
 streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)
-{
-    echo "$0" "$@"
-    echo "$streams"
-    readlink /proc/$$/fd/* | grep 'held open'
-    echo "$signals"
-    cut -d' ' -f6,7 /proc/$$/stat
-    echo end
-} >TOLD
-)";
+held=$(readlink /proc/$$/fd/* | grep 'held open')
+echo "$0 $*|"$streams"|$held|$signals|$(cut -d' ' -f6,7 /proc/$$/stat)" >"$TOLD"
+)sh";
 
 class SoundTest : public ::testing::Test {
   protected:
     SoundTest() {
         mkfifo(told.c_str(), 0600);
         reader.open(told, std::ios::in | std::ios::out); // both: opening does not wait for players
+        setenv("TOLD", told.c_str(), 1);
         setenv("PATH", (folder.GetPath("none") + ":" + folder.GetPath("")).c_str(), 1);
         std::filesystem::current_path(folder.GetPath(""));
     }
@@ -48,19 +43,19 @@ class SoundTest : public ::testing::Test {
     }
 
     void MakePlayer(const char* name, mode_t mode = 0700) const {
-        std::string script = PLAYER;
-        script.replace(script.find("TOLD"), 4, told);
-        chmod(folder.Write(name, script).c_str(), mode);
+        chmod(folder.Write(name, kPlayer).c_str(), mode);
     }
-    // Plays and returns the lines that a player tells.
-    std::vector<std::string> Play(const std::string& file) {
-        std::vector<std::string> lines = {"nothing"};
-        if (!sndPlaySoundA(file.c_str(), SND_ASYNC))
-            return lines;
-        lines.clear();
-        for (std::string line; line != "end" && std::getline(reader, line);)
-            lines.push_back(line);
-        return lines;
+    // Plays and returns what a player tells.
+    std::string Play(const std::string& file) {
+        std::string line = "nothing";
+        if (sndPlaySoundA(file.c_str(), SND_ASYNC))
+            std::getline(reader, line);
+        return line;
+    }
+    // The command line of the one that plays.
+    std::string PlayerOf(const std::string& file) {
+        const std::string line = Play(file);
+        return line.substr(folder.GetPath("/").size(), line.find('|') - folder.GetPath("/").size());
     }
     // Waiting for any child finds none: none that runs, none that has ended.
     static bool HasChild() { return waitpid(-1, nullptr, WNOHANG) != -1 || errno != ECHILD; }
@@ -83,35 +78,22 @@ TEST_F(SoundTest, StartsAPlayerThatIsOnItsOwn) {
     sigfillset(&mask);
     pthread_sigmask(SIG_BLOCK, &mask, &before);
     const auto handler = std::signal(SIGINT, SIG_IGN);
-    const std::vector<std::string> lines = Play(sound);
+    const std::string line = Play(sound);
     std::signal(SIGINT, handler);
     pthread_sigmask(SIG_SETMASK, &before, &mask);
     EXPECT_TRUE(sigismember(&mask, SIGTERM)) << "the caller's own mask is as it was";
-    const std::string session = lines.at(lines.size() - 2);
-    EXPECT_EQ(lines,
-              (std::vector<std::string>{
-                  folder.GetPath("/aplay") + " -q " + sound, "/dev/null", "/dev/null", "/dev/null",
-                  "SigBlk:\t0000000000000000;SigIgn:\t0000000000000000;", session, "end"}));
+    const std::string session = line.substr(line.rfind('|') + 1);
+    EXPECT_EQ(line, folder.GetPath("/aplay") + " -q " + sound +
+                        "|/dev/null /dev/null /dev/null|| SigBlk:\t0000000000000000"
+                        " SigIgn:\t0000000000000000|" +
+                        session);
     EXPECT_NE(session, std::to_string(getsid(0)) + " 0");
     EXPECT_TRUE(session.ends_with(" 0")) << "a terminal: " << session;
     EXPECT_FALSE(HasChild());
 }
 
-TEST_F(SoundTest, TheBestPlayerThatCanBeStartedIsTaken) {
-    MakePlayer("pw-play", 0600);
-    MakePlayer("paplay");
-    MakePlayer("aplay");
-    EXPECT_EQ(Play(sound)[0], folder.GetPath("/paplay") + " " + sound);
-    MakePlayer("pw-play");
-    folder.Write("--help", "");
-    EXPECT_EQ(Play("--help")[0], folder.GetPath("/pw-play") + " ./--help");
-    chmod(folder.Write("pw-play", "#!/no/such/shell").c_str(), 0700);
-    EXPECT_EQ(Play(sound)[0], folder.GetPath("/paplay") + " " + sound);
-    EXPECT_FALSE(HasChild());
-}
-
 // A file that lies where the process happens to be is no player.
-TEST_F(SoundTest, TellsWhatIsMissing) {
+TEST_F(SoundTest, TheBestPlayerThatCanBeStartedIsTaken) {
     const auto expectFailure = [](DWORD error, const char* file) {
         SetLastError(ERROR_SUCCESS);
         EXPECT_FALSE(sndPlaySoundA(file, SND_ASYNC));
@@ -121,7 +103,15 @@ TEST_F(SoundTest, TellsWhatIsMissing) {
     expectFailure(ERROR_FILE_NOT_FOUND, "/no/such/sound");
     expectFailure(ERROR_FILE_NOT_FOUND, "/dev/null");
     expectFailure(ERROR_MOD_NOT_FOUND, sound.c_str());
+    MakePlayer("pw-play", 0600);
+    MakePlayer("paplay");
     MakePlayer("aplay");
+    EXPECT_EQ(PlayerOf(sound), "paplay " + sound);
+    MakePlayer("pw-play");
+    folder.Write("--help", "");
+    EXPECT_EQ(PlayerOf("--help"), "pw-play ./--help");
+    chmod(folder.Write("pw-play", "#!/no/such/shell").c_str(), 0700);
+    EXPECT_EQ(PlayerOf(sound), "paplay " + sound);
     for (const char* const folders : {"", ".", ":/no/such/folder:"}) {
         setenv("PATH", folders, 1);
         expectFailure(ERROR_MOD_NOT_FOUND, sound.c_str());

@@ -26,7 +26,7 @@ TEST(SystemLog, LosesRatherThanBlocksAndTellsHowMany) {
     platform::CSystemLog log(path.c_str());
     const std::string half(300, 'a');
     const std::string text = half + "%s%n\n" + half;
-    const auto write = [&] { log.Write(platform::ELogSeverity::Debug, text.c_str()); };
+    const auto write = [&] { log.Write(platform::LogSeverity::Debug, text.c_str()); };
     write();
     ASSERT_EQ(bind(daemon.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     std::vector<std::thread> threads;
@@ -39,21 +39,21 @@ TEST(SystemLog, LosesRatherThanBlocksAndTellsHowMany) {
         thread.join();
 
     int known = 0;
-    for (int turn = 0; turn < 2; ++turn) {
+    const auto take = [&] {
         char datagram[1000];
-        ssize_t length = 0;
-        while ((length = recv(daemon.Get(), datagram, sizeof datagram - 1, 0)) > 0) {
-            datagram[length] = '\0';
+        for (ssize_t length = 0; (length = recv(daemon.Get(), datagram, sizeof datagram, 0)) > 0;) {
+            const std::string taken(datagram, static_cast<std::size_t>(length));
             tm time{};
-            const char* const head = strptime(datagram, "<15>%b %d %T wirelet: ", &time);
-            ASSERT_NE(head, nullptr) << datagram;
+            const char* const head = strptime(taken.c_str(), "<15>%b %d %T wirelet: ", &time);
+            ASSERT_NE(head, nullptr) << taken;
             int lost = 0;
             std::sscanf(head, "(lost before: %d)", &lost);
             known += 1 + lost;
-            EXPECT_TRUE(std::string_view(datagram).ends_with(text));
+            EXPECT_TRUE(taken.ends_with(text));
         }
-        if (turn == 0)
-            write();
-    }
+    };
+    take();
+    write();
+    take();
     EXPECT_EQ(known, 1 + kThreads * kTexts + 1);
 }

@@ -7,13 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 #include <utility>
 #include <vector>
 
 inline constexpr UINT WM_TEST = WM_APP + 1;
-inline constexpr UINT WM_TEST_END = WM_APP + 2;
 
 using Handler = std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)>;
 
@@ -67,23 +67,26 @@ inline DWORD WaitForMessage(DWORD milliseconds) {
     return MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, QS_ALLINPUT);
 }
 
-inline BOOL Retrieve(MSG& message, HWND window = nullptr) {
-    return PeekMessageA(&message, window, 0, 0, PM_REMOVE);
+inline BOOL Retrieve(MSG& message) {
+    return PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
+}
+
+// The result of the next message's procedure; -1 when there is no message.
+inline LRESULT DispatchNext() {
+    MSG message;
+    return Retrieve(message) ? DispatchMessageA(&message) : -1;
 }
 
 // Retrieves and dispatches until the condition holds, asleep while there is nothing.
 inline void PumpUntil(const std::function<bool()>& condition) {
-    while (!condition()) {
+    for (; !condition(); DispatchNext())
         ASSERT_EQ(WaitForMessage(INFINITE), WAIT_OBJECT_0);
-        if (MSG message; Retrieve(message))
-            DispatchMessageA(&message);
-    }
 }
 
 // Retrieves what there is without dispatching it.
-inline std::vector<MSG> TakeAll(HWND window = nullptr) {
+inline std::vector<MSG> TakeAll() {
     std::vector<MSG> messages;
-    for (MSG message; Retrieve(message, window);)
+    for (MSG message; Retrieve(message);)
         messages.push_back(message);
     return messages;
 }
@@ -93,12 +96,11 @@ inline std::vector<MSG> TakeAll(HWND window = nullptr) {
 // latest.
 class CWindowThread {
   public:
-    explicit CWindowThread(Handler handler = DefWindowProcA,
-                           std::function<void(HWND)> run = PumpUntilEnd)
+    explicit CWindowThread(Handler handler = DefWindowProcA, std::function<void(HWND)> run = {})
         : m_handler(std::move(handler)), m_thread([this, run = std::move(run)] {
               m_hWindow = MakeWindow(m_handler);
               SetEvent(m_ready);
-              run(m_hWindow);
+              run ? run(m_hWindow) : PumpUntil([this] { return m_bEnding.load(); });
           }) {
         WaitForSingleObject(m_ready, INFINITE);
     }
@@ -106,23 +108,17 @@ class CWindowThread {
     CWindowThread& operator=(const CWindowThread&) = delete;
     ~CWindowThread() { Join(); }
     void Join() {
-        PostMessageA(m_hWindow, WM_TEST_END, 0, 0);
+        m_bEnding = true;
+        PostMessageA(m_hWindow, WM_TEST, 0, 0);
         if (m_thread.joinable())
             m_thread.join();
     }
     operator HWND() const { return m_hWindow; }
 
   private:
-    static void PumpUntilEnd(HWND) {
-        for (MSG message{}; message.message != WM_TEST_END;) {
-            WaitForMessage(INFINITE);
-            if (Retrieve(message))
-                DispatchMessageA(&message);
-        }
-    }
-
     const Handler m_handler;
     const CTestHandle m_ready = MakeEvent(true, false);
+    std::atomic<bool> m_bEnding = false;
     HWND m_hWindow = nullptr;
     std::thread m_thread;
 };

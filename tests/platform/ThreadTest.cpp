@@ -44,24 +44,26 @@ TEST(Thread, SignalsAreLeftToTheThreadsBefore) {
 }
 
 TEST(Thread, SuspendedThreadsBeginWhenResumed) {
-    std::atomic<int> ran = 0;
+    std::atomic<DWORD> ran = 0;
     const auto run = [](LPVOID argument) -> DWORD {
-        return static_cast<DWORD>(++*static_cast<std::atomic<int>*>(argument));
+        return ++*static_cast<std::atomic<DWORD>*>(argument);
     };
-    const CTestHandle thread(CreateThread(nullptr, 0, run, &ran, CREATE_SUSPENDED, nullptr));
+    const auto make = [&] {
+        return CTestHandle(CreateThread(nullptr, 0, run, &ran, CREATE_SUSPENDED, nullptr));
+    };
+    const CTestHandle thread = make();
+    const CTestHandle ended = make();
     EXPECT_TRUE(SetThreadPriority(thread, THREAD_PRIORITY_LOWEST));
-    EXPECT_EQ(WaitForSingleObject(thread, 20), WAIT_TIMEOUT);
-    EXPECT_EQ(ran, 0);
-    EXPECT_EQ(ResumeThread(thread), 1u);
-    EXPECT_TRUE(AwaitEnd(thread));
-    EXPECT_EQ(ran, 1);
-    EXPECT_EQ(ResumeThread(thread), 0u);
-    EXPECT_EQ(ResumeThread(nullptr), 0xFFFFFFFF);
-    const CTestHandle ended(CreateThread(nullptr, 0, run, &ran, CREATE_SUSPENDED, nullptr));
     EXPECT_TRUE(TerminateThread(ended, 33));
     EXPECT_TRUE(AwaitEnd(ended));
-    EXPECT_EQ(ran, 1);
     EXPECT_EQ(ExitCodeOf(ended), 33u);
+    EXPECT_EQ(WaitForSingleObject(thread, 20), WAIT_TIMEOUT);
+    EXPECT_EQ(ran, 0u);
+    EXPECT_EQ(ResumeThread(thread), 1u);
+    EXPECT_TRUE(AwaitEnd(thread));
+    EXPECT_EQ(ran, 1u);
+    EXPECT_EQ(ResumeThread(thread), 0u);
+    EXPECT_EQ(ResumeThread(nullptr), 0xFFFFFFFF);
 }
 
 // Each entry of the procedure is a way to wait; after the first has failed all others fail at once.

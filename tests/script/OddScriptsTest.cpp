@@ -150,11 +150,11 @@ TEST(OddScripts, TheOwnerIsToldHowLoadingWent) {
         CScriptRun modem;
         CVScript(owner).Run(path.c_str(), &modem);
         MSG message;
-        ASSERT_TRUE(PeekMessageA(&message, owner, 0, 0, PM_REMOVE)) << path;
+        ASSERT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) << path;
         EXPECT_EQ(message.message, WM_SCRIPTLOAD);
         EXPECT_EQ(message.wParam, failed) << path;
         EXPECT_EQ(message.lParam, code) << path;
-        EXPECT_FALSE(PeekMessageA(&message, owner, 0, 0, PM_REMOVE)) << path;
+        EXPECT_FALSE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) << path;
     }
     DestroyWindow(owner);
 }

@@ -1,10 +1,12 @@
-// Runs the scripts under cases/ and compares what the device and the user get to see with the
-// .expect file beside each.
+// Runs the scripts under cases/ and compares what the device and the user get to see with what
+// stands beside the lines, in the order of the lines:
 //
-// A .scr file is one script, or several: a line "'=== name" begins another one, and what stands
-// before the first of these lines is added at the end of each, so that it moves no line numbers.
-// The .expect file is divided likewise by lines "=== name". Empty lines and lines that begin with
-// "#" do not count in it; the lines of the device are what it has to say as well.
+//   show(3)  ' expect: sent by SendString ' expect: report On line: 7\nSyntax Error\n
+//
+// What begins with the word of no other event (ScriptRun.h) is sent; what the device has to say is
+// told in the same way. A line "'=== name" begins another script, and says what is expected of one
+// that does not load; what stands before the first of these lines is added at the end of each, so
+// that it moves no line numbers.
 #include "script/ScriptCheck.h"
 #include "tests/script/ScriptRun.h"
 #include "tests/support/TempFolder.h"
@@ -17,36 +19,53 @@
 
 namespace {
 
-using Parts = std::vector<std::pair<std::string, std::string>>; // names and texts
+constexpr std::string_view kMarker = "'=== ";
+constexpr std::string_view kExpect = " ' expect: ";
+constexpr std::string_view kEvents[] = {"report ",  "result ", "command> ", "answer ", "device< ",
+                                        "timeout ", "retry ",  "format ",   "dtr ",    "box ",
+                                        "sound ",   "beep",    "gone"};
 
-Parts Divide(const std::string& content, std::string_view marker) {
-    Parts parts = {{}};
-    std::istringstream lines(content);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with(marker))
-            parts.push_back({line.substr(marker.size(), line.find('\r') - marker.size()), {}});
-        else
-            parts.back().second += line + '\n';
-    }
-    return parts;
-}
-
-struct Expectation {
-    std::string record;
+struct Case {
+    std::string name;
+    std::string script;
+    std::string record; // that is expected
     std::deque<std::string> inputs;
 };
 
-Expectation Read(const std::string& text) {
-    Expectation expectation;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.empty() || line.starts_with('#'))
-            continue;
-        if (CScriptRun::IsInput(line))
-            expectation.inputs.push_back(line);
-        expectation.record += line + '\n';
+// Takes what is expected at a line.
+void Expect(std::string_view line, Case& script) {
+    for (std::size_t at = line.find(kExpect); at != std::string_view::npos;) {
+        line.remove_prefix(at + kExpect.size());
+        at = line.find(kExpect);
+        std::string event(line.substr(0, std::min(at, line.find('\r'))));
+        const auto begins = [&](std::string_view kind) { return event.starts_with(kind); };
+        if (CScriptRun::IsInput(event))
+            script.inputs.push_back(event);
+        else if (std::ranges::none_of(kEvents, begins))
+            event.insert(0, event.empty() ? "device>" : "device> ");
+        script.record += event + '\n';
     }
-    return expectation;
+}
+
+std::vector<Case> ReadCases(const std::string& content) {
+    std::vector<Case> cases(1);
+    std::istringstream lines(content);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(kMarker)) {
+            const std::size_t end = std::min(line.find(kExpect), line.find('\r'));
+            cases.push_back({line.substr(kMarker.size(), end - kMarker.size()), {}, {}, {}});
+        } else {
+            cases.back().script += line + '\n';
+        }
+        Expect(line, cases.back());
+    }
+    if (cases.size() > 1) {
+        const std::string shared = cases.front().script;
+        cases.erase(cases.begin());
+        for (Case& script : cases)
+            script.script += shared;
+    }
+    return cases;
 }
 
 std::vector<std::string> FindScripts() {
@@ -70,26 +89,14 @@ TEST_P(ScriptCases, DoWhatIsExpected) {
     const std::string content = ReadWholeFile(GetParam());
     ASSERT_EQ(std::ranges::count(content, '\n'), std::ranges::count(content, '\r'))
         << "the script has lost its line ends";
-    Parts scripts = Divide(content, "'=== ");
-    Parts expected = Divide(
-        ReadWholeFile(std::filesystem::path(GetParam()).replace_extension(".expect")), "=== ");
-    ASSERT_EQ(scripts.size(), expected.size());
-    const bool isDivided = scripts.size() > 1;
-    const std::string shared = isDivided ? scripts.front().second : "";
-    for (std::size_t index = isDivided ? 1 : 0; index < scripts.size(); ++index) {
-        const auto& [name, text] = scripts[index];
+    for (const auto& [name, script, record, inputs] : ReadCases(content)) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(name, expected[index].first);
-        const Expectation expectation = Read(expected[index].second);
-        const std::string script = text + shared;
-        EXPECT_EQ(CScriptRun(expectation.inputs).Run(folder.Write("case.scr", script)),
-                  expectation.record);
+        EXPECT_EQ(CScriptRun(inputs).Run(folder.Write("case.scr", script)), record);
         // What runs is clean, but for what is not reached in these.
         const bool isReached = !name.starts_with("not ") && !name.ends_with("may be wrong") &&
                                name != "a statement before the first CASE";
         const bool isClean = CScriptCheck(script).Findings().empty();
-        EXPECT_TRUE(isClean || !isReached ||
-                    expectation.record.find("report") != std::string::npos);
+        EXPECT_TRUE(isClean || !isReached || record.find("report") != std::string::npos);
     }
 }
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include <functional>
 
 namespace {
 
@@ -12,49 +12,35 @@ bool IsSet(HANDLE event) {
     return WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
 }
 
-using Step = DWORD (*)(CVCommBuffer& buffer, DWORD count);
-
-constexpr Step WRITE = [](CVCommBuffer& buffer, DWORD count) {
-    return buffer.Write(std::string(count, 'x').data(), count);
-};
-constexpr Step READ = [](CVCommBuffer& buffer, DWORD count) {
-    return buffer.Read(std::string(count, '\0').data(), count, TRUE);
-};
-constexpr Step LOOK = [](CVCommBuffer& buffer, DWORD count) {
-    return buffer.Read(std::string(count, '\0').data(), count, FALSE);
-};
-constexpr Step CLEAR = [](CVCommBuffer& buffer, DWORD count) { return buffer.ClearBuffer(count); };
-constexpr Step RESIZE = [](CVCommBuffer& buffer, DWORD size) { return buffer.SetBufferSize(size); };
-
 TEST(CommBuffer, EventsFollowTheBytes) {
+    CReportLog log;
+    CVCommBuffer buffer;
+    BYTE bytes[8192] = {};
     const struct {
-        Step step;
-        DWORD argument;
+        std::function<DWORD()> step;
         DWORD result;
         DWORD size;
         DWORD count;
         bool hasSpace; // as the last transfer or clearing left it: resizing moves no event
     } steps[] = {
-        {WRITE, 0, 0, 4096, 0, true},
-        {READ, 10, 0, 4096, 0, true},
-        {WRITE, 10, 10, 4096, 10, true},
-        {LOOK, 20, 10, 4096, 10, true},
-        {CLEAR, CVCommBuffer::kAllBytes, 10, 4096, 0, true},
-        {WRITE, 5000, 4096, 4096, 4096, false},
-        {WRITE, 1, 0, 4096, 4096, false},
-        {RESIZE, 8192, 8192, 8192, 4096, false},
-        {READ, 1, 1, 8192, 4095, true},
-        {RESIZE, 100, 4095, 4095, 4095, true},
-        {WRITE, 1, 0, 4095, 4095, false},
-        {READ, 4095, 4095, 4095, 0, true},
-        {RESIZE, 1, 1, 1, 0, true},
-        {WRITE, 2, 1, 1, 1, false},
+        {[&] { return buffer.Write(bytes, 0); }, 0, 4096, 0, true},
+        {[&] { return buffer.Read(bytes, 10, TRUE); }, 0, 4096, 0, true},
+        {[&] { return buffer.Write(bytes, 10); }, 10, 4096, 10, true},
+        {[&] { return buffer.Read(bytes, 20, FALSE); }, 10, 4096, 10, true},
+        {[&] { return buffer.ClearBuffer(CVCommBuffer::kAllBytes); }, 10, 4096, 0, true},
+        {[&] { return buffer.Write(bytes, 5000); }, 4096, 4096, 4096, false},
+        {[&] { return buffer.Write(bytes, 1); }, 0, 4096, 4096, false},
+        {[&] { return buffer.SetBufferSize(8192); }, 8192, 8192, 4096, false},
+        {[&] { return buffer.Read(bytes, 1, TRUE); }, 1, 8192, 4095, true},
+        {[&] { return buffer.SetBufferSize(100); }, 4095, 4095, 4095, true},
+        {[&] { return buffer.Write(bytes, 1); }, 0, 4095, 4095, false},
+        {[&] { return buffer.Read(bytes, 4095, TRUE); }, 4095, 4095, 0, true},
+        {[&] { return buffer.SetBufferSize(1); }, 1, 1, 0, true},
+        {[&] { return buffer.Write(bytes, 2); }, 1, 1, 1, false},
     };
-    CReportLog log;
-    CVCommBuffer buffer;
     for (const auto& row : steps) {
         SCOPED_TRACE(&row - steps);
-        EXPECT_EQ(row.step(buffer, row.argument), row.result);
+        EXPECT_EQ(row.step(), row.result);
         DWORD size = 0;
         DWORD count = 0;
         DWORD free = 0;

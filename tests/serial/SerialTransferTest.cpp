@@ -6,10 +6,6 @@
 
 namespace {
 
-constexpr const char* kGoneWrite =
-    "CVSerial::WriteThreadProc() - WriteFile() failed - GetLastError() = 1167\n";
-constexpr const char* kGoneCompletion =
-    "CVSerial::WriteThreadProc() - GetOverlappedResult() failed - GetLastError() = 1167\n";
 constexpr const char* kAbortedCompletion =
     "CVSerial::WriteThreadProc() - GetOverlappedResult() failed - GetLastError() = 995\n";
 
@@ -80,7 +76,7 @@ TEST_F(CSerialTest, DeviceGoneDuringAWriteThatIsHeldUp) {
     EXPECT_EQ(written, 20000u);
     EXPECT_FALSE(m_wait->Drain(kPatience));
     for (const std::string& report : Reports())
-        EXPECT_TRUE(report == kGoneWrite || report == kGoneCompletion) << report;
+        EXPECT_TRUE(report.ends_with(" failed - GetLastError() = 1167\n")) << report;
     m_serial->Close();
     for (const std::string& report : Reports())
         EXPECT_EQ(report.find("Forcibly"), std::string::npos) << report;

@@ -11,27 +11,30 @@ namespace {
 
 constexpr int kPatience = 60'000; // milliseconds for what must come
 
-// The master of a new pseudo-terminal, and the path of its slave.
-CDescriptor OpenMaster(std::string& slavePath) {
-    CDescriptor master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
-    EXPECT_EQ(grantpt(master.Get()), 0);
-    EXPECT_EQ(unlockpt(master.Get()), 0);
-    char path[64] = "";
-    EXPECT_EQ(ptsname_r(master.Get(), path, sizeof(path)), 0);
-    slavePath = path;
-    return master;
+CDescriptor OpenFarEnd(const std::string& path) {
+    int end = -1;
+    // Exclusive use outlasts who had it by a moment.
+    while ((end = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) < 0 &&
+           errno == EBUSY)
+        usleep(1000);
+    return CDescriptor(end);
 }
 
 } // namespace
 
-CPseudoTerminal::CPseudoTerminal() : m_master(OpenMaster(m_path)) {
-    fcntl(m_master.Get(), F_SETFL, O_RDWR | O_NONBLOCK);
-    m_slave = CDescriptor(open(m_path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+CPseudoTerminal::CPseudoTerminal()
+    : m_master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    EXPECT_EQ(grantpt(m_master.Get()), 0);
+    EXPECT_EQ(unlockpt(m_master.Get()), 0);
+    char path[64] = "";
+    EXPECT_EQ(ptsname_r(m_master.Get(), path, sizeof(path)), 0);
+    m_path = path;
+    m_slave = CDescriptor(open(path, O_RDWR | O_NOCTTY | O_CLOEXEC));
     EXPECT_TRUE(m_slave);
 }
 
 CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
-    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    : m_path(path), m_master(OpenFarEnd(farEnd)) {
     EXPECT_TRUE(m_master) << farEnd;
     termios settings{};
     if (tcgetattr(m_master.Get(), &settings) == 0) {
@@ -56,6 +59,12 @@ termios CPseudoTerminal::GetSettings() const {
 
 void CPseudoTerminal::ApplySettings(const termios& settings) {
     EXPECT_EQ(tcsetattr(m_slave.Get(), TCSANOW, &settings), 0);
+}
+
+int CPseudoTerminal::CountUnread() const {
+    int unread = 0;
+    EXPECT_TRUE(!m_slave || ioctl(m_slave.Get(), FIONREAD, &unread) == 0);
+    return unread;
 }
 
 void CPseudoTerminal::SetSize(int rows, int columns) {

@@ -25,6 +25,9 @@ class CPseudoTerminal {
     void ApplySettings(const termios& settings);
     void SetSize(int rows, int columns);
 
+    // How many bytes written to the master nobody has read from the slave; 0 without a slave.
+    int CountUnread() const;
+
     // Gives the slave away: who has it, has the device open.
     CDescriptor TakeSlave() { return std::move(m_slave); }
     // Closes the master: for whoever uses the slave, the device is unplugged.

@@ -63,7 +63,7 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
     LINECALLLIST head = {0, 0, 0, 3, 12, sizeof(LINECALLLIST) + 1};
     m_service.fill = [&](const std::string&, LPVOID record) {
         head.dwTotalSize = 0xFFFFFFFF;
-        const DWORD handles[] = {31, 32, 33};
+        const DWORD handles[] = {31, 32, 31};
         std::memcpy(record, &head, sizeof head);
         std::memcpy(static_cast<BYTE*>(record) + sizeof head + 1, handles, sizeof handles);
         return 0;
@@ -71,8 +71,7 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
     OpenLine(LINECALLPRIVILEGE_MONITOR);
     EXPECT_EQ(m_tapi->LineHandoff("x", 1), 0);
     EXPECT_TRUE(Take().ends_with("]\n- LineGetNewCalls() - Active call found\n\n"
-                                 "lineDeallocateCall 32\nlineDeallocateCall 33\n"
-                                 "lineHandoff 31 'x' 1\n"));
+                                 "lineDeallocateCall 32\nlineHandoff 31 'x' 1\n"));
 
     // Lists that claim what is not there.
     for (const auto& [entries, size, offset] :
@@ -194,23 +193,17 @@ TEST_F(CLineTest, GrowsAResultOnceByWhatIsNeeded) {
     constexpr LONG kSmall = LINEERR_STRUCTURETOOSMALL;
     const std::string first = "lineGetDevCaps 11 4 65540 0 [1240]\n";
     const std::string both = first + "lineGetDevCaps 11 4 65540 0 [3000]\n";
-    const std::string refused =
-        "! MLineGetDevCaps() - lineGetDevCaps() failed returning 0x8000004d\n"
-        "! LineGetDevCaps() - MLineGetDevCaps() failed returning 0x8000004d\n\n";
-    const std::string tooLarge =
-        "! MLineGetDevCaps() - CoTaskMemAlloc() failure #2\n"
-        "! LineGetDevCaps() - MLineGetDevCaps() failed returning 0xa0000003\n\n";
     const struct {
         LONG answer;
         DWORD needed[2];
         LONG status;
-        std::string record;
+        std::string calls;
     } rows[] = {
         {0, {1240, 0}, 0, first},
         {0, {3000, 4000}, 0, both},
-        {kSmall, {3000, 4000}, kSmall, both + refused},
-        {kSmall, {1240, 0}, kSmall, first + refused},
-        {0, {kMostResultBytes + 1, 0}, E_TAPI_NOMEMORY, first + tooLarge},
+        {kSmall, {3000, 4000}, kSmall, both},
+        {kSmall, {1240, 0}, kSmall, first},
+        {0, {kMostResultBytes + 1, 0}, E_TAPI_NOMEMORY, first},
     };
     OpenLine();
     for (const auto& row : rows) {
@@ -223,7 +216,8 @@ TEST_F(CLineTest, GrowsAResultOnceByWhatIsNeeded) {
         Take();
         CResult<LINEDEVCAPS> caps;
         EXPECT_EQ(m_tapi->LineGetDevCaps(4, caps), row.status);
-        EXPECT_EQ(Take(), row.record);
+        const std::string record = Take();
+        EXPECT_EQ(record.substr(0, record.find('!')), row.calls);
         EXPECT_EQ(caps.record ? caps->dwTotalSize : 0, row.status ? 0 : row.needed[0]);
     }
 }

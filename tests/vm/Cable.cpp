@@ -1,16 +1,18 @@
 #include "tests/vm/Cable.h"
 
-#include "tests/support/Pipe.h"
+#include "tests/endtoend/Device.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
 
 namespace {
 
 // Of the USB device that the ACM is. Its gadget stays on the bus; without authorization the bus has
 // the drivers let go of it as of an unplugged one.
 std::string s_authorization;
+bool s_isUnplugged = false;
 
 void Authorize(int isAuthorized) {
     std::ofstream(s_authorization) << isAuthorized;
@@ -23,19 +25,30 @@ bool CanBeOpened(const Cable& cable) {
 
 // A new device's name is there a moment before the device is.
 void AwaitDevice(const Cable& cable, bool isThere) {
-    const auto end = std::chrono::steady_clock::now() + GUARD * 5;
     const auto isSo = [&] {
         return isThere ? CanBeOpened(cable) : access(cable.device, F_OK) != 0;
     };
-    while (!isSo() && std::chrono::steady_clock::now() < end)
-        usleep(10000);
-    EXPECT_TRUE(isSo()) << cable;
+    EXPECT_TRUE(CPump().RunUntil(isSo)) << cable;
 }
 
 } // namespace
 
+const Cable& SessionCable() {
+    static constexpr Cable kCables[] = {kAdapter, kUart, kAcm};
+    return *std::ranges::find(kCables, std::string_view(std::getenv("WIRELET_CABLE")),
+                              &Cable::name);
+}
+
+CDevice MakeDevice() {
+    const Cable& cable = SessionCable();
+    if (s_isUnplugged)
+        Plug(cable);
+    return CDevice(cable.device, cable.farEnd, [&cable] { Unplug(cable); });
+}
+
 void Unplug(const Cable& cable) {
-    if (cable == ADAPTER) {
+    s_isUnplugged = true;
+    if (cable == kAdapter) {
         EXPECT_EQ(AskHost("unplug"), "done");
         return;
     }
@@ -47,11 +60,12 @@ void Unplug(const Cable& cable) {
 // The old device's end must have been noticed, or the new one gets another name.
 void Plug(const Cable& cable) {
     AwaitDevice(cable, false);
-    if (cable == ADAPTER)
+    if (cable == kAdapter)
         EXPECT_EQ(AskHost("plug"), "done");
     else
         Authorize(1);
     AwaitDevice(cable, true);
+    s_isUnplugged = false;
 }
 
 std::string AskHost(const std::string& command) {

@@ -2,14 +2,8 @@
 // chips and the plugs in its hands.
 #pragma once
 
-#include <chrono>
 #include <gtest/gtest.h>
 #include <string>
-
-// A second is meant where something must not be held up; under emulation on a busy machine it gets
-// longer. What must not happen takes longer still: the drivers wait 30 seconds for their output, a
-// command file waits 10 for an answer.
-inline constexpr std::chrono::seconds GUARD{8};
 
 struct Cable {
     const char* name; // as the host knows the chip
@@ -19,9 +13,12 @@ struct Cable {
     bool operator==(const Cable& other) const { return std::string_view(name) == other.name; }
 };
 
-inline constexpr Cable ADAPTER = {"adapter", "/dev/ttyUSB0", "/dev/vport0p3"}; // ftdi_sio
-inline constexpr Cable UART = {"uart", "/dev/ttyS1", "/dev/vport0p4"};         // 8250
-inline constexpr Cable ACM = {"acm", "/dev/ttyACM0", "/dev/ttyGS0"};           // cdc_acm
+inline constexpr Cable kAdapter = {"adapter", "/dev/ttyUSB0", "/dev/vport0p3"}; // ftdi_sio
+inline constexpr Cable kUart = {"uart", "/dev/ttyS1", "/dev/vport0p4"};         // 8250
+inline constexpr Cable kAcm = {"acm", "/dev/ttyACM0", "/dev/ttyGS0"};           // cdc_acm
+
+// The cable of the sessions, which the environment names in WIRELET_CABLE.
+const Cable& SessionCable();
 
 // Takes the adapter or the ACM away, and brings it back; returns when it is there.
 void Unplug(const Cable& cable);
@@ -33,7 +30,7 @@ void Plug(const Cable& cable);
 //   settings CHIP   what is in place in the chip, such as "19200 7E1 - DTR RTS": the speed, the
 //                   format, what output waits for ("-", "CTS" or "XON"), and the lines that are up
 //   moves CHIP      what DTR and RTS have done since last asked: "12ms -DTR 0ms -RTS"
-// CHIP is "adapter" or "uart".
+// CHIP is the name of the adapter or the UART.
 std::string AskHost(const std::string& command);
 
 inline std::ostream& operator<<(std::ostream& stream, const Cable& cable) {

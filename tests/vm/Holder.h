@@ -17,8 +17,8 @@ inline constexpr int TIOCM_LOOP = 0x8000;
 
 class CHolder {
   public:
-    explicit CHolder(const char* device)
-        : m_device(open(device, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    explicit CHolder(const std::string& device)
+        : m_device(open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
         EXPECT_TRUE(m_device);
     }
 

@@ -10,13 +10,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char GADGET[] = "/sys/kernel/config/usb_gadget/played";
-constexpr char ENDPOINTS[] = "/tmp/played";
-constexpr char CONTROLLER[] = "dummy_udc.1"; // the other one is g_serial's
+constexpr char kGadget[] = "/sys/kernel/config/usb_gadget/played";
+constexpr char kEndpoints[] = "/tmp/played";
+constexpr char kController[] = "dummy_udc.1"; // the other one is g_serial's
 
 // The request for the lines, and the status that is told with them.
-constexpr __u8 ASKS_LINES = 5;
-constexpr char NOTHING_TO_SEND = 0x40;
+constexpr __u8 kAsksLines = 5;
+constexpr char kNothingToSend = 0x40;
 
 struct __attribute__((packed)) Descriptors {
     usb_functionfs_descs_head_v2 header;
@@ -27,12 +27,12 @@ struct __attribute__((packed)) Descriptors {
 };
 
 usb_endpoint_descriptor_no_audio Endpoint(__u8 address) {
-    constexpr __u16 PACKET_SIZE = 512;
+    constexpr __u16 kPacketSize = 512;
     return {sizeof(usb_endpoint_descriptor_no_audio),
             USB_DT_ENDPOINT,
             address,
             USB_ENDPOINT_XFER_BULK,
-            htole16(PACKET_SIZE),
+            htole16(kPacketSize),
             0};
 }
 
@@ -49,7 +49,7 @@ template <class Record> void Put(const CDescriptor& file, const Record& record) 
 } // namespace
 
 CPlayedAdapter::CPlayedAdapter() {
-    const fs::path gadget = GADGET;
+    const fs::path gadget = kGadget;
     fs::create_directories(gadget / "configs/c.1");
     fs::create_directories(gadget / "functions/ffs.played");
     fs::create_directory_symlink(gadget / "functions/ffs.played", gadget / "configs/c.1/f");
@@ -58,9 +58,9 @@ CPlayedAdapter::CPlayedAdapter() {
     WriteTo(gadget / "idProduct", "0x6001");
     WriteTo(gadget / "bcdDevice", "0x0400");
 
-    fs::create_directories(ENDPOINTS);
-    EXPECT_EQ(mount("played", ENDPOINTS, "functionfs", 0, nullptr), 0);
-    const fs::path endpoints = ENDPOINTS;
+    fs::create_directories(kEndpoints);
+    EXPECT_EQ(mount("played", kEndpoints, "functionfs", 0, nullptr), 0);
+    const fs::path endpoints = kEndpoints;
     m_control.Reset(open((endpoints / "ep0").c_str(), O_RDWR | O_CLOEXEC));
     const __u32 flags = FUNCTIONFS_HAS_HS_DESC | FUNCTIONFS_ALL_CTRL_RECIP;
     Put(m_control, Descriptors{{htole32(FUNCTIONFS_DESCRIPTORS_MAGIC_V2),
@@ -74,11 +74,11 @@ CPlayedAdapter::CPlayedAdapter() {
                                                htole32(sizeof(usb_functionfs_strings_head)), 0, 0});
     m_input.Reset(open((endpoints / "ep1").c_str(), O_RDWR | O_CLOEXEC));
     m_thread = std::thread(&CPlayedAdapter::AnswerRequests, this);
-    WriteTo(gadget / "UDC", CONTROLLER);
+    WriteTo(gadget / "UDC", kController);
 }
 
 CPlayedAdapter::~CPlayedAdapter() {
-    WriteTo(fs::path(GADGET) / "UDC", "\n");
+    WriteTo(fs::path(kGadget) / "UDC", "\n");
     m_thread.join();
 }
 
@@ -89,9 +89,9 @@ void CPlayedAdapter::AnswerRequests() {
         if (event.type != FUNCTIONFS_SETUP)
             continue;
         char data[256] = {};
-        if (event.u.setup.bRequest == ASKS_LINES) {
+        if (event.u.setup.bRequest == kAsksLines) {
             data[0] = static_cast<char>(m_lines.load());
-            data[1] = NOTHING_TO_SEND;
+            data[1] = kNothingToSend;
         }
         const std::size_t length =
             std::min<std::size_t>(le16toh(event.u.setup.wLength), sizeof data);

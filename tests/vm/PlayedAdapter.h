@@ -16,14 +16,14 @@
 class CPlayedAdapter {
   public:
     // Bits of the status that comes with received bytes.
-    static constexpr BYTE OVERRUN = 0x02;
-    static constexpr BYTE PARITY_ERROR = 0x04;
-    static constexpr BYTE FRAMING_ERROR = 0x08;
-    static constexpr BYTE BREAK = 0x10;
+    static constexpr BYTE kOverrun = 0x02;
+    static constexpr BYTE kParityError = 0x04;
+    static constexpr BYTE kFramingError = 0x08;
+    static constexpr BYTE kBreak = 0x10;
 
     // All lines up, with the bit that is always set, and the same without carrier.
-    static constexpr BYTE LINES = 0xB1;
-    static constexpr BYTE NO_CARRIER = 0x31;
+    static constexpr BYTE kLines = 0xB1;
+    static constexpr BYTE kNoCarrier = 0x31;
 
     CPlayedAdapter();
     CPlayedAdapter(const CPlayedAdapter&) = delete;
@@ -31,12 +31,12 @@ class CPlayedAdapter {
     ~CPlayedAdapter();
 
     // Has bytes received, or without any the lines moved; the port must be open.
-    void Send(const std::string& bytes, BYTE status = 0, BYTE lines = LINES);
+    void Send(const std::string& bytes, BYTE status = 0, BYTE lines = kLines);
 
   private:
     void AnswerRequests();
 
-    std::atomic<BYTE> m_lines = LINES;
+    std::atomic<BYTE> m_lines = kLines;
     CDescriptor m_control;
     CDescriptor m_input;
     std::thread m_thread;

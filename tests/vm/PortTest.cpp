@@ -1,19 +1,18 @@
 // A port on a real driver: its lines, its settings, what is wrong with received bytes, and what a
 // receiver of notifications is told.
+#include "platform/Comm.h"
 #include "platform/CommEvents.h"
 #include "tests/platform/TestWindow.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/vm/DriverTest.h"
 #include "tests/vm/Holder.h"
-#include "tests/vm/SerialTest.h"
 
 #include <array>
 #include <atomic>
 #include <regex>
 
-using Reports = std::vector<std::string>;
-
 // Devices into whose chips the host looks.
-class CChipTest : public CSerialTest {
+class CChipTest : public CDriverTest {
   protected:
     std::string Ask(const char* what) const {
         return AskHost(std::string(what) + ' ' + GetParam().name);
@@ -29,7 +28,7 @@ class CChipTest : public CSerialTest {
         EXPECT_EQ(settings.substr(settings.find(' ') + 1), rest);
     }
 };
-INSTANTIATE_TEST_SUITE_P(Cables, CChipTest, testing::Values(ADAPTER, UART), NameOfCable);
+INSTANTIATE_TEST_SUITE_P(Cables, CChipTest, testing::Values(kAdapter, kUart), NameOfCable);
 
 TEST_P(CChipTest, LinesMoveAsTold) {
     const struct {
@@ -71,7 +70,7 @@ TEST_P(CChipTest, LinesMoveAsTold) {
 
 TEST_P(CChipTest, FormatsAndFlowControlReachTheChip) {
     // The UART's driver does XON/XOFF itself.
-    const char* const xonXoff = GetParam() == ADAPTER ? "8N1 XON DTR RTS" : "8N1 - DTR RTS";
+    const char* const xonXoff = GetParam() == kAdapter ? "8N1 XON DTR RTS" : "8N1 - DTR RTS";
     const struct {
         std::array<DWORD, 4> format;
         DWORD flowControl;
@@ -98,20 +97,20 @@ TEST_P(CChipTest, FormatsAndFlowControlReachTheChip) {
         EXPECT_TRUE(m_serial->GetDataFormat(&told[0], &told[1], &told[2], &told[3]));
         EXPECT_EQ(told, format);
         Write("said");
-        EXPECT_TRUE(FarEndGets("said"));
-        m_farEnd.Send("heard");
+        ExpectHeard("said");
+        m_device.Say("heard");
         EXPECT_EQ(Read(5), "heard");
     }
 }
 
 // The drivers put another one in place without a word.
 TEST_P(CChipTest, WhatTheDriverReplacesIsRefused) {
-    const bool isAdapter = GetParam() == ADAPTER;
+    const bool isAdapter = GetParam() == kAdapter;
     Open();
     EXPECT_TRUE(m_serial->SetDataFormat(19200, EVENPARITY, 7, ONESTOPBIT));
     EXPECT_FALSE(m_serial->SetDataFormat(isAdapter ? 4000000 : 230400, NOPARITY, 8, ONESTOPBIT));
-    EXPECT_EQ(m_log.Take(),
-              Reports{"CVSerial::Reset() - SetCommState() failed - GetLastError() - 87\n"});
+    EXPECT_EQ(Reports(),
+              Texts{"CVSerial::Reset() - SetCommState() failed - GetLastError() - 87\n"});
     ExpectInChip(19200, "7E1 - DTR RTS");
     if (isAdapter) {
         EXPECT_FALSE(m_serial->SetDataFormat(19200, NOPARITY, 6, ONESTOPBIT));
@@ -138,7 +137,7 @@ TEST_P(CChipTest, SettingsFoundComeBack) {
     ExpectInChip(2400, "7E1 - RTS");
 }
 
-class CUartTest : public CSerialTest {
+class CUartTest : public CDriverTest {
   protected:
     // The receiver takes what has been received, on a thread of its own: the port is the thread's
     // while the test only waits.
@@ -151,7 +150,8 @@ class CUartTest : public CSerialTest {
     }
     // The events told until the wanted one was among them.
     DWORD ToldUntil(DWORD wanted) {
-        m_pump.RunUntil([&] { return (m_nTold & wanted) != 0; }, GUARD);
+        while ((m_nTold & wanted) == 0)
+            Sleep(10);
         return m_nTold.exchange(0);
     }
     void OpenAndNotify() {
@@ -159,7 +159,7 @@ class CUartTest : public CSerialTest {
         m_serial->SetCommNotifyWnd(m_receiver);
         m_serial->CommNotifyControl(_NOTIFY_ENABLE);
         // A byte, to know that the thread is at work.
-        m_farEnd.Send("x");
+        m_device.Say("x");
         EXPECT_EQ(ToldUntil(EV_RXCHAR), EV_RXCHAR);
     }
 
@@ -167,7 +167,7 @@ class CUartTest : public CSerialTest {
     const CWindowThread m_receiver{
         [this](HWND, UINT, WPARAM, LPARAM events) { return OnNotify(events); }};
 };
-INSTANTIATE_TEST_SUITE_P(Cables, CUartTest, testing::Values(UART), NameOfCable);
+INSTANTIATE_TEST_SUITE_P(Cables, CUartTest, testing::Values(kUart), NameOfCable);
 
 // Looped back, the chip's outputs are its inputs; the second spare one is its carrier. An emulated
 // chip does not raise an interrupt for that, so this is what a driver's interrupts do not tell.
@@ -207,13 +207,13 @@ TEST_P(CUartTest, EachLineIsSeenAndCarrierIsTold) {
 
 TEST_P(CUartTest, ABreakIsReportedOnceAndAddsNoByte) {
     Open();
-    m_farEnd.Send("before");
+    m_device.Say("before");
     EXPECT_EQ(Read(6), "before");
-    m_log.Take();
+    Reports();
     AskHost("break");
-    m_farEnd.Send("after");
+    m_device.Say("after");
     EXPECT_EQ(Read(5), "after");
-    EXPECT_EQ(m_log.Take(), Reports{"CVSerial::Read() - Comm error detected 0x000010\n"});
+    EXPECT_EQ(Reports(), Texts{"CVSerial::Read() - Comm error detected 0x000010\n"});
 }
 
 // A break adds no byte and moves no line.
@@ -223,7 +223,7 @@ TEST_P(CUartTest, ABreakIsTold) {
     EXPECT_EQ(ToldUntil(EV_ERR), EV_ERR);
     // The driver waits for its lines at the end of this.
     EXPECT_TRUE(m_serial->Close());
-    for (const std::string& report : m_log.Take())
+    for (const std::string& report : Reports())
         EXPECT_EQ(report.find("Forcibly"), std::string::npos) << report;
 }
 
@@ -232,21 +232,20 @@ TEST_P(CUartTest, XoffHoldsTheOutputBack) {
     Open();
     m_serial->SetDataFormat(9600, NOPARITY, 8, ONESTOPBIT);
     m_serial->SetFlowControl(_FLOW_XONXOFF);
-    m_farEnd.Send("before\x13");
+    m_device.Say("before\x13");
     EXPECT_EQ(Read(6), "before");
-    m_pump.RunFor(std::chrono::milliseconds(300));
+    Sleep(300);
     Write("said");
-    m_pump.RunFor(std::chrono::milliseconds(300));
-    EXPECT_EQ(m_farEnd.GetReceived(), "");
-    m_farEnd.Send("\x11"
-                  "after");
+    Sleep(300);
+    EXPECT_EQ(m_device.Read(1), "");
+    m_device.Say("\x11"
+                 "after");
     EXPECT_EQ(Read(5), "after");
-    EXPECT_TRUE(FarEndGets("said"));
+    ExpectHeard("said");
 }
 
 // With RTS/CTS flow control, and CTS low.
 TEST_P(CUartTest, NothingIsLostAndClosingDoesNotWait) {
-    const auto threads = CountThreads();
     CHolder holder(GetParam().device);
     Open();
     m_serial->SetDataFormat(115200, NOPARITY, 8, ONESTOPBIT);
@@ -254,22 +253,22 @@ TEST_P(CUartTest, NothingIsLostAndClosingDoesNotWait) {
     const auto block = [&] {
         holder.LowerCts([this] { EXPECT_TRUE(m_serial->SetFlowControl(_FLOW_RTSCTS)); });
         Write(bytes);
-        m_pump.RunFor(std::chrono::milliseconds(500));
+        Sleep(500);
         EXPECT_NE(m_serial->GetLineStatus() & LINE_TXPENDING, 0u);
-        m_farEnd.Send("heard all the same");
+        m_device.Say("heard all the same");
         EXPECT_EQ(Read(18), "heard all the same");
-        EXPECT_EQ(m_farEnd.GetReceived(), "");
+        EXPECT_EQ(m_device.Read(1), "");
     };
     block();
     m_serial->SetFlowControl(_FLOW_NONE);
-    EXPECT_TRUE(FarEndGets(bytes));
+    ExpectHeard(bytes);
 
     block();
     EXPECT_TRUE(m_serial->Flush(_QUE_TX));
     m_serial->SetFlowControl(_FLOW_NONE);
     Write("after the flush");
-    EXPECT_TRUE(FarEndGets("after the flush"));
+    ExpectHeard("after the flush");
 
     block();
-    ExpectClosing(threads);
+    ExpectClosing(1);
 }

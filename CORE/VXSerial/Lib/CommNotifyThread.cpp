@@ -173,7 +173,7 @@ bool CCommNotifyThread::AwaitNotifyEnabled() {
             return false;
         }
         MSG message = {};
-        PeekMessageA(&message, platform::NO_WINDOW, 0, 0, PM_REMOVE);
+        PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
     }
 }
 

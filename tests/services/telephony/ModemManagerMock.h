@@ -16,7 +16,7 @@
 class CTestBus {
   public:
     CTestBus();
-    ~CTestBus();
+    ~CTestBus() { unsetenv("DBUS_SYSTEM_BUS_ADDRESS"); }
 
   private:
     CTempFolder m_folder;
@@ -48,6 +48,7 @@ class CModemManagerMock {
     bool HasLetGo() const { return m_bLetGo; }
 
   private:
+    void Run();
     int Answer(sd_bus_message* call);
     int AnswerList(sd_bus_message* call);
     int AnswerInhibit(sd_bus_message* call);

@@ -137,77 +137,70 @@ TEST_F(CTapiServiceTest, SaysNothingMoreOfAClosedLine) {
 
 TEST_F(CTapiServiceTest, RefusesWhatIsNoHandleAndNoPointer) {
     CVTapiLibrary tapi;
-    HLINEAPP hLineApp = 0;
-    HPHONEAPP hPhoneApp = 0;
-    HLINE hLine = 0;
-    HLINE hNew = 0;
-    HCALL hCall = 0;
-    DWORD devices = 0;
+    DWORD app = 0, phoneApp = 0, line = 0, call = 0, none = 0;
     const LINECALLBACK ignore = [](DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {};
-    LINECALLPARAMS voice{};
-    voice.dwTotalSize = sizeof voice;
-    voice.dwBearerMode = LINEBEARERMODE_VOICE;
-    LINECALLPARAMS data = voice;
+    LINECALLPARAMS data{};
+    data.dwTotalSize = sizeof data;
     data.dwBearerMode = LINEBEARERMODE_PASSTHROUGH;
     data.dwMediaMode = LINEMEDIAMODE_DATAMODEM;
+    LINECALLPARAMS voice = data;
+    voice.dwBearerMode = LINEBEARERMODE_VOICE;
     VARSTRING small{};
     small.dwTotalSize = sizeof small;
-    const auto open = [&](HLINEAPP app, DWORD device, DWORD privileges, DWORD media, HLINE* out) {
-        return tapi.lineOpen(app, device, out, TAPI_API_VERSION, 0u, 0u, privileges, media,
-                             nullptr);
+    const auto open = [&](DWORD of, DWORD device, DWORD privileges, DWORD media, DWORD* out) {
+        return tapi.lineOpen(of, device, out, TAPI_API_VERSION, 0u, 0u, privileges, media, nullptr);
     };
-    const auto call = [&](HLINE line, HCALL* out, const LINECALLPARAMS* parameters) {
-        return tapi.lineMakeCall(line, out, nullptr, 0u, parameters);
+    const auto dial = [&](DWORD on, DWORD* out, const LINECALLPARAMS* parameters) {
+        return tapi.lineMakeCall(on, out, nullptr, 0u, parameters);
     };
-    const auto identify = [&](HCALL hKnown, DWORD select, LPCSTR deviceClass) {
-        return tapi.lineGetID(hLine, 0u, hKnown, select, &small, deviceClass);
+    const auto identify = [&](DWORD known, DWORD select, LPCSTR deviceClass) {
+        return tapi.lineGetID(line, 0u, known, select, &small, deviceClass);
     };
-    ASSERT_EQ(tapi.lineInitialize(&hLineApp, nullptr, ignore, nullptr, &devices), 0);
-    ASSERT_EQ(open(hLineApp, 0, 4, 16, &hLine), 0);
+    ASSERT_EQ(tapi.lineInitialize(&app, nullptr, ignore, nullptr, &none), 0);
     const std::pair<LONG, LONG> rows[] = {
-        {open(hLineApp + 1, 0, 4, 16, &hNew), LINEERR_INVALAPPHANDLE},
-        {open(hLineApp, 2, 4, 16, &hNew), LINEERR_BADDEVICEID},
-        {open(hLineApp, 0, 5, 16, &hNew), LINEERR_INVALPRIVSELECT},
-        {open(hLineApp, 0, 4, 17, &hNew), LINEERR_INVALMEDIAMODE},
-        {open(hLineApp, 0, 4, 16, nullptr), LINEERR_INVALPOINTER},
-        {call(hLine, &hCall, &voice), LINEERR_INVALBEARERMODE},
-        {call(hLine, &hCall, nullptr), LINEERR_INVALBEARERMODE},
-        {call(hLine, nullptr, &data), LINEERR_INVALPOINTER},
-        {call(hLine + 1, &hCall, &data), LINEERR_INVALLINEHANDLE},
+        {open(app, 0, 4, 16, &line), 0},
+        {open(app + 1, 0, 4, 16, &none), LINEERR_INVALAPPHANDLE},
+        {open(app, 2, 4, 16, &none), LINEERR_BADDEVICEID},
+        {open(app, 0, 5, 16, &none), LINEERR_INVALPRIVSELECT},
+        {open(app, 0, 4, 17, &none), LINEERR_INVALMEDIAMODE},
+        {open(app, 0, 4, 16, nullptr), LINEERR_INVALPOINTER},
+        {dial(line, &none, &voice), LINEERR_INVALBEARERMODE},
+        {dial(line, &none, nullptr), LINEERR_INVALBEARERMODE},
+        {dial(line, nullptr, &data), LINEERR_INVALPOINTER},
+        {dial(line + 1, &none, &data), LINEERR_INVALLINEHANDLE},
         {identify(0, LINECALLSELECT_LINE, "comm/datamodem"), LINEERR_INVALCALLSTATE},
         {identify(0, LINECALLSELECT_LINE, "wave"), LINEERR_INVALDEVICECLASS},
-        {identify(hLine, LINECALLSELECT_CALL, "wave"), LINEERR_INVALCALLHANDLE},
+        {identify(line, LINECALLSELECT_CALL, "wave"), LINEERR_INVALCALLHANDLE},
         {tapi.lineHold(1u), LINEERR_OPERATIONUNAVAIL},
         {tapi.phoneGetGain(1u, 0u, nullptr), PHONEERR_OPERATIONUNAVAIL},
-        {tapi.phoneInitialize(&hPhoneApp, nullptr, ignore, nullptr, &devices), 0},
-        {devices, 0},
-        {tapi.phoneShutdown(hPhoneApp), 0},
-        {tapi.phoneShutdown(hPhoneApp), PHONEERR_INVALAPPHANDLE},
+        {tapi.phoneInitialize(&phoneApp, nullptr, ignore, nullptr, &none), 0},
+        {none, 0}, // phones
+        {tapi.phoneShutdown(phoneApp), 0},
+        {tapi.phoneShutdown(phoneApp), PHONEERR_INVALAPPHANDLE},
+        {dial(line, &call, &data), 1}, // the first request
+        {dial(line, &none, &data), LINEERR_CALLUNAVAIL},
+        {tapi.lineDeallocateCall(call), LINEERR_INVALCALLSTATE},
+        // An answer that does not fit hands nothing over: the device is given back below.
+        {RunUntil([&] { return identify(call, LINECALLSELECT_CALL, "comm/datamodem") == 0; }), 1},
+        {small.dwNeededSize, sizeof small + sizeof(DWORD) + m_one.GetPath().size() + 1},
+        {small.dwStringSize, 0},
+        {tapi.lineShutdown(app), 0},
+        {tapi.lineShutdown(app), LINEERR_INVALAPPHANDLE},
+        {tapi.lineClose(line), LINEERR_INVALLINEHANDLE},
+        {tapi.lineDrop(call, nullptr, 0u), LINEERR_INVALCALLHANDLE},
+        {m_client->Call("One"), 0},
     };
-    for (const auto& [result, expected] : rows)
-        EXPECT_EQ(result, expected) << &rows->first - &result;
-
-    EXPECT_EQ(call(hLine, &hCall, &data), 1);
-    EXPECT_EQ(call(hLine, &hNew, &data), LINEERR_CALLUNAVAIL);
-    EXPECT_EQ(tapi.lineDeallocateCall(hCall), LINEERR_INVALCALLSTATE);
-    EXPECT_TRUE(RunUntil([&] { return identify(hCall, 4, "comm/datamodem") == 0; }));
-    // An answer that does not fit hands nothing over.
-    EXPECT_EQ(small.dwNeededSize, sizeof small + sizeof(DWORD) + m_one.GetPath().size() + 1);
-    EXPECT_EQ(small.dwStringSize, 0U);
-    EXPECT_EQ(tapi.lineShutdown(hLineApp), 0);
-    EXPECT_EQ(tapi.lineShutdown(hLineApp), LINEERR_INVALAPPHANDLE);
-    EXPECT_EQ(tapi.lineClose(hLine), LINEERR_INVALLINEHANDLE);
-    EXPECT_EQ(tapi.lineDrop(hCall, nullptr, 0u), LINEERR_INVALCALLHANDLE);
-    EXPECT_EQ(m_client->Call("One"), 0);
+    for (const auto& row : rows)
+        EXPECT_EQ(row.first, row.second) << "row " << &row - rows;
 }
 
 TEST_F(CTapiServiceTest, ShutdownEndsAllAndFromAnyThread) {
     const auto check = [this](const std::function<void()>& shutDown) {
         EXPECT_EQ(m_client->Call("One"), 0);
         shutDown();
+        Dispatch();
         Restart();
         EXPECT_EQ(m_client->Call("One"), 0);
-        Dispatch();
         m_client.reset();
         Dispatch();
     };

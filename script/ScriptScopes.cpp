@@ -1,34 +1,27 @@
-// The value heap: storage that scopes take and give back, and the texts that outlive a scope.
-//
-// Leaving a block or call gives back every byte taken while it ran. A text that somebody who stays
-// still refers to is moved down first, to where the scope began, so that it lives on in the scope
-// around it: the result of a call, and the text of a place that got its home there (an array
-// element, a parameter, an INTEGER variable). The home goes with the text; what is assigned later
-// is copied into it, so that a loop does not use up the heap.
-//
-// Others may refer to what a home holds: parameters that were given the variable, and what an
-// expression under way has loaded before a call. Before another text is assigned they get a copy.
-#include "script/Script.h"
+// How texts are kept when a scope ends: those that outlive it are sorted by where they stand and
+// moved down one after the other, so that none is overwritten before it has moved. The first who
+// refers to a text, its owner if there is one, gets it for a home; others share it.
+#include "script/ScriptScopes.h"
 
 #include <algorithm>
 #include <tuple>
 
-DWORD CVScript::Alloc(DWORD count) {
+DWORD CScriptScopes::Alloc(DWORD count) {
     const DWORD start = m_Area.Alloc(count);
     if (start == 0)
-        ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::NO_LINE);
+        ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::kNoLine);
     return start;
 }
 
-DWORD CVScript::AllocTextBuffer() {
-    const DWORD start = m_Area.AllocRaw(CScriptArea::TEXT_BUFFER);
+DWORD CScriptScopes::AllocTextBuffer() {
+    const DWORD start = m_Area.AllocRaw(CScriptArea::kTextBuffer);
     if (start == 0)
-        ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::NO_LINE);
+        ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::kNoLine);
     return start;
 }
 
-// The place's home, a new one in the running block if it has none; 0 after a report.
-DWORD CVScript::HomeFor(DWORD place) {
+// The place's home, a new one in the running scope if it has none; 0 after a report.
+DWORD CScriptScopes::HomeFor(DWORD place) {
     DWORD home = m_Memory.HomeOf(place);
     if (home != 0)
         return home;
@@ -44,12 +37,12 @@ DWORD CVScript::HomeFor(DWORD place) {
     return home;
 }
 
-ScriptWord CVScript::CopyTextTo(DWORD place, ScriptWord text) {
+ScriptWord CScriptScopes::CopyTextTo(DWORD place, ScriptWord text) {
     return CopyText(HomeFor(place), text);
 }
 
 // The text in the home; no text after a report.
-ScriptWord CVScript::CopyText(DWORD home, ScriptWord text) {
+ScriptWord CScriptScopes::CopyText(DWORD home, ScriptWord text) {
     const std::string_view characters = home == 0 ? std::string_view{} : ReadText(text);
     if (HasError())
         return {};
@@ -57,8 +50,14 @@ ScriptWord CVScript::CopyText(DWORD home, ScriptWord text) {
     return ScriptWord::Text(CScriptMemory::AreaLocation(home));
 }
 
-// The text of an element that is a literal so far is about to be written to. False after a report.
-bool CVScript::GiveElementRoom(DWORD location) {
+ScriptWord CScriptScopes::TextFor(DWORD place, DWORD symbol, ScriptWord text, bool copies) {
+    if (!copies && !DiesBefore(place, text))
+        return Borrow(symbol, text);
+    const DWORD home = symbol != 0 ? m_Symbols[symbol].home : 0;
+    return CopyText(home != 0 ? home : HomeFor(place), text);
+}
+
+bool CScriptScopes::GiveElementRoom(DWORD location) {
     const DWORD element = CScriptMemory::ElementOf(location);
     const ScriptWord text = ScriptWord::Text(location);
     if (element != 0 && m_Memory.IsLiteral(m_Memory.Resolve(text)))
@@ -67,7 +66,7 @@ bool CVScript::GiveElementRoom(DWORD location) {
 }
 
 // What a place stores that refers to a text without a copy.
-ScriptWord CVScript::Borrow(DWORD symbol, ScriptWord text) {
+ScriptWord CScriptScopes::Borrow(DWORD symbol, ScriptWord text) {
     m_bTextStored = true;
     if (symbol != 0 && std::ranges::find(m_Borrowers, symbol) == m_Borrowers.end())
         m_Borrowers.push_back(symbol);
@@ -75,21 +74,20 @@ ScriptWord CVScript::Borrow(DWORD symbol, ScriptWord text) {
 }
 
 // Those that a call has bound end with it.
-void CVScript::DropBorrowers(std::size_t first, DWORD lastSymbol) {
+void CScriptScopes::DropBorrowers(std::size_t first, DWORD lastSymbol) {
     const auto bound = m_Borrowers.begin() + static_cast<std::ptrdiff_t>(first);
     m_Borrowers.erase(
         std::remove_if(bound, m_Borrowers.end(), [&](DWORD symbol) { return symbol > lastSymbol; }),
         m_Borrowers.end());
 }
 
-// Another text is about to be assigned to a place: whoever else refers to what it holds keeps that.
-void CVScript::LeaveText(DWORD place) {
+void CScriptScopes::LeaveToBorrowers(DWORD place) {
     const DWORD home = m_Memory.HomeOf(place);
     if (home == 0 && !LoadKept(place).text)
         return;
     const DWORD first = CScriptMemory::AreaLocation(home);
     const auto refers = [&](const ScriptWord& word) {
-        return word.text && ((home != 0 && word.Location() - first < CScriptArea::TEXT_BUFFER) ||
+        return word.text && ((home != 0 && word.Location() - first < CScriptArea::kTextBuffer) ||
                              CScriptMemory::ElementOf(word.Location()) == place);
     };
     // Mostly of one text only, which they go on to share.
@@ -112,7 +110,7 @@ void CVScript::LeaveText(DWORD place) {
 
 // Whether a text is given back while the place stays: at the end of the first scope that began
 // after the place was made.
-bool CVScript::DiesBefore(DWORD place, ScriptWord text) const {
+bool CScriptScopes::DiesBefore(DWORD place, ScriptWord text) const {
     const DWORD symbol = m_Memory.FindVariable(place);
     const DWORD position = CScriptMemory::AreaPosition(place);
     if (symbol == 0 && !m_Memory.IsPlace(place))
@@ -124,9 +122,10 @@ bool CVScript::DiesBefore(DWORD place, ScriptWord text) const {
     return scope != m_Scopes.end() && source >= scope->heap;
 }
 
-void CVScript::KeepTexts(const Scope& scope, bool keepResult) {
-    GatherKept(scope, keepResult);
-    // In this order no text is overwritten before it has moved, and its home goes to the owner.
+void CScriptScopes::KeepTexts(const Scope& scope, bool keepsResult) {
+    GatherKept(scope);
+    if (keepsResult)
+        GatherResult(scope);
     std::ranges::sort(m_Moving, {}, [](const KeptText& text) {
         return std::tuple(text.source, !text.isOwned, text.place);
     });
@@ -140,39 +139,45 @@ void CVScript::KeepTexts(const Scope& scope, bool keepResult) {
                 continue;
             moved = text.source;
             m_Area.MoveBuffer(target, moved);
-            target += CScriptArea::TEXT_BUFFER;
+            target += CScriptArea::kTextBuffer;
         }
         // Of several that refer to one text, one may write there.
-        const DWORD home = target - CScriptArea::TEXT_BUFFER;
+        const DWORD home = target - CScriptArea::kTextBuffer;
         StoreKept(text.place, ScriptWord::Text(CScriptMemory::AreaLocation(home)),
                   isShared ? 0 : home);
     }
     m_Area.SetHeap(target);
 }
 
+bool CScriptScopes::IsGivenBack(const ScriptWord& word, const Scope& scope) const {
+    const DWORD position = CScriptMemory::AreaPosition(word.Location());
+    return word.text && position >= scope.heap &&
+           position + CScriptArea::kTextBuffer <= m_Area.Heap();
+}
+
 // Whether whoever referred to a text ends with the scope.
-bool CVScript::IsGone(DWORD place, const Scope& scope) const {
-    if (place >= ARGUMENT_BASE)
-        return place - ARGUMENT_BASE >= m_Arguments.size();
+bool CScriptScopes::IsGone(DWORD place, const Scope& scope) const {
+    if (place >= kArgumentBase)
+        return place - kArgumentBase >= m_Arguments.size();
     if (const DWORD position = CScriptMemory::AreaPosition(place); position != 0)
         return position >= scope.heap;
     const DWORD symbol = m_Memory.FindVariable(place);
     return symbol == 0 || symbol > scope.symbols;
 }
 
-ScriptWord CVScript::LoadKept(DWORD place) const {
-    if (place >= ARGUMENT_BASE)
-        return m_Arguments[place - ARGUMENT_BASE];
+ScriptWord CScriptScopes::LoadKept(DWORD place) const {
+    if (place >= kArgumentBase)
+        return m_Arguments[place - kArgumentBase];
     ScriptWord word;
     m_Memory.LoadWord(place, word);
     return word;
 }
 
-void CVScript::StoreKept(DWORD place, ScriptWord word, DWORD home) {
-    if (place == RESULT_PLACE) {
+void CScriptScopes::StoreKept(DWORD place, ScriptWord word, DWORD home) {
+    if (place == kResultPlace) {
         m_nResult = word;
-    } else if (place >= ARGUMENT_BASE) {
-        m_Arguments[place - ARGUMENT_BASE] = word;
+    } else if (place >= kArgumentBase) {
+        m_Arguments[place - kArgumentBase] = word;
     } else {
         m_Memory.StoreWord(place, word);
         m_Memory.SetHome(place, home);
@@ -180,13 +185,8 @@ void CVScript::StoreKept(DWORD place, ScriptWord word, DWORD home) {
 }
 
 // Leaves in m_Kept, of the scope's entries, those that the scope around it has to look after.
-void CVScript::GatherKept(const Scope& scope, bool keepResult) {
+void CScriptScopes::GatherKept(const Scope& scope) {
     m_Moving.clear();
-    const auto isGivenBack = [&](const ScriptWord& word) {
-        const DWORD position = CScriptMemory::AreaPosition(word.Location());
-        return word.text && position >= scope.heap &&
-               position + CScriptArea::TEXT_BUFFER <= m_Area.Heap();
-    };
     std::size_t staying = scope.kept;
     for (std::size_t index = scope.kept; index < m_Kept.size(); ++index) {
         const DWORD place = m_Kept[index];
@@ -197,7 +197,7 @@ void CVScript::GatherKept(const Scope& scope, bool keepResult) {
             continue;
         const ScriptWord word = LoadKept(place);
         const DWORD home = m_Memory.HomeOf(place);
-        if (isGivenBack(word)) {
+        if (IsGivenBack(word, scope)) {
             const DWORD source = CScriptMemory::AreaPosition(word.Location());
             m_Moving.push_back({source, place, source == home});
             m_Kept[staying++] = place;
@@ -206,12 +206,13 @@ void CVScript::GatherKept(const Scope& scope, bool keepResult) {
             m_Memory.SetHome(place, 0);
     }
     m_Kept.resize(staying);
-    if (!keepResult)
-        return;
-    // The text of an element that ends here is told by what the element refers to.
+}
+
+// The text of an element that ends here is told by what the element refers to.
+void CScriptScopes::GatherResult(const Scope& scope) {
     if (IsGone(CScriptMemory::ElementOf(m_nResult.Location()), scope))
         m_nResult = m_Memory.Resolve(m_nResult);
-    if (isGivenBack(m_nResult))
+    if (IsGivenBack(m_nResult, scope))
         m_Moving.push_back(
-            {CScriptMemory::AreaPosition(m_nResult.Location()), RESULT_PLACE, false});
+            {CScriptMemory::AreaPosition(m_nResult.Location()), kResultPlace, false});
 }
