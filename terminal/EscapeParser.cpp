@@ -1,5 +1,5 @@
-// A table of transitions decides about each byte, by the state that the collected members make and
-// the class of the byte. Text goes by without it, up to the next ESC.
+// A table of transitions decides about each byte from an ESC on, by how much has been collected and
+// by the class of the byte. Text goes by without it, up to the next ESC.
 #include "terminal/EscapeParser.h"
 
 #include <cstring>
@@ -11,18 +11,17 @@ using Kind = EscapeVerdict::Kind;
 constexpr BYTE kEscape[] = {0x1B};
 constexpr DWORD kLongestSequence = 255;
 
-// Text is shown; of a sequence its ESC has come, something behind that has, all that is kept has.
-enum State { kShowing, kBegun, kCollecting, kFull };
+// Of a sequence its ESC has come, something behind that has, all that is kept has.
+enum State { kBegun, kCollecting, kFull };
 
 enum Class { kOther, kEscapeByte, kIntroducer, kFinal, kAbandon };
 
-enum class Action : BYTE { Show, ShowEscape, Begin, Collect, Finish, Abandon, Overflow };
+enum class Action : BYTE { ShowEscape, Begin, Collect, Finish, Abandon, Overflow };
 
 using enum Action;
 
-constexpr Action kTransitions[4][5] = {
+constexpr Action kTransitions[3][5] = {
     // Other, ESC, '[', final, '!'
-    {Show, Begin, Show, Show, Show},
     {ShowEscape, Begin, Collect, ShowEscape, ShowEscape},
     {Collect, Begin, Collect, Finish, Abandon},
     {Overflow, Begin, Overflow, Overflow, Overflow},
@@ -48,9 +47,7 @@ constexpr auto kActions = [] {
     return actions;
 }();
 
-State StateOf(BOOL isCollecting, DWORD length) {
-    if (!isCollecting)
-        return kShowing;
+State StateOf(DWORD length) {
     if (length == 0)
         return kBegun;
     return length < kLongestSequence ? kCollecting : kFull;
@@ -62,21 +59,21 @@ std::span<const BYTE> Take(std::span<const BYTE>& bytes, std::size_t count) {
     return taken;
 }
 
-std::span<const BYTE> TakeText(std::span<const BYTE>& bytes) {
+std::size_t TextLength(std::span<const BYTE> bytes) {
     const void* const escape = std::memchr(bytes.data(), kEscape[0], bytes.size());
-    const std::ptrdiff_t length = static_cast<const BYTE*>(escape) - bytes.data();
-    return Take(bytes, escape ? static_cast<std::size_t>(length) : bytes.size());
+    return escape ? static_cast<std::size_t>(static_cast<const BYTE*>(escape) - bytes.data())
+                  : bytes.size();
 }
 
 } // namespace
 
 EscapeVerdict CEscapeParser::Next(std::span<const BYTE>& bytes) {
+    if (const std::size_t length = m_bCollecting ? 0 : TextLength(bytes); length != 0)
+        return {Kind::Text, Take(bytes, length)};
     Take(bytes, CollectFrom(bytes));
     if (bytes.empty())
         return {Kind::Unfinished};
-    switch (kActions[StateOf(m_bCollecting, m_nLength)][bytes.front()]) {
-    case Show:
-        return {Kind::Text, TakeText(bytes)};
+    switch (kActions[StateOf(m_nLength)][bytes.front()]) {
     case ShowEscape:
         // The byte itself begins the text that comes next.
         m_bCollecting = FALSE;
@@ -93,9 +90,10 @@ EscapeVerdict CEscapeParser::Next(std::span<const BYTE>& bytes) {
     }
 }
 
-// Returns how many bytes there are that begin a sequence or go on with one.
+// Returns how many bytes there are that begin a sequence or go on with one. An ESC begins one
+// whatever the one before has left.
 std::size_t CEscapeParser::CollectFrom(std::span<const BYTE> bytes) {
-    State state = StateOf(m_bCollecting, m_nLength);
+    State state = StateOf(m_nLength);
     std::size_t count = 0;
     for (; count < bytes.size(); ++count) {
         const Action action = kActions[state][bytes[count]];

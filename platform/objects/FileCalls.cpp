@@ -6,6 +6,21 @@
 #include "platform/objects/TransferObject.h"
 
 using platform::CTransferObject;
+using platform::FailWith;
+
+namespace {
+
+// What the use of the file returns, which gets a count of 0 to fill in, wanted or not. FALSE with
+// ERROR_INVALID_HANDLE.
+template <class Use> BOOL WithFile(HANDLE handle, LPDWORD count, const Use& use) {
+    DWORD unused = 0;
+    const LPDWORD moved = count != nullptr ? count : &unused;
+    *moved = 0;
+    const auto file = platform::FindHandleOf<CTransferObject>(handle);
+    return file ? use(*file, moved) : FALSE;
+}
+
+} // namespace
 
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    SECURITY_ATTRIBUTES* lpSecurityAttributes, DWORD dwCreationDisposition,
@@ -34,39 +49,26 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
 
 BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
               LPDWORD lpNumberOfBytesRead, OVERLAPPED* lpOverlapped) {
-    DWORD unused = 0;
-    DWORD& moved = lpNumberOfBytesRead != nullptr ? *lpNumberOfBytesRead : unused;
-    moved = 0;
-    const auto object = platform::FindHandleOf<CTransferObject>(hFile);
-    if (!object)
-        return FALSE;
-    if (lpBuffer == nullptr && nNumberOfBytesToRead != 0)
-        return platform::FailWith(ERROR_INVALID_PARAMETER);
-    return object->Read(lpBuffer, nNumberOfBytesToRead, &moved, lpOverlapped);
+    return WithFile(hFile, lpNumberOfBytesRead, [&](CTransferObject& file, LPDWORD moved) {
+        return lpBuffer != nullptr || nNumberOfBytesToRead == 0
+                   ? file.Read(lpBuffer, nNumberOfBytesToRead, moved, lpOverlapped)
+                   : FailWith(ERROR_INVALID_PARAMETER);
+    });
 }
 
 BOOL WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite,
                LPDWORD lpNumberOfBytesWritten, OVERLAPPED* lpOverlapped) {
-    DWORD unused = 0;
-    DWORD& moved = lpNumberOfBytesWritten != nullptr ? *lpNumberOfBytesWritten : unused;
-    moved = 0;
-    const auto object = platform::FindHandleOf<CTransferObject>(hFile);
-    if (!object)
-        return FALSE;
-    if (lpBuffer == nullptr && nNumberOfBytesToWrite != 0)
-        return platform::FailWith(ERROR_INVALID_PARAMETER);
-    return object->Write(lpBuffer, nNumberOfBytesToWrite, &moved, lpOverlapped);
+    return WithFile(hFile, lpNumberOfBytesWritten, [&](CTransferObject& file, LPDWORD moved) {
+        return lpBuffer != nullptr || nNumberOfBytesToWrite == 0
+                   ? file.Write(lpBuffer, nNumberOfBytesToWrite, moved, lpOverlapped)
+                   : FailWith(ERROR_INVALID_PARAMETER);
+    });
 }
 
 BOOL GetOverlappedResult(HANDLE hFile, OVERLAPPED* lpOverlapped, LPDWORD lpNumberOfBytesTransferred,
                          BOOL bWait) {
-    DWORD unused = 0;
-    DWORD& moved = lpNumberOfBytesTransferred != nullptr ? *lpNumberOfBytesTransferred : unused;
-    moved = 0;
-    const auto object = platform::FindHandleOf<CTransferObject>(hFile);
-    if (!object)
-        return FALSE;
-    if (lpOverlapped == nullptr)
-        return platform::FailWith(ERROR_INVALID_PARAMETER);
-    return object->GetResult(lpOverlapped, &moved, bWait);
+    return WithFile(hFile, lpNumberOfBytesTransferred, [&](CTransferObject& file, LPDWORD moved) {
+        return lpOverlapped != nullptr ? file.GetResult(lpOverlapped, moved, bWait)
+                                       : FailWith(ERROR_INVALID_PARAMETER);
+    });
 }

@@ -50,17 +50,17 @@ INSTANTIATE_TEST_SUITE_P(Drivers, CCommEventsTest, testing::Bool(),
 TEST_P(CCommEventsTest, EachEventEndsTheWait) {
     const auto carrier = [this](bool isOn) { return [=, this] { m_lines->SetCarrier(isOn); }; };
     m_lines->SetCarrier(true);
-    m_lines->CountFrameError();
+    ++m_lines->m_nFrameErrors;
     ASSERT_TRUE(SetCommMask(m_port, kAllEvents));
     EXPECT_EQ(WaitWhile(carrier(false)), EV_RLSD);
     EXPECT_EQ(WaitWhile(carrier(true)), EV_RLSD);
-    EXPECT_EQ(WaitWhile([this] { m_lines->CountFrameError(); }), EV_ERR);
+    EXPECT_EQ(WaitWhile([this] { ++m_lines->m_nFrameErrors; }), EV_ERR);
     EXPECT_EQ(WaitWhile([this] { m_device.Say("x"); }), EV_RXCHAR);
 
     // Bytes that wait are found at once, errors outlive the setting of the mask, and what is not
     // asked for is not reported.
     DWORD events = 0;
-    m_lines->CountFrameError();
+    ++m_lines->m_nFrameErrors;
     ASSERT_TRUE(SetCommMask(m_port, kAllEvents));
     EXPECT_TRUE(WaitCommEvent(m_port, &events, nullptr));
     EXPECT_EQ(events, EV_RXCHAR | EV_ERR);
@@ -118,13 +118,13 @@ TEST_P(CCommEventsTest, ADeviceThatGoesFailsOneWait) {
 }
 
 TEST_P(CCommEventsTest, NothingIsAskedWithoutNeed) {
-    m_lines->HaveNone();
+    m_lines->m_bPresent = false;
     ASSERT_TRUE(SetCommMask(m_port, kAllEvents));
     Begin();
-    const int asked = m_lines->TimesAsked();
+    const int asked = m_lines->m_nAsked;
     EXPECT_EQ(EndWhile([&] {
                   Sleep(400);
-                  EXPECT_EQ(m_lines->TimesAsked(), asked);
+                  EXPECT_EQ(m_lines->m_nAsked, asked);
                   m_device.Say("x");
               }),
               EV_RXCHAR);

@@ -28,15 +28,16 @@ class CTestLines final : public platform::ICommLines {
         m_nLines = isOn ? TIOCM_CAR : 0;
         EXPECT_EQ(write(m_moves.writer.Get(), "", 1), 1);
     }
-    void CountFrameError() { ++m_nFrameErrors; }
-    void BreakDown() { m_bBroken = true; }
-    void HaveNone() { m_bPresent = false; }
     // The driver holds who asks until it is told to go on.
     void Hold(bool isHeld) {
         m_bHeld = isHeld;
         m_bHeld.notify_all();
     }
-    int TimesAsked() const { return m_nAsked; }
+
+    std::atomic<int> m_nFrameErrors = 0;
+    std::atomic<int> m_nAsked = 0; // how often anything was
+    std::atomic<bool> m_bBroken = false;
+    std::atomic<bool> m_bPresent = true;
 
     BOOL GetLines(int& lines) override {
         ++m_nAsked;
@@ -61,9 +62,5 @@ class CTestLines final : public platform::ICommLines {
     const bool m_bTelling;
     const Pipe m_moves;
     std::atomic<int> m_nLines = 0;
-    std::atomic<int> m_nFrameErrors = 0;
-    std::atomic<int> m_nAsked = 0;
-    std::atomic<bool> m_bBroken = false;
     std::atomic<bool> m_bHeld = false;
-    std::atomic<bool> m_bPresent = true;
 };

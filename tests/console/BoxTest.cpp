@@ -1,11 +1,10 @@
 // Message boxes and beeps, and what a process leaves behind that has taken its console over.
 #include "console/Console.h"
 #include "console/MessageBox.h"
-#include "tests/console/ConsoleTest.h"
+#include "tests/endtoend/SessionTest.h"
 #include "tests/platform/TestHandle.h"
 
 #include <csignal>
-#include <cstdio>
 #include <map>
 #include <sys/mman.h>
 
@@ -42,11 +41,16 @@ BOOL OnControlEvent(DWORD event) {
     return TRUE;
 }
 
-std::string LongText() {
+void ShowLongText() {
     std::string text = "first line";
     for (int line = 2; line <= 60; ++line)
         text += "\r\nline " + std::to_string(line);
-    return text;
+    MessageBoxA(nullptr, text.c_str(), nullptr, MB_ICONINFORMATION);
+}
+
+void Fault() {
+    void* const page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    *static_cast<volatile int*>(page) = 1;
 }
 
 // Overflows the stack.
@@ -56,40 +60,27 @@ std::string LongText() {
     return depth < 0 ? 0 : Recurse(depth + 1) + room[0];
 }
 
-// What keys do; others are told.
-const std::map<char, void (*)()> ACTIONS = {
-    {'m',
-     [] {
-         Say(std::to_string(MessageBoxA(nullptr, "It does not work.", "Oh", MB_ICONEXCLAMATION)));
-     }},
-    {'l', [] { MessageBoxA(nullptr, LongText().c_str(), nullptr, MB_ICONINFORMATION); }},
-    {'b', [] { MessageBeep(MB_OK); }},
-    // Ways to end.
-    {'A',
-     [] {
-         void* const page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-         *static_cast<volatile int*>(page) = 1;
-     }},
-    {'R', [] { Recurse(0); }},
-    {'S',
-     [] {
-         SetConsoleCtrlHandler(OnControlEvent, FALSE);
-         raise(SIGTERM);
-     }},
-    {'E', [] { std::exit(3); }},
-    // Never waits again, but for this output to go out.
-    {'W',
-     [] {
-         Say("never");
-         WaitForSingleObject(g_hInput, 1);
-         for (;;)
-             pause();
-     }},
-};
+// Never waits again.
+void Hang() {
+    dprintf(STDOUT_FILENO, "hung");
+    for (;;)
+        pause();
+}
 
+// What keys do; others are told.
 void Act(char key) {
-    const auto action = ACTIONS.find(key);
-    if (action != ACTIONS.end())
+    static const std::map<char, void (*)()> kActions = {
+        {'m',
+         [] { Say(std::to_string(MessageBoxA(nullptr, "It fails.", "Oh", MB_ICONEXCLAMATION))); }},
+        {'l', ShowLongText},
+        {'b', [] { MessageBeep(MB_OK); }},
+        {'A', Fault},
+        {'R', [] { Recurse(0); }},
+        {'E', [] { std::exit(3); }},
+        {'W', Hang},
+    };
+    const auto action = kActions.find(key);
+    if (action != kActions.end())
         action->second();
     else
         Say("<" + std::to_string(key) + ">");
@@ -122,29 +113,64 @@ void RunWithHandler() {
     RunConsole();
 }
 
+// Shows boxes while nobody has the console: one on this thread, two of others at once. A thread
+// that has not taken the console over has none.
+void RunThreads() {
+    auto show = [] { MessageBoxA(nullptr, "from a thread", "One", MB_OK); };
+    auto showToo = [] { MessageBoxA(nullptr, "from another", "Two", MB_OK); };
+    dprintf(STDOUT_FILENO, "before");
+    dprintf(STDOUT_FILENO, " after %d", MessageBoxA(nullptr, nullptr, nullptr, MB_OK));
+    TakeOver();
+    INPUT_RECORD record{};
+    DWORD count = 0;
+    while (record.Event.KeyEvent.uChar.AsciiChar != 'x')
+        ReadConsoleInputA(g_hInput, &record, 1, &count);
+    AwaitEnd(StartThread(show));
+    GiveBack();
+    const CTestHandle first = StartThread(show);
+    const CTestHandle second = StartThread(showToo);
+    AwaitEnd(first);
+    AwaitEnd(second);
+}
+
 // ---- The user.
 
-class BoxTest : public CConsoleTest {
+class BoxTest : public CSessionTest {
   protected:
-    bool Opens(std::function<void()> work) {
-        Start(std::move(work));
-        const bool isReady = Shows("ready");
+    BoxTest() { m_pump.Add(m_error); }
+
+    void Do(void (*work)(), const char* type = "xterm", int input = -1, int output = -1) {
+        m_work = [=] {
+            unsetenv("TMUX");
+            setenv("TERM", type, 1);
+            work();
+        };
+        m_terminal.GetReceived().clear();
+        StartWith({}, input, output, m_error.GetWriter());
+    }
+    Result Opens(void (*work)()) {
+        Do(work);
         Type("m");
-        return isReady && ShowsBox();
+        return ShowsBox();
     }
-    bool ShowsBox() {
-        return Shows("[ OK ]") && Waits([&] {
-                   const VTermPos cursor = screen.GetCursor();
-                   return screen.GetCell(cursor.row, cursor.col).chars[0] == 'O';
-               });
+    Result ShowsBox() {
+        return Fulfils("a box", [this] {
+            const VTermPos cursor = Screen().GetCursor();
+            return Screen().FindRow("[ OK ]") >= 0 &&
+                   Screen().GetCell(cursor.row, cursor.col).chars[0] == 'O';
+        });
     }
-    bool HidesBox() {
-        return Waits([&] { return screen.FindRow("[ OK ]") < 0; });
+    Result HidesBox() {
+        return Fulfils("no box", [this] { return Screen().FindRow("[ OK ]") < 0; });
+    }
+    Result IsOver(int exit = CProcess::kWorkDone) {
+        const Result ended = EndsWith(exit);
+        return ended ? GivesTerminalBack() : ended;
     }
     int CountOf(std::string_view sequence) {
+        const std::string& output = m_terminal.GetOutput();
         int count = 0;
-        for (std::size_t at = 0; (at = user.GetOutput().find(sequence, at)) != std::string::npos;
-             ++at)
+        for (std::size_t at = 0; (at = output.find(sequence, at)) != std::string::npos; ++at)
             ++count;
         return count;
     }
@@ -152,68 +178,67 @@ class BoxTest : public CConsoleTest {
     int TimesLeft() { return CountOf("\x1b[?1049l"); }
 
     // Everything that can be seen.
-    std::string Sight() const {
-        std::string all;
+    std::string Sight() {
+        const VTermPos cursor = Screen().GetCursor();
+        std::string all = Screen().GetText() + std::to_string(cursor.row * kColumns + cursor.col);
         for (int cell = 0; cell < kColumns * kRows; ++cell) {
-            const VTermScreenCell seen = screen.GetCell(cell / kColumns, cell % kColumns);
-            all.append(reinterpret_cast<const char*>(seen.chars), sizeof seen.chars);
-            for (const VTermColor& colour : {seen.fg, seen.bg})
-                all += std::to_string(colour.type) + ':' + std::to_string(colour.indexed.idx) + ';';
-            all += seen.attrs.reverse ? 'R' : ' ';
+            const VTermScreenCell seen = Screen().GetCell(cell / kColumns, cell % kColumns);
+            all += std::to_string(IndexOf(seen.fg)) + std::to_string(IndexOf(seen.bg)) +
+                   (seen.attrs.reverse ? 'R' : ' ');
         }
-        const VTermPos cursor = screen.GetCursor();
-        return all + std::to_string(cursor.row) + ',' + std::to_string(cursor.col);
+        return all;
     }
+
+    CCollector m_error;
 };
 
 } // namespace
 
 TEST_F(BoxTest, IsShownOverTheScreenUntilAKeyClosesIt) {
-    Start(RunConsole);
+    Do(RunConsole);
     ASSERT_TRUE(Shows("ready"));
     const std::string before = Sight();
     Type("l");
     ASSERT_TRUE(ShowsBox());
     Type("\r");
-    ASSERT_TRUE(Waits([&] { return Sight() == before; }));
+    ASSERT_TRUE(Fulfils("the screen from before", [&] { return Sight() == before; }));
 
     std::string results; // behind the full row: its wrap is still pending
     for (const char* const key : {"\r", " ", "\x1b"}) {
         Type("m");
         ASSERT_TRUE(ShowsBox());
-        EXPECT_EQ(screen.FindRow("plain"), -1);
-        EXPECT_GE(screen.FindRow("  ! It does not work."), 0);
-        EXPECT_LT(screen.FindRow(" Oh"), screen.FindRow("! It"));
-        EXPECT_TRUE(screen.IsCursorVisible());
+        EXPECT_EQ(Screen().FindRow("plain"), -1);
+        EXPECT_GE(Screen().FindRow("  ! It fails."), 0);
+        EXPECT_LT(Screen().FindRow(" Oh"), Screen().FindRow("! It"));
+        EXPECT_TRUE(Screen().IsCursorVisible());
         Type(key);
         results += '1';
-        ASSERT_TRUE(HidesBox() && Waits([&] { return screen.GetRow(2) == results; }));
+        ASSERT_TRUE(HidesBox() && ShowsInRow(2, results));
     }
-    const VTermScreenCell full = screen.GetCell(1, kColumns - 1);
-    const VTermScreenCell result = screen.GetCell(2, 2);
-    EXPECT_EQ(result.fg.indexed.idx, full.fg.indexed.idx);
-    EXPECT_EQ(result.bg.indexed.idx, full.bg.indexed.idx);
+    const VTermScreenCell full = Screen().GetCell(1, kColumns - 1);
+    const VTermScreenCell result = Screen().GetCell(2, 2);
+    EXPECT_EQ(IndexOf(result.fg), IndexOf(full.fg));
+    EXPECT_EQ(IndexOf(result.bg), IndexOf(full.bg));
     EXPECT_EQ(TimesEntered(), 4);
-    process->Kill(SIGTERM);
-    ASSERT_TRUE(EndsWith(-SIGTERM));
+    m_program->Kill(SIGTERM);
+    ASSERT_TRUE(IsOver(-SIGTERM));
     EXPECT_EQ(TimesLeft(), 4) << "a box that is closed is not left once more";
 }
 
 TEST_F(BoxTest, OtherKeysScrollAndWhatWasTypedBeforeIsKept) {
-    Start(RunConsole);
+    Do(RunConsole);
     ASSERT_TRUE(Shows("ready"));
-    Type("lx\r");
-    ASSERT_TRUE(Shows("Lines 1-19 of 60"));
-    EXPECT_GE(screen.FindRow("i first line"), 0);
-    Type("a\x03\x1a\x1b[25~\x1b[6~");
-    ASSERT_TRUE(Shows("Lines 20-38 of 60"));
-    EXPECT_EQ(screen.FindRow("first line"), -1);
-    Type("\x1b[A\x1b[A");
-    ASSERT_TRUE(Shows("Lines 18-36 of 60"));
-    Type("\x1b[F\x1b[B");
-    ASSERT_TRUE(Shows("line 60") && Shows("Lines 42-60 of 60"));
-    Type("\x1b[H\x1b[5~");
-    ASSERT_TRUE(Shows("Lines 1-19 of 60"));
+    const std::pair<const char*, const char*> steps[] = {
+        {"lx\r", "Lines 1-19 of 60"},          {"a\x03\x1a\x1b[25~\x1b[6~", "Lines 20-38 of 60"},
+        {"\x1b[A\x1b[A", "Lines 18-36 of 60"}, {"\x1b[F\x1b[B", "Lines 42-60 of 60"},
+        {"\x1b[H\x1b[5~", "Lines 1-19 of 60"},
+    };
+    for (const auto& [keys, note] : steps) {
+        Type(keys);
+        ASSERT_TRUE(Shows(note));
+        EXPECT_EQ(Screen().FindRow("i first line") >= 0,
+                  std::string_view(note).starts_with("Lines 1-"));
+    }
     const struct {
         int rows;
         int columns;
@@ -225,120 +250,99 @@ TEST_F(BoxTest, OtherKeysScrollAndWhatWasTypedBeforeIsKept) {
         {kRows, kColumns, "Lines 1-19 of 60: Up, Down, PageUp, PageDown"},
     };
     for (const auto& window : windows) {
-        user.Resize(window.rows, window.columns);
+        m_terminal.Resize(window.rows, window.columns);
         ASSERT_TRUE(Shows(window.note) && ShowsBox());
     }
-    Type("\ry");
-    ASSERT_TRUE(HidesBox() && Shows("ready"));
-    ASSERT_TRUE(Shows("<120><13><121>"));
-    // The bell rings in its place.
-    Type("abc");
-    ASSERT_TRUE(Shows("<97><99>"));
-    EXPECT_NE(user.GetOutput().find("<97>\a<99>"), std::string::npos);
-    EXPECT_EQ(screen.GetBells(), 1);
+    Type("\ryabc"); // the bell rings in its place
+    ASSERT_TRUE(HidesBox() && Shows("<120><13><121><97><99>"));
+    EXPECT_EQ(CountOf("<97>\a<99>"), 1);
+    EXPECT_EQ(Screen().GetBells(), 1);
+    m_program->Kill(SIGTERM);
+    EXPECT_TRUE(IsOver(-SIGTERM));
 }
 
-TEST_F(BoxTest, TakesAConsoleThatNobodyHas) {
-    Type("x\r"); // nobody's either
-    user.OnReady(POLLOUT);
-    Start([] {
-        std::printf("before");
-        std::fflush(stdout);
-        std::printf(" after %d", MessageBoxA(nullptr, nullptr, nullptr, MB_OK));
-        std::fflush(stdout);
-        TakeOver();
-        INPUT_RECORD record{};
-        DWORD count = 0;
-        while (ReadConsoleInputA(g_hInput, &record, 1, &count) &&
-               record.Event.KeyEvent.uChar.AsciiChar != 'x')
-            continue;
-        GiveBack();
-    });
+TEST_F(BoxTest, BelongsToOneThreadAtATime) {
+    const auto seen = [&](const char* text) { return Screen().FindRow(text) >= 0; };
+    Type("x\r"); // keeps, while nobody has the console
+    m_terminal.OnReady(POLLOUT);
+    Do(RunThreads);
     ASSERT_TRUE(ShowsBox() && Shows("  Error"));
-    EXPECT_EQ(line.GetSettings().c_lflag & (ICANON | ECHO), 0U);
+    EXPECT_EQ(m_terminal.GetLine().GetSettings().c_lflag & (ICANON | ECHO), 0U);
     Type("\r");
-    ASSERT_TRUE(HidesBox() && Shows("before after 1"));
-    ASSERT_TRUE(EndsWith(CProcess::kWorkDone));
-    EXPECT_EQ(TimesLeft(), 1);
+    ASSERT_TRUE(Shows("before after 1"));
+    ASSERT_TRUE(Fulfils("a report", [&] { return m_error.GetText() == "One\nfrom a thread\n"; }));
+    ASSERT_TRUE(ShowsBox());
+    const bool isFirst = seen("from a thread");
+    EXPECT_NE(isFirst, seen("from another"));
+    Type("\r");
+    ASSERT_TRUE(Shows(isFirst ? "from another" : "from a thread") && ShowsBox());
+    Type("\r");
+    ASSERT_TRUE(IsOver());
+    EXPECT_EQ(TimesEntered(), 3);
+    EXPECT_EQ(TimesLeft(), 3);
 }
 
-class BoxEventTest : public BoxTest, public ::testing::WithParamInterface<int> {};
-
-TEST_P(BoxEventTest, ClosesIt) {
-    const int signal = GetParam();
-    ASSERT_TRUE(Opens(RunWithHandler));
-    if (signal == SIGQUIT)
-        Type("\x1c");
-    else
-        process->Kill(signal);
-    const DWORD event = signal == SIGHUP    ? CTRL_CLOSE_EVENT
-                        : signal == SIGTERM ? CTRL_SHUTDOWN_EVENT
-                                            : CTRL_BREAK_EVENT;
-    ASSERT_TRUE(HidesBox() && Shows("event " + std::to_string(event) + ";"));
-    ASSERT_TRUE(Shows("ready") && Shows("over;"));
-    ASSERT_TRUE(EndsWith(CProcess::kWorkDone));
-    EXPECT_EQ(error.GetText(), "Error\nfrom the handler\n");
-    EXPECT_EQ(TimesLeft(), 1);
+TEST_F(BoxTest, AControlEventClosesIt) {
+    const std::pair<int, int> events[] = {
+        {SIGHUP, CTRL_CLOSE_EVENT}, {SIGTERM, CTRL_SHUTDOWN_EVENT}, {SIGQUIT, CTRL_BREAK_EVENT}};
+    std::string reports;
+    for (const auto& [signal, event] : events) {
+        ASSERT_TRUE(Opens(RunWithHandler));
+        m_program->Kill(signal);
+        ASSERT_TRUE(HidesBox() && Shows("event " + std::to_string(event) + ";"));
+        ASSERT_TRUE(Shows("ready") && Shows("over;") && IsOver());
+        reports += "Error\nfrom the handler\n";
+        EXPECT_TRUE(Fulfils("a report", [&] { return m_error.GetText() == reports; }));
+        EXPECT_EQ(TimesLeft(), 1);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, BoxEventTest, ::testing::Values(SIGHUP, SIGTERM, SIGQUIT));
-
-class BoxEndTest : public BoxTest, public ::testing::WithParamInterface<int> {};
-
-TEST_P(BoxEndTest, LeavesTheFirstScreen) {
-    ASSERT_TRUE(Opens(RunConsole));
-    process->Kill(GetParam());
-    ASSERT_TRUE(Ends() && HidesBox() && Shows("ready"));
-    EXPECT_NE(process->GetExit(), CProcess::kWorkDone);
-    EXPECT_EQ(screen.GetCursor().row, kRows - 1);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, BoxEndTest, ::testing::Values(SIGSEGV, SIGTERM, SIGUSR1));
-
-class ProcessEndTest : public BoxTest, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(ProcessEndTest, LeavesTheTerminalSane) {
-    Start(RunWithHandler);
-    ASSERT_TRUE(Shows("ready"));
-    Type(GetParam());
-    ASSERT_TRUE(Ends());
-    EXPECT_NE(process->GetExit(), CProcess::kWorkDone);
-    const std::string& text = user.GetOutput();
-    ASSERT_TRUE(Waits([&] { return text.find("\x1b[23;0t") != std::string::npos; }))
-        << "the title from before";
-    EXPECT_LT(text.find("ready"), text.rfind("\x1b[0m"));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ProcessEndTest, ::testing::Values("A", "R", "S", "E"));
-
-TEST_F(BoxTest, AThreadThatNeverWaitsIsEnded) {
-    Start(RunWithHandler);
-    ASSERT_TRUE(Shows("ready"));
-    Type("W");
-    ASSERT_TRUE(Shows("never"));
-    do
-        process->Kill(SIGTERM);
-    while (!pump.RunUntil([this] { return process->HasEnded(); }, std::chrono::seconds(1)));
-    EXPECT_TRUE(EndsWith(-SIGTERM));
+// Whatever ends the process: the first screen and the title from before are there.
+TEST_F(BoxTest, LeavesTheTerminalSane) {
+    const struct {
+        void (*work)();
+        const char* typed;
+        const char* shown;
+        int signal;
+    } ends[] = {
+        {RunConsole, "m", "[ OK ]", SIGSEGV},    {RunConsole, "m", "[ OK ]", SIGTERM},
+        {RunConsole, "m", "[ OK ]", SIGUSR1},    {RunWithHandler, "A", "ready", 0},
+        {RunWithHandler, "R", "ready", 0},       {RunWithHandler, "E", "ready", 0},
+        {RunWithHandler, "W", "hung", SIGTERM},
+    };
+    for (const auto& end : ends) {
+        Do(end.work);
+        ASSERT_TRUE(Shows("ready"));
+        Type(end.typed);
+        ASSERT_TRUE(Shows(end.shown));
+        do // more than once for who does not answer
+            m_program->Kill(end.signal);
+        while (!m_pump.RunUntil([this] { return m_program->HasEnded(); }, std::chrono::seconds(1)));
+        EXPECT_NE(m_program->GetExit(), CProcess::kWorkDone) << end.typed;
+        ASSERT_TRUE(GivesTerminalBack() && HidesBox() && Shows("ready"));
+        ASSERT_TRUE(Fulfils("the title back", [this] { return CountOf("\x1b[23;0t") == 1; }));
+        EXPECT_LT(m_terminal.GetOutput().find("ready"), m_terminal.GetOutput().rfind("\x1b[0m"));
+        EXPECT_EQ(Screen().GetCursor().row, *end.typed == 'E' ? 2 : kRows - 1) << end.typed;
+    }
 }
 
 TEST_F(BoxTest, IsThereAgainAfterAStop) {
+    const auto isStopped = [this] { return m_program->IsStopped(); };
     ASSERT_TRUE(Opens(RunConsole));
-    process->Kill(SIGTSTP);
-    ASSERT_TRUE(HidesBox() && Shows("ready"));
-    ASSERT_TRUE(Waits([&] { return process->IsStopped(); }));
-    EXPECT_TRUE(line.GetSettings() == found);
-    process->Kill(SIGCONT);
+    m_program->Kill(SIGTSTP);
+    ASSERT_TRUE(HidesBox() && Shows("ready") && Fulfils("the stop", isStopped));
+    EXPECT_TRUE(GivesTerminalBack());
+    m_program->Kill(SIGCONT);
     ASSERT_TRUE(ShowsBox());
     // Stopped without being asked; somebody writes over the box.
-    process->Kill(SIGSTOP);
-    ASSERT_TRUE(Waits([&] { return process->IsStopped(); }));
-    screen.Feed("\x1b[H\x1b[J$ fg");
-    process->Kill(SIGCONT);
+    m_program->Kill(SIGSTOP);
+    ASSERT_TRUE(Fulfils("the stop", isStopped));
+    Screen().Feed("\x1b[H\x1b[J$ fg");
+    m_program->Kill(SIGCONT);
     ASSERT_TRUE(ShowsBox());
-    EXPECT_EQ(screen.FindRow("$ fg"), -1);
-    Type("\r");
-    ASSERT_TRUE(HidesBox() && Shows("ready"));
+    EXPECT_EQ(Screen().FindRow("$ fg"), -1);
+    m_program->Kill(SIGTERM);
+    EXPECT_TRUE(IsOver(-SIGTERM));
 }
 
 TEST_F(BoxTest, EndsWithTheInput) {
@@ -346,79 +350,54 @@ TEST_F(BoxTest, EndsWithTheInput) {
         signal(SIGHUP, SIG_IGN);
         RunConsole();
     }));
-    user.CloseWindow();
-    ASSERT_TRUE(pump.RunUntil([&] { return process->HasEnded(); }));
-    EXPECT_EQ(process->GetExit(), CProcess::kWorkDone);
+    m_terminal.CloseWindow();
+    EXPECT_TRUE(EndsWith(CProcess::kWorkDone));
 }
 
-class PoorTerminalTest : public BoxTest, public ::testing::WithParamInterface<std::string> {};
-
-TEST_P(PoorTerminalTest, ShowsPlainLines) {
-    Start(RunConsole, GetParam().c_str());
-    ASSERT_TRUE(Shows("ready"));
-    Type("m");
-    ASSERT_TRUE(Shows("! Oh") && Shows("It does not work.") && Shows("[ OK ] Enter"));
-    EXPECT_GE(screen.FindRow("ready"), 0);
-    Type("q\r");
-    ASSERT_TRUE(Waits([&] { return user.GetOutput().find("Esc\r\n") != std::string::npos; }));
-    Type("l");
-    ASSERT_TRUE(Shows("line 22") && Shows("[ More ]"));
-    Type(" ");
-    ASSERT_TRUE(Shows("line 45"));
-    Type("\r");
-    ASSERT_TRUE(Shows("line 60") && Shows("[ OK ]"));
-    Type("\rz");
-    ASSERT_TRUE(Shows("<122>"));
-    EXPECT_EQ(user.GetOutput().find("1049"), std::string::npos);
-    process->Kill(SIGTERM);
-    ASSERT_TRUE(EndsWith(-SIGTERM));
+TEST_F(BoxTest, IsPlainLinesOnAPoorTerminal) {
+    const std::pair<const char*, std::vector<const char*>> steps[] = {
+        {"m", {"ready", "! Oh", "It fails.", "[ OK ] Enter"}},
+        {"q\r", {"Esc\r\n"}},
+        {"l", {"line 22", "[ More ]"}},
+        {" ", {"line 45"}},
+        {"\r", {"line 60", "[ OK ]"}},
+        {"\rz", {"<122>"}},
+    };
+    for (const char* type : {"linux", "dumb", "screen", "no-such-terminal"}) {
+        Do(RunConsole, type);
+        for (const auto& [keys, shown] : steps) {
+            Type(keys);
+            for (const char* const text : shown)
+                ASSERT_TRUE(Fulfils(text, [&] { return CountOf(text) != 0; })) << type;
+        }
+        EXPECT_EQ(CountOf("1049"), 0);
+        m_program->Kill(SIGTERM);
+        ASSERT_TRUE(IsOver(-SIGTERM));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PoorTerminalTest,
-                         ::testing::Values("linux", "dumb", "screen", "no-such-terminal"));
-
-// Without one for the keys, and without one for the text.
-class NoTerminalTest : public BoxTest, public ::testing::WithParamInterface<bool> {};
-
-TEST_P(NoTerminalTest, ReportsOnStandardError) {
-    CCollector output;
-    pump.Add(output);
-    const int input = GetParam() ? line.GetSlave() : -1;
-    StartOn(input, GetParam() ? output.GetWriter() : line.GetSlave(), [] {
-        if (MessageBoxA(nullptr, "one\r\ntwo\x1b[2J\xF0", "Cap", MB_ICONINFORMATION) == IDOK)
-            MessageBoxA(nullptr, nullptr, nullptr, MB_OK);
-        MessageBeep(MB_OK);
-    });
-    output.CloseWriter();
-    ASSERT_TRUE(EndsWith(CProcess::kWorkDone) && Waits([&] { return output.HasEnded(); }));
-    EXPECT_EQ(error.GetText(), "i Cap\none\ntwo\u2190[2J\u2261\nError\n\n");
-    EXPECT_EQ(output.GetText(), "");
-    EXPECT_EQ(user.GetOutput(), GetParam() ? "" : "\a");
-}
-
-INSTANTIATE_TEST_SUITE_P(All, NoTerminalTest, ::testing::Bool());
-
-TEST_F(BoxTest, BelongsToOneThreadAtATime) {
-    Start([] {
-        auto show = [] { MessageBoxA(nullptr, "from a thread", "One", MB_OK); };
-        auto showToo = [] { MessageBoxA(nullptr, "from another", "Two", MB_OK); };
-        TakeOver();
-        const CTestHandle refused = StartThread(show);
-        AwaitEnd(refused);
-        GiveBack();
-        const CTestHandle first = StartThread(show);
-        const CTestHandle second = StartThread(showToo);
-        AwaitEnd(first);
-        AwaitEnd(second);
-    });
-    const auto seen = [&](const char* text) { return screen.FindRow(text) >= 0; };
-    ASSERT_TRUE(ShowsBox());
-    ASSERT_TRUE(Waits([&] { return error.GetText() == "One\nfrom a thread\n"; }));
-    const bool isFirst = seen("from a thread");
-    EXPECT_NE(isFirst, seen("from another"));
-    Type("\r");
-    ASSERT_TRUE(Shows(isFirst ? "from another" : "from a thread") && ShowsBox());
-    Type("\r");
-    ASSERT_TRUE(EndsWith(CProcess::kWorkDone));
-    EXPECT_EQ(TimesEntered(), 2);
+// Without a terminal for the keys, and without one for the text.
+TEST_F(BoxTest, IsToldOnStandardErrorWithoutATerminal) {
+    const CDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
+    const std::string report = "i Cap\none\ntwo\u2190[2J\u2261\nError\n\n";
+    std::string reports;
+    for (const bool hasKeys : {false, true}) {
+        CCollector output;
+        m_pump.Add(output);
+        Do(
+            [] {
+                if (MessageBoxA(nullptr, "one\r\ntwo\x1b[2J\xF0", "Cap", MB_ICONINFORMATION) ==
+                    IDOK)
+                    MessageBoxA(nullptr, nullptr, nullptr, MB_OK);
+                MessageBeep(MB_OK);
+            },
+            "xterm", hasKeys ? -1 : null.Get(), hasKeys ? output.GetWriter() : -1);
+        output.CloseWriter();
+        ASSERT_TRUE(IsOver() && Fulfils("the output", [&] { return output.HasEnded(); }));
+        reports += report;
+        EXPECT_TRUE(Fulfils("the reports", [&] { return m_error.GetText() == reports; }));
+        EXPECT_EQ(output.GetText(), "");
+        EXPECT_EQ(m_terminal.GetOutput(), hasKeys ? "" : "\a");
+        m_pump.Remove(output);
+    }
 }

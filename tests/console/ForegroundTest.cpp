@@ -1,110 +1,46 @@
 // Taking the terminal over from a shell: what was typed before, and a start in the background.
-#include "console/Console.h"
-#include "tests/console/ConsoleTest.h"
+#include "tests/endtoend/SessionTest.h"
 
-#include <csignal>
-#include <sys/wait.h>
-
-namespace {
-
-// Takes the console over and tells each key's number, until q.
-void TellKeys() {
-    const HANDLE hInput = GetStdHandle(STD_INPUT_HANDLE);
-    DWORD mode = 0;
-    GetConsoleMode(hInput, &mode);
-    SetConsoleMode(hInput, 0);
-    INPUT_RECORD record{};
-    DWORD count = 0;
-    while (record.Event.KeyEvent.uChar.AsciiChar != 'q' &&
-           ReadConsoleInputA(hInput, &record, 1, &count)) {
-        const std::string text = std::to_string(record.Event.KeyEvent.uChar.AsciiChar) + ';';
-        WriteConsoleA(GetStdHandle(STD_OUTPUT_HANDLE), text.data(), static_cast<DWORD>(text.size()),
-                      nullptr, nullptr);
+class ForegroundTest : public CSessionTest {
+  protected:
+    // What a shell with job control does; "job" starts the program in the background and waits
+    // until it has stopped, as "stops" does.
+    void StartShell(const std::string& commands) {
+        m_work = [script = R"(set -m; path=$1
+            stops() { until read -r _ _ state _ </proc/$!/stat && [ $state = T ]; do sleep 0.02; done; }
+            job() { "$0" "$path" & stops; }
+            )" + commands,
+                  path = m_device.GetPath()] {
+            setenv("TERM", "xterm", 1);
+            execl("/bin/bash", "bash", "-c", script.c_str(), WIRELET, path.c_str(), nullptr);
+        };
+        StartWith({});
     }
-    SetConsoleMode(hInput, mode);
-}
-
-pid_t StartInBackground() {
-    std::signal(SIGTTOU, SIG_IGN);
-    const pid_t program = fork();
-    if (program == 0) {
-        setpgid(0, 0);
-        std::signal(SIGTTOU, SIG_DFL);
-        TellKeys();
-        std::exit(0);
-    }
-    setpgid(program, program);
-    return program;
-}
-
-BOOL EndAtOnce(DWORD) {
-    std::exit(CProcess::kWorkDone);
-}
-
-void AwaitStop(pid_t program) {
-    int status = 0;
-    if (waitpid(program, &status, WUNTRACED) != program || !WIFSTOPPED(status))
-        std::exit(1);
-}
-
-// A shell's &, bg and fg, one after the other; the line editor's mode is another than a program's.
-void RunInBackground() {
-    termios usual{};
-    tcgetattr(STDIN_FILENO, &usual);
-    termios editing = usual;
-    editing.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-    tcsetattr(STDIN_FILENO, TCSANOW, &editing);
-    const pid_t program = StartInBackground();
-    AwaitStop(program);
-    kill(-program, SIGCONT);
-    AwaitStop(program);
-    tcsetattr(STDIN_FILENO, TCSANOW, &usual);
-    tcsetpgrp(STDIN_FILENO, program);
-    kill(-program, SIGCONT);
-    int status = 0;
-    waitpid(program, &status, 0);
-}
-
-// A shell's &, then its kill, which lets a stopped process go on.
-void EndInBackground() {
-    SetConsoleCtrlHandler(EndAtOnce, TRUE);
-    const pid_t program = StartInBackground();
-    AwaitStop(program);
-    kill(-program, SIGTERM);
-    kill(-program, SIGCONT);
-    int status = 0;
-    waitpid(program, &status, WUNTRACED);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != CProcess::kWorkDone)
-        std::_Exit(1);
-}
-
-} // namespace
-
-using ForegroundTest = CConsoleTest;
+};
 
 TEST_F(ForegroundTest, WhatWasTypedToTheShellHasEnterAsAKey) {
-    Start([] {
-        raise(SIGSTOP);
-        TellKeys();
-    });
     Type("a\rb");
-    ASSERT_TRUE(Shows("b") && Waits([this] { return process->IsStopped(); }));
-    process->Kill(SIGCONT);
-    ASSERT_TRUE(Shows("97;13;98;"));
+    ASSERT_TRUE(Shows("b")); // echoed
+    Start();
+    EXPECT_TRUE(DeviceGets("ATE1V1\ra\rb"));
     Type("\n\rq");
-    ASSERT_TRUE(Shows("97;13;98;10;13;113;"));
-    EXPECT_TRUE(EndsWith(CProcess::kWorkDone));
+    EXPECT_TRUE(DeviceGets("\n\rq"));
 }
 
+// The line editor's mode is another than a program's.
 TEST_F(ForegroundTest, AWaitForAKeyInTheBackgroundStopsUntilTheTerminalIsThere) {
-    Start(RunInBackground);
-    ASSERT_TRUE(Waits([&] { return (line.GetSettings().c_iflag & ICRNL) == 0; }));
+    StartShell("stty -icanon -echo; job; kill -CONT $!; sleep 0.1; stops; stty icanon echo; fg");
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+    ASSERT_TRUE(Fulfils("the terminal taken over",
+                        [&] { return (m_terminal.GetLine().GetSettings().c_iflag & ICRNL) == 0; }));
     Type("\n\rq");
-    ASSERT_TRUE(Shows("10;13;113;"));
-    EXPECT_TRUE(EndsWith(CProcess::kWorkDone));
+    EXPECT_TRUE(DeviceGets("\n\rq"));
+    Type(kAltF4);
+    EXPECT_TRUE(Ends());
 }
 
 TEST_F(ForegroundTest, ASignalEndsWhatStoppedInTheBackground) {
-    Start(EndInBackground);
-    EXPECT_TRUE(EndsWith(CProcess::kWorkDone));
+    StartShell("job; kill -TERM $!; kill -CONT $!; wait -f $!");
+    EXPECT_TRUE(EndsWith(0));
+    EXPECT_TRUE(GivesTerminalBack());
 }

@@ -13,31 +13,23 @@ class CDeviceListTest : public CSessionTest {
         if (const std::string& problem = CDeviceNamespace::Enter(); !problem.empty())
             GTEST_SKIP() << problem;
         CDeviceNamespace::SetInterfaces({});
-        SetVariable("XDG_CONFIG_HOME", m_folder.GetPath(""));
+        m_environment["XDG_CONFIG_HOME"] = m_folder.GetPath("");
         // As in this process: the machine's description is none of the kernel's.
-        SetVariable("SYSTEMD_DEVICE_VERIFY_SYSFS", "0");
+        m_environment["SYSTEMD_DEVICE_VERIFY_SYSFS"] = "0";
         fs::create_directory(m_folder.GetPath("wirelet"));
     }
 
     void NameModems(const std::string& lines) { m_folder.Write("wirelet/modems.conf", lines); }
-
-    static FakeInterface OnBoard(const std::string& name) {
-        FakeInterface port;
-        port.name = name;
-        port.node = name;
-        return port;
-    }
 };
 
 TEST_F(CDeviceListTest, FromTheListToTheModemAndBackAgain) {
     CSimulator simulator(m_pump);
-    FakeInterface adapter;
-    adapter.name = "ttyUSB0";
-    adapter.node = m_device.GetPath().substr(sizeof "/dev");
-    adapter.hardware = "1-2";
-    adapter.properties = {{"ID_VENDOR_FROM_DATABASE", "Acme"},
-                          {"ID_MODEL_FROM_DATABASE", "Rocket"}};
-    CDeviceNamespace::SetInterfaces({OnBoard("ttyS2"), adapter});
+    CDeviceNamespace::SetInterfaces({{.name = "ttyS2", .node = "ttyS2"},
+                                     {.name = "ttyUSB0",
+                                      .node = m_device.GetPath().substr(sizeof "/dev"),
+                                      .hardware = "1-2",
+                                      .properties = {{"ID_VENDOR_FROM_DATABASE", "Acme"},
+                                                     {"ID_MODEL_FROM_DATABASE", "Rocket"}}}});
     NameModems("# mine\nDesk phone = " + simulator.GetPath() + "\n");
 
     StartWith({});
@@ -82,18 +74,18 @@ TEST_F(CDeviceListTest, AnswersAndTheirExitCodes) {
     const std::string menu = "Installed Modem or Ports:\n 1) One\n"
                              "Enter a device number, or X to exit: ";
     const std::string tooLong = "1" + std::string(127, ' ') + "\n";
-    // What is typed, and how much of it is refused.
-    const std::pair<std::string, int> rows[] = {
-        {"x\n", 0}, {"0\nabc\n-1\nXyz\n", 3},           {"", 0},
-        {"\n2", 2}, {tooLong + "x" + tooLong + "X", 2},
+    // What is typed, how much of it is refused, and what is shown when it just ends.
+    const std::tuple<std::string, int, const char*> rows[] = {
+        {"x\n", 0, ""},   {"0\nabc\n-1\nXyz\n", 3, ""},           {"", 0, "\n"},
+        {"\n2", 2, "\n"}, {tooLong + "x" + tooLong + "X", 2, ""},
     };
-    for (const auto& [answers, refused] : rows) {
+    for (const auto& [answers, refused, ending] : rows) {
         std::string expected = "Corvane v2.2\n" + menu;
         for (int count = 0; count < refused; ++count)
             expected += "Invalid selection.\n" + menu;
         const Outcome outcome = Run({}, answers);
         EXPECT_EQ(outcome.exit, 0) << answers;
-        EXPECT_EQ(outcome.output, expected) << answers;
+        EXPECT_EQ(outcome.output, expected + ending) << answers;
     }
     // What follows the answer is the session's.
     EXPECT_EQ(Run({}, "1\nAT+X\r").exit, 0);
@@ -102,7 +94,7 @@ TEST_F(CDeviceListTest, AnswersAndTheirExitCodes) {
 
 // One row for each place that knows the reason.
 TEST_F(CDeviceListTest, DevicesThatDoNotOpenAreExplained) {
-    CDeviceNamespace::SetInterfaces({OnBoard("null")});
+    CDeviceNamespace::SetInterfaces({{.name = "null", .node = "null"}});
     NameModems("Gone = " + m_folder.GetPath("gone") + "\nFile = /dev/zero\n");
     const std::string noSuchName = ": no modem has this name; there are \"Gone\", \"File\"; ";
     const std::string longName = '/' + std::string(5000, 'n');

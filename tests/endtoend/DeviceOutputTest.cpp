@@ -27,55 +27,6 @@ std::size_t FindHostileByte(const std::string& output) {
 
 } // namespace
 
-TEST_F(CDeviceOutputTest, ActsOnTheSequencesItKnows) {
-    StartInteractive();
-    m_device.Send("left over\x1B[2J\x1B[5;10Hhere\x1B[1;33;44mhot\x1B[m cold\x1B[8;1H"
-                  "\x1B[7mreverse\x1B[0m\x1B[10;1Habc\x1B[100CX\x1B[3DY\x1B[s");
-    // Each part of a sequence in a write of its own.
-    for (const char* part : {"\x1B", "[", "1", "2", ";", "3", "H", "split"}) {
-        m_device.Send(part);
-        ASSERT_TRUE(m_pump.RunUntil([&] { return m_device.IsAllSent(); }));
-    }
-    m_device.Send("\x1B[uZ\x1B[?25h\x1B[14;1H\x1Bx\x1BH\x1B[15;1Hcut here\x1B[15;4H\x1B[Kend"
-                  "\x1B[18;1H\x1B[32mA\x1B[40mB\x1B[0;44mC\x1B[37mD\x1B[7mE\x1B[0;1mF\x1B[m");
-    ASSERT_TRUE(ShowsInRow(17, "ABCDEF"));
-    EXPECT_EQ(Screen().GetText(), "\n\n\n\n         herehot cold\n\n\nreverse\n\nabYZX\n\n"
-                                  "  split\n\n\u2190x\u2190H\ncutend\n\n\nABCDEF");
-    // What was not asked for is the terminal's own.
-    const struct {
-        int row;
-        int column;
-        int foreground;
-        int background;
-    } colours[] = {{4, 12, -1, -1}, {4, 13, 11, 4}, {4, 17, -1, -1}, {7, 0, 0, 7},
-                   {17, 0, 2, -1},  {17, 1, 2, 0},  {17, 2, -1, 4},  {17, 3, 7, 4},
-                   {17, 4, 4, 7},   {17, 5, -1, -1}};
-    for (const auto& [row, column, foreground, background] : colours) {
-        const VTermScreenCell cell = Screen().GetCell(row, column);
-        EXPECT_EQ(IndexOf(cell.fg), foreground) << row << ' ' << column;
-        EXPECT_EQ(IndexOf(cell.bg), background) << row << ' ' << column;
-    }
-
-    // Wide and combining characters, the end of a row, what lies beyond the screen, also when its
-    // size has changed.
-    const std::pair<std::string, const char*> reports[] = {
-        {"\x1B[16;1H\u6F22e\u0301", "\x1B[16;4R"},
-        {"\x1B[17;1H" + std::string(80, 'x'), "\x1B[17;80R"},
-        {"y", "\x1B[18;2R"},
-        {"\a\x1B[99;99H", "\x1B[24;80R"},
-    };
-    for (const auto& [text, report] : reports) {
-        m_device.Send(text + "\x1B[6n");
-        EXPECT_TRUE(DeviceGets(report));
-    }
-    EXPECT_TRUE(Fulfils("the bell", [this] { return Screen().GetBells() == 1; }));
-    m_terminal.Resize(10, 40);
-    EXPECT_TRUE(Fulfils("the new size", [&] {
-        m_device.Send("\x1B[99;99H\x1B[6n");
-        return DeviceGets("\x1B[10;40R");
-    }));
-}
-
 TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
     StartInteractive();
     std::string hostile;
@@ -97,15 +48,6 @@ TEST_F(CDeviceOutputTest, LetsNoByteActOnTheTerminal) {
     ASSERT_TRUE(ShowsInRow(0, "\u263A\u263C\u2190*\u2302sane"));
     EXPECT_EQ(Screen().GetTitle(), "Corvane - " + m_device.GetPath());
     EXPECT_EQ(FindHostileByte(m_terminal.GetOutput()), std::string::npos);
-}
-
-TEST_F(CDeviceOutputTest, GoesOutInTheLocalesCharacterSet) {
-    SetVariable("LANG", "de_DE.ISO-8859-1"); // also where the system does not have it
-    StartInteractive();
-    m_device.Send("\u00DB\u6F22");
-    EXPECT_TRUE(Fulfils("the characters", [this] {
-        return m_terminal.GetOutput().find("\xDB?") != std::string::npos;
-    }));
 }
 
 TEST_F(CDeviceOutputTest, StaysResponsiveUnderAnyStream) {

@@ -21,17 +21,10 @@ std::string Quote(std::string_view bytes) {
 CSessionTest::CSessionTest() {
     m_pump.Add(m_terminal);
     m_pump.Add(m_device);
-    SetVariable("TERM", "xterm-256color");
-    SetVariable("LANG", "C.UTF-8");
+    m_environment = {{"TERM", "xterm-256color"}, {"LANG", "C.UTF-8"}};
     for (const char* name : {"PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
         if (const char* value = std::getenv(name))
-            SetVariable(name, value);
-}
-
-void CSessionTest::SetVariable(const std::string& name, const std::string& value) {
-    std::erase_if(m_environment,
-                  [&](const std::string& entry) { return entry.starts_with(name + '='); });
-    m_environment.push_back(name + '=' + value);
+            m_environment[name] = value;
 }
 
 void CSessionTest::TearDown() {
@@ -41,11 +34,12 @@ void CSessionTest::TearDown() {
     EXPECT_TRUE(Ends());
 }
 
-ProcessOptions CSessionTest::Options(const Words& arguments) const {
+ProcessOptions CSessionTest::Options(const std::string& program, const Words& arguments) const {
     ProcessOptions options;
-    options.arguments = {WIRELET};
-    options.arguments.insert(options.arguments.end(), arguments.begin(), arguments.end());
-    options.environment = m_environment;
+    options.arguments = arguments;
+    options.arguments.insert(options.arguments.begin(), program);
+    for (const auto& [name, value] : m_environment)
+        options.environment.push_back(name + '=' + value);
     return options;
 }
 
@@ -54,11 +48,12 @@ void CSessionTest::StartWith(const Words& arguments, int input, int output, int 
     m_terminalBefore = m_terminal.GetLine().GetSettings();
     m_deviceBefore = m_device.GetLine().GetSettings();
     const int terminal = m_terminal.GetLine().GetSlave();
-    ProcessOptions options = Options(arguments);
+    ProcessOptions options = Options(WIRELET, arguments);
     options.input = input >= 0 ? input : terminal;
     options.output = output >= 0 ? output : terminal;
     options.error = error >= 0 ? error : terminal;
     options.terminal = m_terminal.GetLine().GetPath();
+    options.work = m_work;
     if (m_program) {
         m_pump.Remove(*m_program);
         // A terminal controls one session at a time.
@@ -70,10 +65,9 @@ void CSessionTest::StartWith(const Words& arguments, int input, int output, int 
     m_pump.Add(*m_program);
 }
 
-void CSessionTest::Start(const Words& options) {
-    Words arguments = {m_device.GetPath()};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    StartWith(arguments);
+void CSessionTest::Start(Words options) {
+    options.insert(options.begin(), m_device.GetPath());
+    StartWith(options);
 }
 
 void CSessionTest::StartInteractive(const Words& options) {
@@ -88,11 +82,10 @@ void CSessionTest::StartCommands(std::string_view commands) {
     Start({"-A:" + m_folder.Write("commands", commands), "-O:" + m_capture});
 }
 
-void CSessionTest::StartScript(const std::string& statements, const Words& options) {
+void CSessionTest::StartScript(const std::string& statements, Words options) {
     const std::string script = "FUNCTION main()\r\n" + statements + "\r\nENDFUNCTION\r\n";
-    Words all = {"-S:" + m_folder.Write("script", script)};
-    all.insert(all.end(), options.begin(), options.end());
-    Start(all);
+    options.push_back("-S:" + m_folder.Write("script", script));
+    Start(options);
 }
 
 void CSessionTest::ConnectModem(const Words& options) {
@@ -106,8 +99,7 @@ CSessionTest::Outcome CSessionTest::Run(const Words& arguments, const std::strin
                                         const std::string& program) {
     CCollector output;
     CCollector error;
-    ProcessOptions options = Options(arguments);
-    options.arguments[0] = program;
+    ProcessOptions options = Options(program, arguments);
     const CDescriptor file(open(m_folder.Write("input", input).c_str(), O_RDONLY | O_CLOEXEC));
     options.input = file.Get();
     options.output = output.GetWriter();
@@ -204,23 +196,20 @@ void CSessionTest::ExpectLines(int count) {
 }
 
 CSessionTest::Result CSessionTest::EndsWith(int exit, std::chrono::milliseconds patience) {
-    const auto hasEnded = [this] { return m_program->HasEnded(); };
-    if (const Result ended = Fulfils("the end", hasEnded, patience); !ended)
+    const Result ended = Fulfils(
+        "the end", [this] { return m_program->HasEnded(); }, patience);
+    if (!ended || m_program->GetExit() == exit)
         return ended;
-    if (m_program->GetExit() == exit)
-        return AssertionSuccess();
     return AssertionFailure() << "ended with " << m_program->GetExit() << "; the screen shows\n"
                               << Screen().GetText();
 }
 
 CSessionTest::Result CSessionTest::Ends(int exit) {
-    if (const Result ended = EndsWith(exit); !ended)
+    const Result ended = EndsWith(exit);
+    if (!ended || m_terminal.GetDescriptor() < 0)
         return ended;
-    if (m_terminal.GetDescriptor() < 0)
-        return AssertionSuccess();
-    if (const Result shown = ShowsPrompt(); !shown)
-        return shown;
-    return IsSane();
+    const Result shown = ShowsPrompt();
+    return shown ? IsSane() : shown;
 }
 
 // The prompt goes the same way as the program's output did, so once it is there all of that is.

@@ -9,6 +9,7 @@
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -34,14 +35,12 @@ class CSessionTest : public ::testing::Test {
     // Runs the program with these descriptors instead of the terminal's; -1 is the terminal.
     void StartWith(const Words& arguments, int input = -1, int output = -1, int error = -1);
     // Runs it on the test's device with these options.
-    void Start(const Words& options = {});
+    void Start(Words options = {});
     // The same, until the interactive terminal is there.
     void StartInteractive(const Words& options = {});
     // A command file with a capture, and a script whose main function does this.
     void StartCommands(std::string_view commands);
-    void StartScript(const std::string& statements, const Words& options = {});
-    // Puts NAME=value in the program's environment, in place of what was there.
-    void SetVariable(const std::string& name, const std::string& value);
+    void StartScript(const std::string& statements, Words options = {});
     // Connects the simulated modem with the device; what the modem gets is the device's to tell.
     void ConnectModem(const Words& options = {});
 
@@ -85,12 +84,13 @@ class CSessionTest : public ::testing::Test {
     const std::string m_capture = m_folder.GetPath("capture");
     CTerminal m_terminal;
     CDevice m_device = MakeDevice();
-    Words m_environment;
+    std::map<std::string, std::string> m_environment; // of the program
     std::unique_ptr<CProcess> m_program;
+    std::function<void()> m_work; // done in place of the program, if there is something
     termios m_deviceBefore{}; // its settings when the program was started
 
   private:
-    ProcessOptions Options(const Words& arguments) const;
+    ProcessOptions Options(const std::string& program, const Words& arguments) const;
     Result ShowsPrompt();
     Result IsSane();
 

@@ -54,7 +54,7 @@ TEST(Handle, ClosingEndsTheWaitsOfOthers) {
     const CTestHandle other = MakeEvent(true, false);
     for (int round = 0; round < 200; ++round) {
         const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-        std::thread waiter([&] {
+        const std::jthread waiter([&] {
             const HANDLE handles[] = {other, event};
             EXPECT_EQ(WaitForMultipleObjects(2, handles, FALSE, INFINITE), WAIT_FAILED);
             EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
@@ -62,7 +62,6 @@ TEST(Handle, ClosingEndsTheWaitsOfOthers) {
         if (round % 2 != 0)
             Sleep(0);
         EXPECT_TRUE(CloseHandle(event));
-        waiter.join();
     }
 }
 
@@ -73,24 +72,20 @@ TEST(Event, AutoResetLetsExactlyOneOfManyWaitersThrough) {
     const CTestHandle stop = MakeEvent(true, false);
     const CTestHandle taken = MakeEvent(false, false);
     std::atomic<int> count = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
             const HANDLE handles[] = {stop, event};
-            while (WaitForMultipleObjects(2, handles, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
+            for (; WaitForMultipleObjects(2, handles, FALSE, INFINITE) == 1; SetEvent(taken))
                 ++count;
-                SetEvent(taken);
-            }
         });
-    }
     for (int signal = 1; signal <= 2000; ++signal) {
         SetEvent(event);
         EXPECT_EQ(WaitForSingleObject(taken, INFINITE), WAIT_OBJECT_0);
         EXPECT_EQ(count, signal);
     }
     SetEvent(stop);
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     EXPECT_EQ(WaitForSingleObject(taken, 0), WAIT_TIMEOUT);
     EXPECT_FALSE(IsShown(taken));
 }
@@ -101,7 +96,7 @@ TEST(Event, SignalsPublishWhatWasWrittenBefore) {
     constexpr int kLast = 20000;
     const CTestHandle event = MakeEvent(false, false);
     std::atomic<int> value = 0;
-    std::thread writer([&] {
+    const std::jthread writer([&] {
         for (int i = 1; i <= kLast; ++i) {
             value.store(i, std::memory_order_relaxed);
             SetEvent(event);
@@ -109,7 +104,6 @@ TEST(Event, SignalsPublishWhatWasWrittenBefore) {
     });
     while (value.load(std::memory_order_relaxed) != kLast)
         EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-    writer.join();
 }
 
 // Resets against sets leave flag and descriptor in step: afterwards both states can be reached.
@@ -121,7 +115,7 @@ TEST(Event, SurvivesRacingSetsAndResets) {
             ResetEvent(event);
         }
     };
-    std::thread other(toggle);
+    std::jthread other(toggle);
     toggle();
     other.join();
     EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);

@@ -43,9 +43,8 @@ TEST(Message, SendsWithCallbackGoBothWays) {
         EXPECT_EQ(answers.sum, LRESULT{kCount} * (kCount + 1));
         EXPECT_EQ(answers.thread, self);
     };
-    std::thread other(run, 0);
+    const std::jthread other(run, 0);
     run(1);
-    other.join();
 }
 
 // The other thread ends without having retrieved anything, which answers with 0.
@@ -149,15 +148,17 @@ TEST(Window, StaleAndInventedWindowsAreRecognised) {
 }
 
 TEST(Window, ClassesHaveOneOwnerAndStayWhileTheyAreUsed) {
-    const Handler handler = DefWindowProcA;
     const WNDCLASSA windowClass = {TestProcedure, "TestWindow"};
     UnregisterClassA("TestWindow", nullptr);
     ExpectFailure(ERROR_CLASS_DOES_NOT_EXIST, UnregisterClassA("TestWindow", nullptr));
-    ExpectFailure(ERROR_CANNOT_FIND_WND_CLASS, CreateTestWindow() != nullptr);
-    const HWND window = MakeWindow(handler);
-    ExpectFailure(ERROR_CLASS_ALREADY_EXISTS, RegisterClassA(&windowClass));
-    ExpectFailure(ERROR_CLASS_HAS_WINDOWS, UnregisterClassA("TestWindow", nullptr));
-    EXPECT_TRUE(DestroyWindow(window));
+    ExpectFailure(ERROR_CANNOT_FIND_WND_CLASS,
+                  CreateWindowExA(0, "TestWindow", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                  nullptr, nullptr) != nullptr);
+    {
+        const CTestWindow window;
+        ExpectFailure(ERROR_CLASS_ALREADY_EXISTS, RegisterClassA(&windowClass));
+        ExpectFailure(ERROR_CLASS_HAS_WINDOWS, UnregisterClassA("TestWindow", nullptr));
+    }
     EXPECT_TRUE(UnregisterClassA("TestWindow", nullptr));
 }
 

@@ -25,7 +25,7 @@ while read -r line; do
 done </proc/$$/status # at once: with its first child the shell opens all signals
 streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)
 held=$(readlink /proc/$$/fd/* | grep 'held open')
-echo "$0 $*|"$streams"|$held|$signals|$(cut -d' ' -f6,7 /proc/$$/stat)" >TOLD
+echo "$0 $*|"$streams"|$held|$signals|$(cut -d' ' -f6,7 /proc/$$/stat)" >"$TOLD"
 )sh";
 
 class SoundTest : public ::testing::Test {
@@ -33,6 +33,7 @@ class SoundTest : public ::testing::Test {
     SoundTest() {
         mkfifo(told.c_str(), 0600);
         reader.open(told, std::ios::in | std::ios::out); // both: opening does not wait for players
+        setenv("TOLD", told.c_str(), 1);
         setenv("PATH", (folder.GetPath("none") + ":" + folder.GetPath("")).c_str(), 1);
         std::filesystem::current_path(folder.GetPath(""));
     }
@@ -42,9 +43,7 @@ class SoundTest : public ::testing::Test {
     }
 
     void MakePlayer(const char* name, mode_t mode = 0700) const {
-        std::string script = kPlayer;
-        script.replace(script.find("TOLD"), 4, told);
-        chmod(folder.Write(name, script).c_str(), mode);
+        chmod(folder.Write(name, kPlayer).c_str(), mode);
     }
     // Plays and returns what a player tells.
     std::string Play(const std::string& file) {

@@ -7,13 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 #include <utility>
 #include <vector>
 
 inline constexpr UINT WM_TEST = WM_APP + 1;
-inline constexpr UINT WM_TEST_END = WM_APP + 2;
 
 using Handler = std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)>;
 
@@ -22,16 +22,12 @@ inline LRESULT TestProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return (*handler)(window, message, wParam, lParam);
 }
 
-inline HWND CreateTestWindow() {
-    return CreateWindowExA(0, "TestWindow", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
-                           nullptr);
-}
-
 // A window whose procedure is the handler, which must outlive it.
 inline HWND MakeWindow(const Handler& handler) {
     const WNDCLASSA windowClass = {TestProcedure, "TestWindow"};
     RegisterClassA(&windowClass);
-    const HWND window = CreateTestWindow();
+    const HWND window = CreateWindowExA(0, "TestWindow", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                        nullptr, nullptr);
     SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&handler));
     return window;
 }
@@ -100,12 +96,11 @@ inline std::vector<MSG> TakeAll() {
 // latest.
 class CWindowThread {
   public:
-    explicit CWindowThread(Handler handler = DefWindowProcA,
-                           std::function<void(HWND)> run = PumpUntilEnd)
+    explicit CWindowThread(Handler handler = DefWindowProcA, std::function<void(HWND)> run = {})
         : m_handler(std::move(handler)), m_thread([this, run = std::move(run)] {
               m_hWindow = MakeWindow(m_handler);
               SetEvent(m_ready);
-              run(m_hWindow);
+              run ? run(m_hWindow) : PumpUntil([this] { return m_bEnding.load(); });
           }) {
         WaitForSingleObject(m_ready, INFINITE);
     }
@@ -113,23 +108,17 @@ class CWindowThread {
     CWindowThread& operator=(const CWindowThread&) = delete;
     ~CWindowThread() { Join(); }
     void Join() {
-        PostMessageA(m_hWindow, WM_TEST_END, 0, 0);
+        m_bEnding = true;
+        PostMessageA(m_hWindow, WM_TEST, 0, 0);
         if (m_thread.joinable())
             m_thread.join();
     }
     operator HWND() const { return m_hWindow; }
 
   private:
-    static void PumpUntilEnd(HWND) {
-        for (MSG message{}; message.message != WM_TEST_END;) {
-            WaitForMessage(INFINITE);
-            if (Retrieve(message))
-                DispatchMessageA(&message);
-        }
-    }
-
     const Handler m_handler;
     const CTestHandle m_ready = MakeEvent(true, false);
+    std::atomic<bool> m_bEnding = false;
     HWND m_hWindow = nullptr;
     std::thread m_thread;
 };

@@ -65,19 +65,8 @@ class CSerialTest : public testing::Test {
             Sleep(1);
     }
 
-    // The reports since the last call, with the numbers of lines left out.
-    Texts Reports() {
-        Texts texts = m_log.Take();
-        for (std::string& text : texts) {
-            const std::size_t line = text.find("\tLine: ");
-            if (line != std::string::npos)
-                text.erase(line, text.find('\n', line) + 1 - line);
-        }
-        return texts;
-    }
-    static std::string Verify(const std::string& expression) {
-        return "Verify Failed!\n\tFile: Serial\n\tExp: " + expression + '\n';
-    }
+    // The reports since the last call.
+    Texts Reports() { return m_log.Take(); }
 
     // Bytes that show where they belong.
     inline static const std::string s_pattern = [] {

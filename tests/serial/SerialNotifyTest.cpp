@@ -90,7 +90,7 @@ TEST_F(CNotifyTest, OneAtATimeAndCarrierFirst) {
     m_device.Say("b");
     m_lines->SetCarrier(true);
     Sleep(kQuiet);
-    m_lines->CountFrameError();
+    ++m_lines->m_nFrameErrors;
     EXPECT_EQ(Next(3), (Told{EV_RXCHAR, EV_RLSD, EV_RXCHAR}));
     m_bReading = true;
     EXPECT_EQ(Rest(), (Told{EV_RXCHAR, EV_ERR}));
@@ -153,7 +153,7 @@ TEST_F(CNotifyTest, ClosingAtAnyMomentEndsTheThreads) {
 TEST_F(CNotifyTest, AThreadThatIsGivenUpKeepsWhatItUses) {
     m_lines->Hold(true);
     m_serial->SetModemMonitorWnd(m_window);
-    while (m_lines->TimesAsked() == 0)
+    while (m_lines->m_nAsked == 0)
         Sleep(1);
     m_wait.Reset();
     m_serial.Reset();
@@ -171,9 +171,13 @@ TEST_F(CNotifyTest, AWindowThatGoesLeavesTheThreadAtRest) {
     }
     m_device.Say("x");
     Sleep(kQuiet);
-    EXPECT_EQ(Reports(),
-              Texts{Verify("SendMessageCallback(m_hCommNotifyWnd, WM_VXCOMMNOTIFY, 0, dwEvent, "
-                           "(SENDASYNCPROC)SendAsyncProc, (DWORD)this)")});
+    const Texts reports = Reports();
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_TRUE(reports[0].starts_with("Verify Failed!\n\tLine: 1")) << reports[0];
+    EXPECT_TRUE(reports[0].ends_with(
+        "\n\tFile: Serial\n\tExp: SendMessageCallback(m_hCommNotifyWnd, WM_VXCOMMNOTIFY, 0, "
+        "dwEvent, (SENDASYNCPROC)SendAsyncProc, (DWORD)this)\n"))
+        << reports[0];
     m_serial->SetCommNotifyWnd(m_window);
     EXPECT_EQ(Rest(), Told{});
     Control(_NOTIFY_REARM);
@@ -183,7 +187,7 @@ TEST_F(CNotifyTest, AWindowThatGoesLeavesTheThreadAtRest) {
 TEST_F(CNotifyTest, ADeviceThatGoesTakesItsCarrierWithIt) {
     m_lines->SetCarrier(true);
     Enable();
-    m_lines->BreakDown();
+    m_lines->m_bBroken = true;
     m_device.CloseMaster();
     EXPECT_EQ(Next(1), Told{EV_RLSD});
     EXPECT_EQ(Rest(), Told{});

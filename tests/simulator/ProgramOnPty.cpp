@@ -1,5 +1,6 @@
 // The program itself, as a child, on the pseudo-terminal that it makes, and its command line.
 #include "tests/simulator/TestModem.h"
+#include "tests/support/PseudoTerminal.h"
 #include "tests/support/Simulator.h"
 #include "tests/support/TempFolder.h"
 
@@ -12,25 +13,14 @@ using namespace modemsim;
 
 namespace {
 
-CDescriptor OpenDevice(const std::string& path) {
-    return CDescriptor(open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-}
-
-// Types and reads until the end is seen, the device hangs up or nothing comes for a long time.
-std::string Ask(const CDescriptor& device, std::string_view text, std::string_view end) {
-    EXPECT_EQ(write(device.Get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    constexpr int kPatience = 20000;
-    std::string answer;
-    char block[4096];
-    pollfd watched{device.Get(), POLLIN, 0};
-    while (!answer.ends_with(end) && poll(&watched, 1, kPatience) > 0) {
-        const ssize_t count = read(device.Get(), block, sizeof(block));
-        if (count <= 0)
-            return answer + "<hang-up>";
-        answer.append(block, static_cast<std::size_t>(count));
+// An opener of the device.
+struct Opener : CPseudoTerminal {
+    explicit Opener(const std::string& path) : CPseudoTerminal(path, path) {}
+    void Expect(std::string_view typed, const std::string& answer) {
+        Say(typed);
+        EXPECT_EQ(Hear(answer.size()), answer);
     }
-    return answer;
-}
+};
 
 class ProgramOnPty : public testing::Test {
   protected:
@@ -66,15 +56,11 @@ TEST_F(ProgramOnPty, OpenersComeAndGoAndSignalsEndIt) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         CSimulator program(m_pump, {"--link", m_link, "--no-echo"});
         EXPECT_TRUE(program.GetPath().starts_with("/dev/pts/")) << program.GetPath();
-        for (int opener = 0; opener < 3; ++opener) {
-            CDescriptor device;
-            EXPECT_TRUE(m_pump.RunUntil([&] {
-                device = OpenDevice(m_link);
-                return bool(device);
-            }));
+        for (int count = 0; count < 3; ++count) {
+            Opener opener(m_link);
             // What the first one leaves behind would keep the others out.
-            EXPECT_TRUE(opener > 0 || ioctl(device.Get(), TIOCEXCL) == 0);
-            EXPECT_EQ(Ask(device, "AT+GMI\r", "OK\r\n"), "\r\nWirelet\r\n\r\nOK\r\n");
+            EXPECT_TRUE(count > 0 || ioctl(opener.GetMaster(), TIOCEXCL) == 0);
+            opener.Expect("AT+GMI\r", "\r\nWirelet\r\n\r\nOK\r\n");
         }
         program.Kill(number);
         EXPECT_EQ(program.AwaitExit(), 0);
@@ -93,30 +79,31 @@ TEST_F(ProgramOnPty, RefusesAnUnknownOptionAndALinkOfAnotherKind) {
 
 TEST_F(ProgramOnPty, OnceEndsWithTheLastOpener) {
     CSimulator program(m_pump, {"--once", "--link", m_link, "--messages", "1"});
-    CDescriptor first = OpenDevice(program.GetPath());
-    CDescriptor second = OpenDevice(m_link);
-    first.Reset();
-    EXPECT_EQ(Ask(second, "ATE0\r", "OK\r\n"), "ATE0\r\r\nOK\r\n");
-    EXPECT_EQ(Ask(second, "AT+CPMS=\"SM\"\r", "OK\r\n"), "\r\n+CPMS: 1,50,1,50,1,50\r\n\r\nOK\r\n");
-    second.Reset();
+    std::optional<Opener> first(program.GetPath());
+    Opener second(m_link);
+    first.reset();
+    second.Expect("ATE0\r", "ATE0\r\r\nOK\r\n");
+    second.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 1,50,1,50,1,50\r\n\r\nOK\r\n");
+    second.CloseMaster();
     EXPECT_EQ(program.AwaitExit(), 0);
     EXPECT_FALSE(IsLinkThere());
 }
 
 TEST_F(ProgramOnPty, VanishingHangsUpAndEndsIt) {
     CSimulator program(m_pump, {"--vanish-after", "12", "--no-echo", "--link", m_link});
-    const CDescriptor device = OpenDevice(program.GetPath());
-    EXPECT_EQ(Ask(device, "ATI\r", "OK\r\n"), "\r\nManufactur<hang-up>");
+    Opener device(program.GetPath());
+    device.Say("ATI\r");
+    EXPECT_EQ(device.Hear(100), "\r\nManufactur");
     EXPECT_EQ(program.AwaitExit(), 0);
     EXPECT_FALSE(IsLinkThere());
 }
 
 TEST_F(ProgramOnPty, LargePasteAndTimerComeThrough) {
     CSimulator program(m_pump,
-                       {"--split", "--ring", "0.05", "--ring-count", "1", "--dial-time", "0"});
-    const CDescriptor device = OpenDevice(program.GetPath());
-    EXPECT_EQ(Ask(device, "", "RING\r\n"), "\r\nRING\r\n");
-    Ask(device, "ATE0D1\r", "CONNECT\r\n");
-    const std::string paste = std::string(3000, 'x') + '!';
-    EXPECT_EQ(Ask(device, paste, "!"), paste);
+                       {"--split", "--ring", "0.5", "--ring-count", "1", "--dial-time", "0"});
+    Opener device(program.GetPath());
+    device.Expect("", "\r\nRING\r\n");
+    device.Expect("ATE0D1\r", "ATE0D1\r\r\nCONNECT\r\n");
+    const std::string paste(3000, 'x');
+    device.Expect(paste, paste);
 }

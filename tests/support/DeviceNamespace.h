@@ -14,7 +14,7 @@
 struct FakeInterface {
     std::string name;            // "ttyUSB0"
     std::string node;            // below /dev; a pseudo-terminal serves as well
-    std::string hardware;        // the USB device, "1-2"; empty for an on-board port
+    std::string hardware = "";   // the USB device, "1-2"; empty for an on-board port
     std::string number = "00";   // of the interface in its device
     std::string kind = "ffffff"; // class, subclass and protocol
     std::string role = "";       // what the device calls the interface

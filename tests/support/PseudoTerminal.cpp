@@ -11,6 +11,15 @@ namespace {
 
 constexpr int kPatience = 60'000; // milliseconds for what must come
 
+CDescriptor OpenFarEnd(const std::string& path) {
+    int end = -1;
+    // Exclusive use outlasts who had it by a moment.
+    while ((end = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) < 0 &&
+           errno == EBUSY)
+        usleep(1000);
+    return CDescriptor(end);
+}
+
 } // namespace
 
 CPseudoTerminal::CPseudoTerminal()
@@ -25,7 +34,7 @@ CPseudoTerminal::CPseudoTerminal()
 }
 
 CPseudoTerminal::CPseudoTerminal(const std::string& path, const std::string& farEnd)
-    : m_path(path), m_master(open(farEnd.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    : m_path(path), m_master(OpenFarEnd(farEnd)) {
     EXPECT_TRUE(m_master) << farEnd;
     termios settings{};
     if (tcgetattr(m_master.Get(), &settings) == 0) {

@@ -3,8 +3,8 @@
 // again after the time that the line needs for what is left.
 #include "CORE/VXSerial/Lib/Serial.h"
 
-#include "platform/Clock.h"
 #include "platform/Error.h"
+#include "platform/objects/Deadline.h"
 
 #include <algorithm>
 
@@ -21,40 +21,6 @@ DWORD ToMilliseconds(std::uint64_t milliseconds) {
 DWORD TransmitTime(DWORD count, DWORD baudRate) {
     return baudRate == 0 ? 0 : ToMilliseconds(count * kBitsPerByte * 1000 / baudRate);
 }
-
-// How long a wait for bytes to leave may still go on.
-class CPatience {
-  public:
-    explicit CPatience(DWORD limit) : m_dwLimit(limit) {}
-
-    // Notes how many bytes are left. Fewer than the last time: the time without progress begins
-    // anew.
-    void Look(DWORD left) {
-        if (left < m_dwLeft) {
-            m_dwTick = GetTickCount();
-            m_dwPause = 0;
-        }
-        m_dwLeft = left;
-    }
-
-    // The milliseconds left, when the limit is extended by some; 0 when they are over.
-    DWORD Remaining(DWORD extension) const {
-        const DWORD limit = ToMilliseconds(std::uint64_t{m_dwLimit} + extension);
-        return limit - std::min(limit, GetTickCount() - m_dwTick);
-    }
-
-    // How long to pause before the next look: ever longer while nothing moves.
-    DWORD Pause(DWORD atLeast) {
-        m_dwPause = std::max({ToMilliseconds(std::uint64_t{m_dwPause} * 2), atLeast, DWORD{1}});
-        return m_dwPause;
-    }
-
-  private:
-    const DWORD m_dwLimit;
-    DWORD m_dwTick = GetTickCount();
-    DWORD m_dwLeft = MAXDWORD;
-    DWORD m_dwPause = 0;
-};
 
 } // namespace
 
@@ -85,7 +51,10 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
     if (!handles[0] || !handles[1])
         return FALSE;
     const DWORD baudRate = GetLineRate();
-    CPatience patience(dwNoProgress);
+    platform::CDeadline patience(dwNoProgress);
+    DWORD left = MAXDWORD;
+    DWORD inHand = 0;
+    DWORD pause = 0;
     for (;;) {
         Pending pending = {};
         if (WaitForSingleObject(handles[0], 0) == WAIT_OBJECT_0 || !CountPending(pending))
@@ -93,14 +62,23 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
         const DWORD ours = pending.buffered + pending.inHand;
         if (ours + pending.driver == 0)
             return TRUE;
-        patience.Look(ours + pending.driver);
         // Some drivers count what they send by the piece, for each of which a slow line takes long.
-        const DWORD remaining = patience.Remaining(TransmitTime(pending.inHand, baudRate));
+        if (ours + pending.driver < left || pending.inHand != inHand) {
+            const DWORD piece = TransmitTime(pending.inHand, baudRate);
+            patience = platform::CDeadline(ToMilliseconds(std::uint64_t{dwNoProgress} + piece));
+            pause = 0;
+        }
+        left = ours + pending.driver;
+        inHand = pending.inHand;
+        const DWORD remaining = patience.Remaining();
         if (remaining == 0)
             return FALSE;
-        const DWORD pause =
-            ours == 0 ? patience.Pause(TransmitTime(pending.driver, baudRate)) : remaining;
-        if (WaitForMultipleObjects(ours == 0 ? 1 : 2, handles, FALSE, std::min(pause, remaining)) ==
+        // Nothing is signalled when the driver's own queue runs empty: the looks at it are ever
+        // rarer while nothing moves.
+        pause = std::max({ToMilliseconds(std::uint64_t{pause} * 2),
+                          TransmitTime(pending.driver, baudRate), DWORD{1}});
+        if (WaitForMultipleObjects(ours == 0 ? 1 : 2, handles, FALSE,
+                                   ours == 0 ? std::min(pause, remaining) : remaining) ==
             WAIT_FAILED)
             return FALSE;
     }

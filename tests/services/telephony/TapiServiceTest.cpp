@@ -198,9 +198,9 @@ TEST_F(CTapiServiceTest, ShutdownEndsAllAndFromAnyThread) {
     const auto check = [this](const std::function<void()>& shutDown) {
         EXPECT_EQ(m_client->Call("One"), 0);
         shutDown();
+        Dispatch();
         Restart();
         EXPECT_EQ(m_client->Call("One"), 0);
-        Dispatch();
         m_client.reset();
         Dispatch();
     };

@@ -1,5 +1,5 @@
 // The first player that starts is left to itself; whether it can play the file is not awaited.
-#include "platform/notify/SoundPlayer.h"
+#include "platform/Notification.h"
 
 #include "platform/Error.h"
 #include "platform/notify/DetachedProcess.h"
@@ -13,7 +13,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace platform {
 namespace {
 
 // The best first: those of the sound servers go where the desktop's sound goes, the last one needs
@@ -50,10 +49,13 @@ std::string FindProgram(std::string_view folders, const char* name) {
 
 } // namespace
 
-BOOL PlaySoundFile(LPCSTR path) {
-    if (!IsRegularFile(path))
-        return FailWith(ERROR_FILE_NOT_FOUND);
-    const std::string file = *path == '-' ? std::string("./") + path : path; // and no option
+BOOL sndPlaySoundA(LPCSTR lpszSound, UINT) {
+    if (lpszSound == nullptr)
+        return platform::FailWith(ERROR_INVALID_PARAMETER);
+    if (!IsRegularFile(lpszSound))
+        return platform::FailWith(ERROR_FILE_NOT_FOUND);
+    const std::string file =
+        *lpszSound == '-' ? std::string("./") + lpszSound : lpszSound; // and no option
     const char* const folders = std::getenv("PATH");
     for (const Player& player : kPlayers) {
         const std::string program = FindProgram(folders != nullptr ? folders : "", player.name);
@@ -64,10 +66,8 @@ BOOL PlaySoundFile(LPCSTR path) {
             arguments.push_back(player.quiet);
         arguments.push_back(file.c_str());
         arguments.push_back(nullptr);
-        if (StartDetached(program.c_str(), arguments.data()))
+        if (platform::StartDetached(program.c_str(), arguments.data()))
             return TRUE;
     }
-    return FailWith(ERROR_MOD_NOT_FOUND);
+    return platform::FailWith(ERROR_MOD_NOT_FOUND);
 }
-
-} // namespace platform
