@@ -24,13 +24,6 @@ TEST_F(CEndTest, SignalsAndCrashes) {
         m_program->Kill(signal);
         EXPECT_TRUE(Ends(exit)) << "signal " << signal;
     }
-    // An interrupt is no end: Ctrl+C is a key here.
-    StartColoured();
-    m_program->Kill(SIGINT);
-    Type("still there");
-    EXPECT_TRUE(DeviceGets("still there"));
-    Type(std::string("typed") + kCtrlBackslash);
-    EXPECT_TRUE(Ends());
 }
 
 TEST_F(CEndTest, StoppedForAWhile) {

@@ -212,6 +212,15 @@ CSessionTest::Result CSessionTest::Ends(int exit) {
     return shown ? IsSane() : shown;
 }
 
+CSessionTest::Result CSessionTest::EndsAsGone() {
+    if (const Result ended = EndsWith(0, kSoon); !ended)
+        return ended;
+    const std::string message = "The device " + m_device.GetPath() + " is gone";
+    const auto isTold = [&] { return m_terminal.GetOutput().find(message) != std::string::npos; };
+    const Result told = Fulfils(message.c_str(), isTold);
+    return told ? GivesTerminalBack() : told;
+}
+
 // The prompt goes the same way as the program's output did, so once it is there all of that is.
 CSessionTest::Result CSessionTest::ShowsPrompt() {
     m_terminal.SetReading(true);

@@ -78,6 +78,9 @@ class CSessionTest : public ::testing::Test {
     // The terminal is as it was before, too, and the prompt that a shell would print stands below
     // the text.
     Result Ends(int exit = 0);
+    // The end once the device is gone: soon, with a message, which need not be on the screen any
+    // more, and with the terminal's settings as before.
+    Result EndsAsGone();
 
     CPump m_pump;
     CTempFolder m_folder;
@@ -87,7 +90,7 @@ class CSessionTest : public ::testing::Test {
     std::map<std::string, std::string> m_environment; // of the program
     std::unique_ptr<CProcess> m_program;
     std::function<void()> m_work; // done in place of the program, if there is something
-    termios m_deviceBefore{}; // its settings when the program was started
+    termios m_deviceBefore{};     // its settings when the program was started
 
   private:
     ProcessOptions Options(const std::string& program, const Words& arguments) const;

@@ -1,4 +1,5 @@
-// The sessions of sessions.txt: what user, device and screen say to each other, step by step.
+// The sessions of sessions.txt and gone.txt: what user, device and screen say to each other, step
+// by step.
 #include "tests/endtoend/SessionTest.h"
 
 #include <iterator>
@@ -26,9 +27,9 @@ std::string Unescape(const std::string& text) {
     return bytes;
 }
 
-std::vector<Session> ReadSessions() {
+std::vector<Session> ReadSessions(const std::string& path) {
     std::vector<Session> sessions;
-    std::istringstream lines(ReadWholeFile(WIRELET_SESSIONS));
+    std::istringstream lines(ReadWholeFile(path));
     for (std::string line; std::getline(lines, line);) {
         const std::string verb = line.substr(0, line.find(' '));
         const std::string rest = line.substr(std::min(line.size(), verb.size() + 1));
@@ -49,7 +50,9 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
     // Unescaped, and with the paths that are meant.
     std::string Complete(std::string text) {
         const std::pair<std::string, std::string> names[] = {
-            {"DEVICE", m_device.GetPath()}, {"TERMINAL", m_terminal.GetLine().GetPath()}};
+            {"DEVICE", m_device.GetPath()},
+            {"TERMINAL", m_terminal.GetLine().GetPath()},
+            {"LOG", m_capture}};
         for (const auto& [name, path] : names)
             if (const std::size_t at = text.find(name); at != std::string::npos)
                 text.replace(at, name.size(), path);
@@ -75,6 +78,13 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
         m_device.Send(text);
         m_pump.RunUntil([this] { return m_device.IsAllSent(); });
     }
+    // A pseudo-terminal that closes takes with it what was not read yet.
+    Result IsTaken() {
+        return Fulfils("all read", [this] {
+            m_pump.RunFor(std::chrono::milliseconds(500));
+            return m_device.GetLine().CountUnread() == 0;
+        });
+    }
     bool HasWritten(Text text) { return m_terminal.GetOutput().find(text) != std::string::npos; }
 
     std::map<std::string, std::function<void(Text)>> m_actions = {
@@ -82,9 +92,11 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
          [this](Text text) { m_environment[text.substr(0, text.find('='))] = Behind('=', text); }},
         {"run", [this](Text text) { Run(text); }},
         {"commands", [this](Text text) { StartCommands(text); }},
+        {"script", [this](Text text) { StartScript(text); }},
         {"type", [this](Text text) { Type(text); }},
         {"send", [this](Text text) { Send(text); }},
         {"size", [this](Text text) { m_terminal.Resize(Numbers(text)[0], Numbers(text)[1]); }},
+        {"unplug", [this](Text) { m_device.Vanish(); }},
         {"kill", [this](Text text) { m_program->Kill(Numbers(text)[0]); }},
     };
     std::map<std::string, std::function<Result(Text)>> m_demands = {
@@ -100,9 +112,12 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
         {"written",
          [this](Text text) { return Fulfils("output", [&] { return HasWritten(text); }); }},
         {"unwritten", [this](Text text) { return Result(!HasWritten(text)); }},
+        {"taken", [this](Text) { return IsTaken(); }},
         {"eaten", [this](Text) { return Result(m_terminal.GetLine().CountUnread() == 0); }},
         {"captured", [this](Text text) { return IsSame(ReadWholeFile(m_capture), text); }},
+        {"logged", [this](Text text) { return IsSame(Decode(ReadWholeFile(m_capture)), text); }},
         {"freed", [this](Text) { return GivesTerminalBack(); }},
+        {"gone", [this](Text) { return EndsAsGone(); }},
         {"ends", [this](Text text) { return Ends(std::stoi(text)); }},
     };
 };
@@ -116,5 +131,11 @@ TEST_P(CSessionsTest, GoesAsTheFileSays) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, CSessionsTest, ::testing::ValuesIn(ReadSessions()),
-                         [](const auto& session) { return session.param.name; });
+std::string GetName(const ::testing::TestParamInfo<Session>& session) {
+    return session.param.name;
+}
+INSTANTIATE_TEST_SUITE_P(Gone, CSessionsTest,
+                         ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/gone.txt")), GetName);
+INSTANTIATE_TEST_SUITE_P(Of, CSessionsTest,
+                         ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/sessions.txt")),
+                         GetName);

@@ -22,9 +22,8 @@ class CTraceLogTest : public CSessionTest {
         ASSERT_TRUE(DeviceGets(bytes));
         m_record += '>' + bytes;
     }
-    Result LogHoldsRecord() { return IsSame(Decode(ReadWholeFile(m_log)), m_record); }
+    Result LogHoldsRecord() { return IsSame(Decode(ReadWholeFile(m_capture)), m_record); }
 
-    const std::string m_log = m_folder.GetPath("log");
     std::string m_record;
 
   private:
@@ -32,12 +31,12 @@ class CTraceLogTest : public CSessionTest {
 };
 
 TEST_F(CTraceLogTest, HoldsTheWholeSession) {
-    m_folder.Write("log", std::string(100000, 'o'));
+    m_folder.Write("capture", std::string(100000, 'o'));
     std::string everyByte;
     for (int value = 0; value < 256; ++value)
         everyByte += static_cast<char>(value == 0x1B ? 0 : value);
     for (const int signal : {0, SIGTERM, SIGHUP}) {
-        StartLogged(m_log);
+        StartLogged(m_capture);
         Sends("ATE1V1\r\r\nOK %s%n\r\n");
         TypesAndGets("AT+CGMI\r");
         Sends(everyByte + MakeLines(900));
@@ -56,7 +55,7 @@ TEST_F(CTraceLogTest, HoldsAScriptsSession) {
     StartScript("STRING a$\r\n  a$ = SendCommandGetString(\"ATI\\r\")\r\n"
                 "  WaitForString(\"last words\", 30000)\r\n  SendFile(\"" +
                     m_folder.Write("lines", MakeLines(2000)) + "\")",
-                {"-O:" + m_log});
+                {"-O:" + m_capture});
     ASSERT_TRUE(DeviceGets("ATI\r"));
     const std::string answer = "ATI\r\r\nModem\r\n\r\nOK\r\n" + MakeLines(2000) + "last words";
     m_device.Send(answer);
@@ -69,7 +68,7 @@ TEST_F(CTraceLogTest, HoldsAScriptsSession) {
 }
 
 TEST_F(CTraceLogTest, IsInTheFileWithoutAnEnd) {
-    StartLogged(m_log);
+    StartLogged(m_capture);
     Sends("received");
     TypesAndGets("typed");
     // Nothing more is sent, and still all that comes gets there, more than is kept for a send.
@@ -94,20 +93,20 @@ TEST_F(CTraceLogTest, TellsAFullDiskOnceAndGoesOn) {
 }
 
 TEST_F(CTraceLogTest, AFileThatTakesNothingHoldsOnlyTheEndUp) {
-    ASSERT_EQ(mkfifo(m_log.c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(m_capture.c_str(), 0600), 0);
     for (const bool isRead : {true, false}) {
-        StartLogged(m_log);
+        StartLogged(m_capture);
         const std::string paste(500000, 'p');
         Type(paste);
         ASSERT_TRUE(DeviceGets(paste));
         m_record += paste;
         Type(kAltF4);
-        ASSERT_TRUE(Shows("waiting for " + m_log));
+        ASSERT_TRUE(Shows("waiting for " + m_capture));
         ASSERT_TRUE(GivesTerminalBack());
         if (!isRead) {
             Type("\x03");
             EXPECT_TRUE(Ends());
-            EXPECT_GE(Screen().FindRow("Cannot write " + m_log), 0);
+            EXPECT_GE(Screen().FindRow("Cannot write " + m_capture), 0);
             break;
         }
         // Until the program has closed its end.
