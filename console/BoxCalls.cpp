@@ -1,4 +1,5 @@
-// The published calls that tell the user something on the terminal.
+// The published calls that tell the user something on the terminal. A box goes the best way there
+// is: over the screen, below the text, or, where nobody could close it, to standard error.
 #include "console/MessageBox.h"
 
 #include "console/BoxDialog.h"

@@ -1,3 +1,6 @@
+// The rows are given out from the middle: first what the text needs, then, as far as the window has
+// room, the button, the caption's bar and the blank rows; what is left over is halved above and
+// below. A text that is higher than its rows is shown by pages, and a note takes the hint's place.
 #include "console/BoxLayout.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// A line is filled character by character. It remembers where it could end, behind its last word,
+// and where the word behind that begins: when a character does not fit, that word moves on.
 #include "console/BoxText.h"
 
 #include "console/ConsoleGlyphs.h"

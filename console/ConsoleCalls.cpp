@@ -1,4 +1,5 @@
-// The published console calls.
+// The published console calls: they check what they are given and hand it on to the one session of
+// the process, which is made when the first of them needs it.
 #include "console/Console.h"
 
 #include "console/ConsoleSession.h"
@@ -31,7 +32,7 @@ template <class Object> class CImmortal {
     alignas(Object) unsigned char m_room[sizeof(Object)];
 };
 
-// At fixed addresses, without a lock or a look-up: the screen is written byte by byte.
+// At fixed addresses, so that a call needs neither a lock nor a look-up.
 CImmortal<CConsoleInput> g_input;
 CImmortal<CConsoleOutput> g_output;
 CImmortal<CConsoleSession> g_session;

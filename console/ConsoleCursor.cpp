@@ -1,3 +1,7 @@
+// While nothing is special, one position is both ours and the terminal's. Leave divides them: from
+// then on ours moves alone, and m_terminal is the terminal's, until Sync or Settle finds both in
+// one place again. A pending wrap belongs to the position: the terminal may know of it, or not
+// (kHand), when it has been elsewhere; then the line end is sent by hand.
 #include "console/ConsoleCursor.h"
 
 #include <algorithm>

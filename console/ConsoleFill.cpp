@@ -1,3 +1,5 @@
+// A fill of blanks in the terminal's own background is an erasure; any other is drawn cell by cell,
+// a row at a time, without moving our cursor.
 #include "console/ConsoleFill.h"
 
 #include "console/ConsoleGlyphs.h"

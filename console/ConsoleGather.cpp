@@ -1,3 +1,6 @@
+// A buffer that is filled at its end and written from its front. m_nLimit is how far a producer may
+// go without asking: the high-water mark at first, the whole buffer for a terminal that takes
+// nothing, 0 once output is gone, so that one comparison tells all of that.
 #include "console/ConsoleGather.h"
 
 #include "platform/Wait.h"

@@ -1,3 +1,6 @@
+// The buffer holds three stretches: what is set aside for a box, what waits to be taken, and free
+// room. A sequence that is not complete stays at the front of the second one, and the bytes that
+// are read behind it come with a time of their own: the lone ESC is judged by when it came.
 #include "console/ConsoleInput.h"
 
 #include "console/ConsoleKeyTable.h"

@@ -1,3 +1,6 @@
+// The table is a tree of bytes: each node has its first child and its next sibling, as numbers in
+// one array. Finding walks it as far as the bytes go and keeps the longest sequence that ended on
+// the way. What no branch leads to is told by its form alone.
 #include "console/ConsoleKeys.h"
 
 #include "console/Console.h"

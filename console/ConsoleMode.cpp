@@ -1,3 +1,6 @@
+// Each terminal's modes are kept twice, as found and raw, and made known to the signal handlers
+// only when they are complete. In the background nothing is touched: the terminal is somebody
+// else's.
 #include "console/ConsoleMode.h"
 
 #include "platform/terminal/TerminalDevice.h"

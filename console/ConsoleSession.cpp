@@ -1,3 +1,6 @@
+// All that a wait has to serve comes together here: the signals' descriptor and a terminal that had
+// no room are watched beside the wait's own, and what they show is acted on at once. A handler that
+// is called on the way may give the console back, so each step looks whether it still has it.
 #include "console/ConsoleSession.h"
 
 #include "console/ConsoleSignals.h"

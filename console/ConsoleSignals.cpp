@@ -1,3 +1,6 @@
+// One table tells each signal's role. The handler decides by it and by a few atomic words, and does
+// no more than what is allowed there: it notes, asks for the end, or rescues the terminal and lets
+// the former effect happen.
 #include "console/ConsoleSignals.h"
 
 #include "platform/objects/Descriptor.h"

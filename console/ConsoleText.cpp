@@ -1,3 +1,6 @@
+// Bytes that are no printable ASCII go through the decoder, one by one: what it completes is drawn
+// as its glyph, what it finds broken as the pictures of its bytes. Drawing is always the same three
+// steps: colours, cursor before the character, cursor behind it.
 #include "console/ConsoleText.h"
 
 #include <algorithm>

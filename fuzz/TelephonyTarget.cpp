@@ -2,10 +2,13 @@
 // says what is asked of it.
 #include "common/InterfacePtr.h"
 #include "fuzz/FuzzPlatform.h"
-#include "fuzz/FuzzService.h"
+#include "platform/Error.h"
+#include "platform/Registry.h"
 #include "platform/TaskMemory.h"
+#include "platform/Version.h"
 #include "telephony/Tapi.h"
 #include "telephony/TapiRecord.h"
+#include "tests/telephony/ScriptedService.h"
 
 #include <algorithm>
 #include <array>
@@ -17,11 +20,93 @@ namespace {
 constexpr int kOperations = 24; // enough to open, call, find and close a few times
 constexpr int kMostNested = 3;  // operations of a callback inside another's wait
 
+std::span<const BYTE> s_rest;
+
+constexpr std::array kResults = {
+    LINEERR_STRUCTURETOOSMALL, PHONEERR_STRUCTURETOOSMALL, LINEERR_REINIT,
+    PHONEERR_REINIT,           LINEERR_OPERATIONFAILED,    PHONEERR_OPERATIONUNAVAIL};
+constexpr BYTE kFirstFailure = 224;
+constexpr BYTE kFirstRequest = 160;
+constexpr BYTE kEverything = 0xFF;
+constexpr DWORD kForeignInstance = 0x1234; // no object is there
+
+// The next byte of the input, 0 behind its end.
+BYTE TakeByte() {
+    if (s_rest.empty())
+        return 0;
+    const BYTE byte = s_rest.front();
+    s_rest = s_rest.subspan(1);
+    return byte;
+}
+
+bool HasBytes() {
+    return !s_rest.empty();
+}
+
+// Answers run out with the input, and are then successes that tell nothing.
+class CFuzzService final : public CScriptedService {
+  public:
+    bool CanLoad(LPCSTR function) override { return function || TakeByte() != kEverything; }
+    LONG Answer(ServiceCall& call) override;
+    bool HasMessage() override { return m_bHasMessage = !m_bHasMessage; }
+    void Deliver() override;
+    void Trace(DWORD, const std::string&) override {}
+
+  private:
+    LONG TakeResult();
+
+    DWORD m_dwRequest = 0; // the newest one
+    bool m_bHasMessage = false;
+};
+
+LONG CFuzzService::TakeResult() {
+    const BYTE byte = TakeByte();
+    if (byte < kFirstRequest)
+        return 0;
+    if (byte >= kFirstFailure)
+        return kResults[byte % kResults.size()];
+    m_dwRequest = byte;
+    return byte;
+}
+
+LONG CFuzzService::Answer(ServiceCall& call) {
+    const LONG result = TakeResult();
+    for (const LPDWORD out : call.outs) {
+        const BYTE byte = out ? TakeByte() : BYTE{0};
+        if (out)
+            *out = byte == kEverything ? 0xFFFFFFFF : byte;
+    }
+    // The whole record is the service's, whatever it makes of it.
+    if (!call.record.empty()) {
+        const std::size_t wanted = std::size_t{TakeByte()} * 8;
+        const std::size_t count = std::min({wanted, call.record.size(), s_rest.size()});
+        std::ranges::copy(s_rest.first(count), call.record.begin());
+        s_rest = s_rest.subspan(count);
+    }
+    return result;
+}
+
+// The service tells something, true or not, to an object or not.
+void CFuzzService::Deliver() {
+    const Open& mine = open[TakeByte() % 4 == 3];
+    if (!mine.callback || !HasBytes())
+        return;
+    const DWORD hDevice = TakeByte();
+    const DWORD message = TakeByte() % 16;
+    const BYTE addressee = TakeByte() % 8;
+    const DWORD_PTR instances[] = {0, kForeignInstance, mine.instance};
+    const BYTE parameter = TakeByte();
+    // Small ones are call states, single bits.
+    const DWORD_PTR first = parameter < 32 ? DWORD_PTR{1} << parameter : m_dwRequest;
+    mine.callback(hDevice, message, instances[std::min<BYTE>(addressee, 2)], first,
+                  static_cast<DWORD>(TakeResult()), 0);
+}
+
 std::array<CInterfacePtr<ITapi>, 2> s_objects;
 int s_nested = 0;
 
 CInterfacePtr<ITapi>& Current() {
-    CInterfacePtr<ITapi>& object = s_objects[fuzz::TakeByte() % s_objects.size()];
+    CInterfacePtr<ITapi>& object = s_objects[TakeByte() % s_objects.size()];
     if (!object)
         CreateTapi(object.Receive(), nullptr);
     return object;
@@ -49,15 +134,15 @@ void CheckText(const std::optional<std::string_view>& text) {
 void Iterate(ITapi& tapi) {
     std::array<char, 32> name;
     name.fill('#');
-    const DWORD size = fuzz::TakeByte() % name.size();
-    const LONG status = tapi.IterateModems(name.data(), size, fuzz::TakeByte() % 2);
+    const DWORD size = TakeByte() % name.size();
+    const LONG status = tapi.IterateModems(name.data(), size, TakeByte() % 2);
     fuzz::Require(std::find(name.begin() + size, name.end(), '\0') == name.end());
     fuzz::Require(status != 0 || size == 0 || std::memchr(name.data(), 0, size) != nullptr);
 }
 
 void Find(ITapi& tapi) {
-    std::string name(fuzz::TakeByte() % 8, '\0');
-    std::ranges::generate(name, [] { return static_cast<char>(fuzz::TakeByte()); });
+    std::string name(TakeByte() % 8, '\0');
+    std::ranges::generate(name, [] { return static_cast<char>(TakeByte()); });
     DWORD device = 0;
     tapi.LineDeviceNameToID(name.c_str(), &device);
     tapi.PhoneDeviceNameToID(name.c_str(), &device);
@@ -65,7 +150,7 @@ void Find(ITapi& tapi) {
 
 void LineRecords(ITapi& tapi) {
     const auto caps = Check<LINEDEVCAPS>(
-        [&](LINEDEVCAPS** record) { return tapi.LineGetDevCaps(fuzz::TakeByte(), record); });
+        [&](LINEDEVCAPS** record) { return tapi.LineGetDevCaps(TakeByte(), record); });
     CheckText(caps ? LineNameOf(*caps) : std::nullopt);
     CheckText(caps ? DeviceTextOf(*caps) : std::nullopt);
     const auto identifier = Check<VARSTRING>(
@@ -76,7 +161,7 @@ void LineRecords(ITapi& tapi) {
 
 void PhoneRecords(ITapi& tapi) {
     const auto caps = Check<PHONECAPS>(
-        [&](PHONECAPS** record) { return tapi.PhoneGetDevCaps(fuzz::TakeByte(), record); });
+        [&](PHONECAPS** record) { return tapi.PhoneGetDevCaps(TakeByte(), record); });
     CheckText(caps ? PhoneNameOf(*caps) : std::nullopt);
     Check<PHONESTATUS>([&](PHONESTATUS** record) { return tapi.PhoneGetStatus(record); });
 }
@@ -89,12 +174,11 @@ void Edit(ITapi& tapi) {
 
 void FindKey(ITapi& tapi) {
     HKEY key = nullptr;
-    fuzz::Require(tapi.GetModemRegKey(0x01010101u * fuzz::TakeByte(), &key) == E_TAPI_FAILED);
+    fuzz::Require(tapi.GetModemRegKey(0x01010101u * TakeByte(), &key) == E_TAPI_FAILED);
 }
 
 void Listen(ITapi& tapi);
 
-using fuzz::TakeByte;
 constexpr void (*kKinds[])(ITapi&) = {
     Iterate,
     Find,
@@ -123,7 +207,7 @@ void Operate() {
 }
 
 void OnMessage(DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
-    if (s_nested >= kMostNested || !fuzz::HasBytes())
+    if (s_nested >= kMostNested || !HasBytes())
         return;
     ++s_nested;
     Operate();
@@ -137,11 +221,23 @@ void Listen(ITapi& tapi) {
 
 } // namespace
 
+LONG RegOpenKeyExA(HKEY, LPCSTR, DWORD, REGSAM, HKEY* phkResult) {
+    *phkResult = nullptr;
+    return ERROR_FILE_NOT_FOUND;
+}
+
+BOOL GetVersionExA(OSVERSIONINFOA* lpVersionInformation) {
+    lpVersionInformation->dwMajorVersion = TakeByte();
+    lpVersionInformation->dwPlatformId = TakeByte();
+    return lpVersionInformation->dwMajorVersion != kEverything;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     fuzz::BeginRun({data, size});
     {
-        const fuzz::CFuzzService service({data, size});
-        for (int count = 0; count < kOperations && fuzz::HasBytes(); ++count)
+        s_rest = {data, size};
+        const CFuzzService service;
+        for (int count = 0; count < kOperations && HasBytes(); ++count)
             Operate();
         for (CInterfacePtr<ITapi>& object : s_objects)
             object.Reset();

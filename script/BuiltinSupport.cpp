@@ -1,5 +1,6 @@
 #include "script/BuiltinSupport.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace builtins {
@@ -7,6 +8,10 @@ namespace builtins {
 bool TakeText(CVScript& script, const ScriptWord& argument, std::string& text) {
     text = script.ReadText(argument);
     return !script.HasError();
+}
+
+DWORD MillisecondsOf(const ScriptWord& argument) {
+    return static_cast<DWORD>(std::max(argument.value, 0));
 }
 
 ScriptWord KeepResult(CVScript& script, EResultBuffer buffer, std::string_view text,

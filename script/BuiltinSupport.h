@@ -15,6 +15,9 @@ inline constexpr std::size_t kMaxResultLength = CResultBuffers::kBufferSize - 1;
 // function is there for must not be done.
 bool TakeText(CVScript& script, const ScriptWord& argument, std::string& text);
 
+// The time that an argument tells; none for a negative number.
+DWORD MillisecondsOf(const ScriptWord& argument);
+
 // Puts a text, cut at 259 characters, into a result buffer, which it may itself stand in. The
 // result is the text from the given position on.
 ScriptWord KeepResult(CVScript& script, EResultBuffer buffer, std::string_view text,

@@ -6,7 +6,6 @@
 #include "script/FilePieces.h"
 #include "script/TextWatch.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace builtins {
@@ -26,10 +25,6 @@ constexpr DWORD kNoProgress = 2000;
 ScriptWord Finish(CVScript& script, std::int32_t result) {
     script.EndIfOver();
     return ScriptWord::Integer(result);
-}
-
-DWORD ToMilliseconds(const ScriptWord& word) {
-    return static_cast<DWORD>(std::max(word.value, 0));
 }
 
 // The code of the exchange. False when there was none to be had, after a report.
@@ -140,7 +135,7 @@ ScriptWord SetRetry(CVScript& script, const BuiltinArguments& arguments) {
 }
 
 ScriptWord SetTimeout(CVScript& script, const BuiltinArguments& arguments) {
-    script.Host().SetTimeout(ToMilliseconds(arguments[0]));
+    script.Host().SetTimeout(MillisecondsOf(arguments[0]));
     return Finish(script, 1);
 }
 
@@ -148,7 +143,7 @@ ScriptWord WaitForString(CVScript& script, const BuiltinArguments& arguments) {
     std::string text;
     if (!TakeText(script, arguments[0], text))
         return {};
-    const bool hasCome = WaitForText(script, text, ToMilliseconds(arguments[1]));
+    const bool hasCome = WaitForText(script, text, MillisecondsOf(arguments[1]));
     return Finish(script, hasCome ? 1 : 0);
 }
 

@@ -1,3 +1,5 @@
+// How: operands and operators are read in the engine's order with a CheckValue in place of the
+// value; where something is not known any more (isKnown), everything fits.
 #include "script/ExpressionCheck.h"
 
 #include "script/KeywordTable.h"
@@ -36,10 +38,10 @@ std::string DescribeCode(BYTE code) {
 } // namespace
 
 bool CExpressionCheck::Enter() {
-    if (++m_depth <= CScriptDepth::kMostLevels)
+    if (++m_nDepth <= CScriptDepth::kMostLevels)
         return true;
     m_findings.Add(m_cursor.Line(), ERR_MEMORY);
-    --m_depth;
+    --m_nDepth;
     return false;
 }
 
@@ -129,7 +131,7 @@ bool CExpressionCheck::ReadUnary(CheckValue& value) {
     if (code == TOKEN_NOT || code == '-' || code == '@' || code == TOKEN_AND) {
         if (!Enter())
             return false;
-        const bool isLocation = code == TOKEN_AND || m_cursor.Position() == m_locationAt;
+        const bool isLocation = code == TOKEN_AND || m_cursor.Position() == m_nLocationAt;
         const bool isRead = ReadPrefixed(value, isLocation ? TOKEN_AND : code);
         Leave();
         return isRead;
@@ -234,7 +236,7 @@ bool CExpressionCheck::ReadArguments(std::vector<CheckValue>& arguments) {
         return true;
     do {
         if (m_cursor.Peek().code == '@')
-            m_locationAt = m_cursor.Position() + 1;
+            m_nLocationAt = m_cursor.Position() + 1;
         if (!Check(arguments.emplace_back()))
             return false;
     } while (m_cursor.Accept(','));

@@ -54,7 +54,7 @@ class CExpressionCheck {
     // The levels of brackets, blocks and operators; shared with the statements. False after a
     // finding: the engine does not go so deep.
     bool Enter();
-    void Leave() { --m_depth; }
+    void Leave() { --m_nDepth; }
 
   private:
     bool ReadAssignment(CheckValue& value);
@@ -76,6 +76,6 @@ class CExpressionCheck {
     CSourceCursor& m_cursor;
     const CCheckScope& m_scope;
     CCheckFindings& m_findings;
-    std::size_t m_locationAt = 0; // of an "@" that begins an argument, the position behind
-    DWORD m_depth = 0;
+    std::size_t m_nLocationAt = 0; // of an "@" that begins an argument, the position behind
+    DWORD m_nDepth = 0;
 };

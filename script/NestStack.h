@@ -14,27 +14,27 @@ class CNestStack {
   public:
     // FALSE when ten are open already.
     bool Push(DWORD line) {
-        if (m_count == m_lines.size())
+        if (m_nCount == m_lines.size())
             return false;
-        m_lines[m_count++] = line;
+        m_lines[m_nCount++] = line;
         m_bEquality = true;
         return true;
     }
     // FALSE when none is open.
     bool Pop() {
-        if (m_count == 0)
+        if (m_nCount == 0)
             return false;
-        --m_count;
+        --m_nCount;
         return true;
     }
-    bool IsEmpty() const { return m_count == 0; }
+    bool IsEmpty() const { return m_nCount == 0; }
     // The line of the innermost one.
-    DWORD Top() const { return m_lines[m_count - 1]; }
+    DWORD Top() const { return m_lines[m_nCount - 1]; }
 
     // Whether "=" compares: from the keyword to the end of its line.
     bool m_bEquality = false;
 
   private:
     std::array<DWORD, 10> m_lines{};
-    DWORD m_count = 0;
+    DWORD m_nCount = 0;
 };

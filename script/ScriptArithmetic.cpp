@@ -24,6 +24,11 @@ DWORD Moved(const ScriptValue& left, const ScriptValue& right) {
     return Bits(Scale(left)) * Bits(right.word.value);
 }
 
+DWORD Become(ScriptValue& left, std::int32_t result) {
+    left.BecomeInteger(result);
+    return 0;
+}
+
 // Out of line, as division: without them sums and comparisons need no frame.
 [[gnu::noinline]] DWORD Subtract(ScriptValue& left, const ScriptValue& right) {
     if (left.depth == 0 || right.depth == 0) {
@@ -32,8 +37,7 @@ DWORD Moved(const ScriptValue& left, const ScriptValue& right) {
     }
     if (left.depth != right.depth)
         return ERR_POINTER;
-    left.BecomeInteger(Wrap(left.word.Location() - right.word.Location()) / Scale(left));
-    return 0;
+    return Become(left, Wrap(left.word.Location() - right.word.Location()) / Scale(left));
 }
 
 [[gnu::noinline]] DWORD Divide(ScriptValue& left, BYTE operation, std::int32_t divisor) {
@@ -42,10 +46,8 @@ DWORD Moved(const ScriptValue& left, const ScriptValue& right) {
         return ERR_DIVIDE;
     // The one quotient that does not fit wraps, and leaves nothing.
     if (divisor == -1)
-        left.BecomeInteger(operation == '/' ? Wrap(0 - Bits(dividend)) : 0);
-    else
-        left.BecomeInteger(operation == '/' ? dividend / divisor : dividend % divisor);
-    return 0;
+        return Become(left, operation == '/' ? Wrap(0 - Bits(dividend)) : 0);
+    return Become(left, operation == '/' ? dividend / divisor : dividend % divisor);
 }
 
 } // namespace
@@ -53,7 +55,6 @@ DWORD Moved(const ScriptValue& left, const ScriptValue& right) {
 DWORD ApplyOperator(ScriptValue& left, BYTE operation, const ScriptValue& right) {
     const std::int32_t first = left.word.value;
     const std::int32_t second = right.word.value;
-    std::int32_t result = 0;
     switch (operation) {
     case '+':
         left.word = ScriptWord::Integer(Wrap(Bits(first) + Moved(left, right)));
@@ -61,35 +62,24 @@ DWORD ApplyOperator(ScriptValue& left, BYTE operation, const ScriptValue& right)
     case '-':
         return Subtract(left, right);
     case TOKEN_EQ:
-        result = first == second;
-        break;
+        return Become(left, first == second);
     case TOKEN_NE:
-        result = first != second;
-        break;
+        return Become(left, first != second);
     case '<':
-        result = first < second;
-        break;
+        return Become(left, first < second);
     case '>':
-        result = first > second;
-        break;
+        return Become(left, first > second);
     case TOKEN_LE:
-        result = first <= second;
-        break;
+        return Become(left, first <= second);
     case TOKEN_GE:
-        result = first >= second;
-        break;
+        return Become(left, first >= second);
     case TOKEN_OR:
-        result = first != 0 || second != 0;
-        break;
+        return Become(left, first != 0 || second != 0);
     case TOKEN_AND:
-        result = first != 0 && second != 0;
-        break;
+        return Become(left, first != 0 && second != 0);
     case '*':
-        result = Wrap(Bits(first) * Bits(second));
-        break;
+        return Become(left, Wrap(Bits(first) * Bits(second)));
     default:
         return Divide(left, operation, second);
     }
-    left.BecomeInteger(result);
-    return 0;
 }

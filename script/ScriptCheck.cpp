@@ -46,8 +46,8 @@ void CScriptCheck::ReadFunctionLine() {
     if (m_scope.Define(name.text, symbol) == nullptr)
         m_findings.Add(name.line, ERR_DUPLICATE, name.text);
     if (name.text == "main") {
-        m_main = &name;
-        m_mainParameters = *symbol.parameters;
+        m_pMain = &name;
+        m_nMainParameters = *symbol.parameters;
     }
     SkipFunction();
 }
@@ -76,8 +76,8 @@ void CScriptCheck::SkipFunction() {
 }
 
 void CScriptCheck::CheckMain() {
-    if (m_main == nullptr)
+    if (m_pMain == nullptr)
         m_findings.Add(1, ERR_NO_MAIN);
-    else if (m_mainParameters > 0)
-        m_findings.Add(m_main->line, ERR_ARG_COUNT);
+    else if (m_nMainParameters > 0)
+        m_findings.Add(m_pMain->line, ERR_ARG_COUNT);
 }

@@ -33,6 +33,6 @@ class CScriptCheck {
     CCheckScope m_scope;
     CStatementCheck m_statements;
     std::vector<std::size_t> m_functions; // where each one's parameters begin
-    const SourceToken* m_main = nullptr;  // its name
-    std::size_t m_mainParameters = 0;
+    const SourceToken* m_pMain = nullptr; // its name
+    std::size_t m_nMainParameters = 0;
 };

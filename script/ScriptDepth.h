@@ -15,16 +15,16 @@ class CScriptDepth {
     static constexpr DWORD kMostLevels = 1000;
 
     // Converts to false after a report: this is too deep.
-    CScriptDepth(DWORD& depth, CScriptReport& report) : m_depth(depth) {
-        if (++m_depth > kMostLevels)
+    CScriptDepth(DWORD& depth, CScriptReport& report) : m_nDepth(depth) {
+        if (++m_nDepth > kMostLevels)
             report.ReportError(ERR_MEMORY, {}, CScriptReport::kNoLine);
     }
     CScriptDepth(const CScriptDepth&) = delete;
     CScriptDepth& operator=(const CScriptDepth&) = delete;
-    ~CScriptDepth() { --m_depth; }
+    ~CScriptDepth() { --m_nDepth; }
 
-    explicit operator bool() const { return m_depth <= kMostLevels; }
+    explicit operator bool() const { return m_nDepth <= kMostLevels; }
 
   private:
-    DWORD& m_depth;
+    DWORD& m_nDepth;
 };

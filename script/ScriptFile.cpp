@@ -6,8 +6,8 @@
 #include <utility>
 
 BYTE CScriptFile::ReadChar() {
-    if (m_pushedBack > 0)
-        return m_chPushBack[--m_pushedBack];
+    if (m_nPushedBack > 0)
+        return m_chPushBack[--m_nPushedBack];
     if (m_nReadPos < m_nReadCount)
         return m_buffer[m_nReadPos++];
     // A buffer that was not filled was the last one.
@@ -29,7 +29,7 @@ void CScriptFile::FillBuffer() {
         count > 0)
         m_nReadCount += count;
     const std::string_view read(reinterpret_cast<const char*>(m_buffer), m_nReadCount);
-    if (std::exchange(m_atHead, false) && read.starts_with(kByteOrderMark))
+    if (std::exchange(m_bAtHead, false) && read.starts_with(kByteOrderMark))
         m_nReadPos = static_cast<DWORD>(kByteOrderMark.size());
 }
 
@@ -40,8 +40,8 @@ BYTE CScriptFile::ReadCharSkipComment() {
     BYTE skipped = ReadChar();
     while (skipped != '\n' && skipped != kEndOfFile)
         skipped = ReadChar();
-    m_endedInComment = skipped == kEndOfFile;
-    if (m_endedInComment)
+    m_bEndedInComment = skipped == kEndOfFile;
+    if (m_bEndedInComment)
         return kEndOfFile;
     PushBack(skipped);
     return '\r';

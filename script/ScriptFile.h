@@ -28,10 +28,10 @@ class CScriptFile {
 
     // Gives a character back, to be read next. There is room for two: a comment behind a name gives
     // back its LF, then the reader of the name gives back the CR.
-    void PushBack(BYTE character) { m_chPushBack[m_pushedBack++] = character; }
+    void PushBack(BYTE character) { m_chPushBack[m_nPushedBack++] = character; }
 
     // Whether the last kEndOfFile was met inside of a comment.
-    bool EndedInComment() const { return m_endedInComment; }
+    bool EndedInComment() const { return m_bEndedInComment; }
 
   private:
     void FillBuffer();
@@ -41,7 +41,7 @@ class CScriptFile {
     DWORD m_nReadCount = kBufferSize; // a used-up full buffer asks for the first read
     DWORD m_nReadPos = kBufferSize;
     std::array<BYTE, 2> m_chPushBack{};
-    DWORD m_pushedBack = 0;
-    bool m_endedInComment = false;
-    bool m_atHead = true;
+    DWORD m_nPushedBack = 0;
+    bool m_bEndedInComment = false;
+    bool m_bAtHead = true;
 };

@@ -1,3 +1,5 @@
+// How: each kind of memory has a range of the address space of its own, far from the others, so
+// that a location tells its kind and what is left behind it by arithmetic alone.
 #include "script/ScriptMemory.h"
 
 #include <algorithm>
@@ -34,7 +36,7 @@ CScriptMemory::Span CScriptMemory::FindElsewhere(DWORD location) const {
 // The position of an array element; 0: none stands there.
 DWORD CScriptMemory::FindElement(DWORD location) const {
     const DWORD position = AreaPosition(location);
-    const bool isElement = position % 2 == 0 && position >= m_streamEnd &&
+    const bool isElement = position % 2 == 0 && position >= m_pStreamEnd &&
                            position + kWordSize <= CScriptArea::kCapacity &&
                            m_area.HomeAt(position) != 0;
     return isElement ? position : 0;

@@ -33,7 +33,7 @@ class CScriptMemory {
         : m_area(area), m_symbols(symbols), m_results(results) {}
 
     // Where the token stream ends and the writable heap begins.
-    void SetStreamEnd(DWORD position) { m_streamEnd = position; }
+    void SetStreamEnd(DWORD position) { m_pStreamEnd = position; }
 
     static constexpr DWORD AreaLocation(DWORD position) { return kAreaBase + position; }
     static constexpr DWORD SymbolLocation(DWORD symbol) {
@@ -72,10 +72,10 @@ class CScriptMemory {
     // Whether a text stands in the token stream.
     bool IsLiteral(ScriptWord text) const {
         const DWORD position = AreaPosition(text.Location());
-        return text.text && position >= CScriptArea::kStart && position < m_streamEnd;
+        return text.text && position >= CScriptArea::kStart && position < m_pStreamEnd;
     }
     // The text of no characters, a literal as well.
-    ScriptWord EmptyText() const { return ScriptWord::Text(AreaLocation(m_streamEnd - 1)); }
+    ScriptWord EmptyText() const { return ScriptWord::Text(AreaLocation(m_pStreamEnd - 1)); }
 
     // A literal that was loaded from an array element is the element's text; all else stays.
     ScriptWord ToElementText(DWORD place, ScriptWord word) const {
@@ -122,7 +122,7 @@ class CScriptMemory {
     Span Find(DWORD location) const {
         if (const DWORD position = AreaPosition(location); position >= CScriptArea::kStart)
             return {m_area.Bytes() + position, CScriptArea::kCapacity - position,
-                    position >= m_streamEnd};
+                    position >= m_pStreamEnd};
         return FindElsewhere(location);
     }
     // All but the region. Out of line: nearly all that a script reaches is there.
@@ -133,5 +133,5 @@ class CScriptMemory {
     CScriptArea& m_area;
     CSymbolTable& m_symbols;
     CResultBuffers& m_results;
-    DWORD m_streamEnd = CScriptArea::kStart;
+    DWORD m_pStreamEnd = CScriptArea::kStart;
 };

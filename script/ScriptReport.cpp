@@ -16,8 +16,8 @@ void CScriptReport::ReportError(DWORD code, std::string_view detail, std::int32_
         if (line == kNoLine) {
             text.append(message).append(" ").append(detail).append("\r\n");
         } else {
-            if (line == kCurrentLine && m_lines != nullptr)
-                line = static_cast<std::int32_t>(m_lines->CurrentLine());
+            if (line == kCurrentLine && m_pLines != nullptr)
+                line = static_cast<std::int32_t>(m_pLines->CurrentLine());
             text.append("On line: ").append(std::to_string(line)).append("\n");
             text.append(message).append("\n").append(detail);
         }

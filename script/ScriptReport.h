@@ -30,7 +30,7 @@ class CScriptReport {
     void Begin();
 
     // Who tells the current line from now on; null for nobody. The source must outlive its use.
-    void SetLineSource(const ILineSource* source) { m_lines = source; }
+    void SetLineSource(const ILineSource* source) { m_pLines = source; }
 
     // Reports an error with a detail, which may be empty, and a line number, kCurrentLine or
     // kNoLine. Only the first of a run is shown. Nothing can fail.
@@ -45,5 +45,5 @@ class CScriptReport {
     BOOL m_bError = FALSE;
     HWND m_hWndOwner;
     BOOL m_bShowErrors = TRUE;
-    const ILineSource* m_lines = nullptr;
+    const ILineSource* m_pLines = nullptr;
 };

@@ -1,3 +1,6 @@
+// How: as the tokenizer does it, over the whole text at once. What is wrong becomes a finding, and
+// a token that lets the rest of the line be read: a malformed number is a number, a text that does
+// not end is one up to the end.
 #include "script/SourceTokens.h"
 
 #include "script/KeywordTable.h"
@@ -17,7 +20,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 CSourceTokens::CSourceTokens(std::string_view source, CCheckFindings& findings)
     : m_source(source.substr(0, source.find(static_cast<char>(kEnd)))), m_findings(findings) {
     if (m_source.starts_with(kByteOrderMark))
-        m_position = kByteOrderMark.size();
+        m_nPosition = kByteOrderMark.size();
 }
 
 bool CSourceTokens::Read() {
@@ -25,11 +28,11 @@ bool CSourceTokens::Read() {
     }
     Add(TOKEN_EOF, {});
     CheckNesting();
-    return m_isNested;
+    return m_bNested;
 }
 
 BYTE CSourceTokens::Next() {
-    return m_position < m_source.size() ? static_cast<BYTE>(m_source[m_position++]) : kEnd;
+    return m_nPosition < m_source.size() ? static_cast<BYTE>(m_source[m_nPosition++]) : kEnd;
 }
 
 // A whole comment is the CR of its line's end; the LF follows.
@@ -37,8 +40,8 @@ BYTE CSourceTokens::NextSkippingComment() {
     const BYTE character = Next();
     if (character != '\'')
         return character;
-    m_position = std::min(m_source.find('\n', m_position), m_source.size());
-    if (m_position < m_source.size())
+    m_nPosition = std::min(m_source.find('\n', m_nPosition), m_source.size());
+    if (m_nPosition < m_source.size())
         return '\r';
     FailAtEnd();
     return kEnd;
@@ -49,7 +52,7 @@ bool CSourceTokens::ReadOne() {
     std::size_t start = 0;
     BYTE first = 0;
     do {
-        start = m_position;
+        start = m_nPosition;
         first = NextSkippingComment();
     } while (first == ' ' || first == '\t');
     if (first == kEnd)
@@ -65,10 +68,10 @@ bool CSourceTokens::ReadOne() {
 
 void CSourceTokens::ReadWord(BYTE first, std::size_t start) {
     if (IsWordCharacter(first))
-        while (m_position < m_source.size() &&
-               IsWordCharacter(static_cast<BYTE>(m_source[m_position])))
-            ++m_position;
-    AddWord(m_source.substr(start, m_position - start));
+        while (m_nPosition < m_source.size() &&
+               IsWordCharacter(static_cast<BYTE>(m_source[m_nPosition])))
+            ++m_nPosition;
+    AddWord(m_source.substr(start, m_nPosition - start));
 }
 
 void CSourceTokens::AddWord(std::string_view word) {
@@ -84,48 +87,48 @@ void CSourceTokens::AddWord(std::string_view word) {
     } else if (ReadNumber(word, number)) {
         Add(TOKEN_NUMBER, word, static_cast<std::int32_t>(number));
     } else if (first != '\n') {
-        m_findings.Add(m_line, ERR_CHAR, word);
+        m_findings.Add(m_nLine, ERR_CHAR, word);
         if (IsDigit(first))
             Add(TOKEN_NUMBER, word, 1);
     } else {
         // One line of another system tells about all of them.
-        if (!m_hasUnixLineEnds)
-            m_findings.Add(m_line, ERR_CHAR, "LF without CR at the end of the line");
-        m_hasUnixLineEnds = true;
-        --m_position;
+        if (!m_bUnixLineEnds)
+            m_findings.Add(m_nLine, ERR_CHAR, "LF without CR at the end of the line");
+        m_bUnixLineEnds = true;
+        --m_nPosition;
         EndLine();
     }
 }
 
 void CSourceTokens::AddDelimiter(std::string_view word) {
     BYTE code = static_cast<BYTE>(word.front());
-    if (code != '}' && m_position == m_source.size())
+    if (code != '}' && m_nPosition == m_source.size())
         return FailAtEnd();
-    const BYTE next = code == '}' ? kEnd : static_cast<BYTE>(m_source[m_position]);
+    const BYTE next = code == '}' ? kEnd : static_cast<BYTE>(m_source[m_nPosition]);
     const auto* pair = std::ranges::find_if(
         kPairs, [&](const PairRow& row) { return row.first == code && row.second == next; });
     if (pair != kPairs.end()) {
         code = pair->code;
-        ++m_position;
+        ++m_nPosition;
     }
     const bool compares = m_stacks[NEST_IF].m_bEquality || m_stacks[NEST_WHILE].m_bEquality;
     Add(code == '=' && compares ? TOKEN_EQ : code, word);
 }
 
 void CSourceTokens::ReadLiteral() {
-    const std::size_t start = m_position;
-    const DWORD line = m_line;
+    const std::size_t start = m_nPosition;
+    const DWORD line = m_nLine;
     for (BYTE character = Next(); character != '"'; character = Next()) {
         if (character == kEnd) {
             m_findings.Add(line, ERR_EOF);
             break;
         }
         if (character == '\n')
-            ++m_line;
+            ++m_nLine;
         if (character == '\\' && !ReadEscape())
             break;
     }
-    const std::size_t end = m_position - (m_position > start ? 1 : 0);
+    const std::size_t end = m_nPosition - (m_nPosition > start ? 1 : 0);
     m_tokens.push_back({TOKEN_LITERAL, line, m_source.substr(start, end - start), 0});
 }
 
@@ -143,20 +146,21 @@ bool CSourceTokens::ReadEscape() {
     if (isHex && (!ReadHexDigit(value) || !ReadHexDigit(value)))
         return true;
     if (value == 0)
-        m_findings.Add(m_line, ERR_ESCAPE);
+        m_findings.Add(m_nLine, ERR_ESCAPE);
     return true;
 }
 
 // False after a finding; what is no digit stays to be read.
 bool CSourceTokens::ReadHexDigit(DWORD& value) {
-    const BYTE digit =
-        m_position < m_source.size() ? HexValue(static_cast<BYTE>(m_source[m_position])) : BYTE{16};
+    const BYTE digit = m_nPosition < m_source.size()
+                           ? HexValue(static_cast<BYTE>(m_source[m_nPosition]))
+                           : BYTE{16};
     if (digit == 16) {
-        m_findings.Add(m_line, ERR_OUT_OF_PLACE,
-                       m_source.substr(std::min(m_position, m_source.size()), 1));
+        m_findings.Add(m_nLine, ERR_OUT_OF_PLACE,
+                       m_source.substr(std::min(m_nPosition, m_source.size()), 1));
         return false;
     }
-    ++m_position;
+    ++m_nPosition;
     value = value << 4 | digit;
     return true;
 }
@@ -164,17 +168,17 @@ bool CSourceTokens::ReadHexDigit(DWORD& value) {
 void CSourceTokens::EndLine() {
     Add(TOKEN_EOL, {});
     NextSkippingComment();
-    if (m_isBracePending) {
+    if (m_bBracePending) {
         Add('{', {});
-        m_isBracePending = false;
+        m_bBracePending = false;
         m_stacks[NEST_IF].m_bEquality = false;
         m_stacks[NEST_WHILE].m_bEquality = false;
     }
-    ++m_line;
+    ++m_nLine;
 }
 
 void CSourceTokens::Add(BYTE code, std::string_view text, std::int32_t number) {
-    m_tokens.push_back({code, m_line, text, number});
+    m_tokens.push_back({code, m_nLine, text, number});
 }
 
 void CSourceTokens::ApplyBlocks(BYTE code) {
@@ -186,17 +190,17 @@ void CSourceTokens::ApplyBlocks(BYTE code) {
     const bool isElseIf =
         code == TOKEN_IF && !m_tokens.empty() && m_tokens.back().code == TOKEN_ELSE;
     if (isElseIf)
-        m_findings.Add(m_line, ERR_OUT_OF_PLACE, "IF (ELSEIF is one word)");
+        m_findings.Add(m_nLine, ERR_OUT_OF_PLACE, "IF (ELSEIF is one word)");
     const bool isNested =
         isElseIf || rule->nesting == BlockRule::Nesting::Nothing ||
-        (rule->nesting == BlockRule::Nesting::Push ? stack.Push(m_line) : stack.Pop());
+        (rule->nesting == BlockRule::Nesting::Push ? stack.Push(m_nLine) : stack.Pop());
     if (!isNested) {
-        m_findings.Add(m_line, ERR_IF + rule->kind);
-        m_isNested = false;
+        m_findings.Add(m_nLine, ERR_IF + rule->kind);
+        m_bNested = false;
     }
     if (code == TOKEN_ELSEIF || isElseIf)
         stack.m_bEquality = true;
-    m_isBracePending = m_isBracePending || rule->opensBlock;
+    m_bBracePending = m_bBracePending || rule->opensBlock;
     if (rule->closesBlock)
         Add('}', {});
 }
@@ -205,12 +209,12 @@ void CSourceTokens::CheckNesting() {
     for (DWORD kind = 0; kind < NEST_KINDS; ++kind) {
         for (CNestStack& stack = m_stacks[kind]; !stack.IsEmpty(); stack.Pop()) {
             m_findings.Add(stack.Top(), ERR_IF + kind);
-            m_isNested = false;
+            m_bNested = false;
         }
     }
 }
 
 void CSourceTokens::FailAtEnd() {
-    m_position = m_source.size();
-    m_findings.Add(m_line, ERR_EOF);
+    m_nPosition = m_source.size();
+    m_findings.Add(m_nLine, ERR_EOF);
 }

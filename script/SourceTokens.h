@@ -49,10 +49,10 @@ class CSourceTokens {
     std::string_view m_source;
     CCheckFindings& m_findings;
     std::vector<SourceToken> m_tokens;
-    std::size_t m_position = 0;
-    DWORD m_line = 1;
+    std::size_t m_nPosition = 0;
+    DWORD m_nLine = 1;
     std::array<CNestStack, NEST_KINDS> m_stacks;
-    bool m_isBracePending = false;
-    bool m_isNested = true;
-    bool m_hasUnixLineEnds = false;
+    bool m_bBracePending = false;
+    bool m_bNested = true;
+    bool m_bUnixLineEnds = false;
 };

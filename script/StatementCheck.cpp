@@ -1,3 +1,5 @@
+// How: an expression that cannot be understood any further costs the rest of its line. Where a
+// block cannot, each Read... around it is false, up to the function, which is given up.
 #include "script/StatementCheck.h"
 
 #include "script/KeywordTable.h"
@@ -88,28 +90,43 @@ bool CStatementCheck::ReadStatement() {
         return true;
     }
     m_cursor.Take();
-    if (code == TOKEN_GOTO || code == TOKEN_EXITFOR || code == TOKEN_EXITWHILE)
+    return ReadKeyword(token);
+}
+
+// The statement behind its first code.
+bool CStatementCheck::ReadKeyword(const SourceToken& token) {
+    switch (token.code) {
+    case TOKEN_GOTO:
+    case TOKEN_EXITFOR:
+    case TOKEN_EXITWHILE:
         return true;
-    if (code == TOKEN_RETURN) {
+    case TOKEN_RETURN:
         ReadReturn();
         return true;
+    case TOKEN_IF:
+    case TOKEN_ELSEIF:
+    case TOKEN_FOR:
+    case TOKEN_WHILE:
+    case TOKEN_SELECT:
+        return ReadNested(token.code);
+    default:
+        ReportOutOfPlace(token, {});
     }
-    if (code == TOKEN_IF || code == TOKEN_ELSEIF || code == TOKEN_FOR || code == TOKEN_WHILE ||
-        code == TOKEN_SELECT) {
-        if (!m_expressions.Enter())
-            return false;
-        const bool isRead = ReadControl(code);
-        m_expressions.Leave();
-        return isRead;
-    }
-    ReportOutOfPlace(token, {});
-    if (code == TOKEN_STRING || code == TOKEN_INTEGER) {
-        CheckDeclaration(code);
+    if (token.code == TOKEN_STRING || token.code == TOKEN_INTEGER) {
+        CheckDeclaration(token.code);
         return true;
     }
     m_cursor.SkipLine();
     // Another keyword belongs to a block that is none.
-    return FindKeyword(token.text) == 0 && code != TOKEN_EOF;
+    return FindKeyword(token.text) == 0 && token.code != TOKEN_EOF;
+}
+
+bool CStatementCheck::ReadNested(BYTE code) {
+    if (!m_expressions.Enter())
+        return false;
+    const bool isRead = ReadControl(code);
+    m_expressions.Leave();
+    return isRead;
 }
 
 bool CStatementCheck::ReadControl(BYTE code) {

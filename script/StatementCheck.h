@@ -29,6 +29,8 @@ class CStatementCheck {
     bool ReadBlock();
     bool ReadBlockBody();
     bool ReadStatement();
+    bool ReadKeyword(const SourceToken& token);
+    bool ReadNested(BYTE code);
     bool ReadControl(BYTE code);
     bool ReadIf();
     bool ReadFor();

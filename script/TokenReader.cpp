@@ -1,3 +1,5 @@
+// How: the marks stand beside the stream, one for each byte, so that the text, number, name or
+// bracket at a position is found by one look.
 #include "script/TokenReader.h"
 
 #include "script/KeywordTable.h"
@@ -7,7 +9,7 @@
 #include <string_view>
 
 void CTokenReader::Prepare(BYTE* region, DWORD start, DWORD end) {
-    m_region = region;
+    m_pRegion = region;
     m_pStart = start;
     m_pEnd = end;
     m_pPos = start;
@@ -25,8 +27,8 @@ void CTokenReader::Prepare(BYTE* region, DWORD start, DWORD end) {
 }
 
 DWORD CTokenReader::NoteText(BYTE code, DWORD position) {
-    const BYTE* text = m_region + position;
-    const BYTE* end = std::find(text, static_cast<const BYTE*>(m_region + m_pEnd), BYTE{0});
+    const BYTE* text = m_pRegion + position;
+    const BYTE* end = std::find(text, static_cast<const BYTE*>(m_pRegion + m_pEnd), BYTE{0});
     const std::string_view inlineText(reinterpret_cast<const char*>(text),
                                       static_cast<std::size_t>(end - text));
     InlineText& mark = m_marks[position];
@@ -40,7 +42,7 @@ DWORD CTokenReader::NoteText(BYTE code, DWORD position) {
 
 // Each kind is counted by itself: a brace does not care for parentheses that are left open.
 void CTokenReader::NoteBracket(DWORD position) {
-    const BYTE code = m_region[position];
+    const BYTE code = m_pRegion[position];
     const bool isBrace = code == '{' || code == '}';
     if (!isBrace && code != '(' && code != ')')
         return;
@@ -70,10 +72,10 @@ void CTokenReader::SkipBalanced(BYTE open) {
 DWORD CTokenReader::LineAt(DWORD position) const {
     if (position < m_pStart || position >= m_pEnd)
         return 0;
-    while (position > m_pStart && m_region[position - 1] == TOKEN_EOL)
+    while (position > m_pStart && m_pRegion[position - 1] == TOKEN_EOL)
         --position;
-    const BYTE* const first = m_region + m_pStart;
-    const BYTE* const last = m_region + position;
+    const BYTE* const first = m_pRegion + m_pStart;
+    const BYTE* const last = m_pRegion + position;
     return 1 + static_cast<DWORD>(std::count(first, last, TOKEN_EOL));
 }
 

@@ -31,9 +31,9 @@ class CTokenReader final : public ILineSource {
     }
     // The same, not consumed; line ends before it are.
     BYTE Peek() {
-        while (m_region[m_pPos] == TOKEN_EOL)
+        while (m_pRegion[m_pPos] == TOKEN_EOL)
             ++m_pPos;
-        return m_region[m_pPos];
+        return m_pRegion[m_pPos];
     }
     // Gives back the code just read.
     void StepBack() { --m_pPos; }
@@ -49,7 +49,7 @@ class CTokenReader final : public ILineSource {
     }
     // Consumes one line end if it follows directly.
     bool AcceptEol() {
-        if (m_region[m_pPos] != TOKEN_EOL)
+        if (m_pRegion[m_pPos] != TOKEN_EOL)
             return false;
         ++m_pPos;
         return true;
@@ -82,11 +82,11 @@ class CTokenReader final : public ILineSource {
 
     // Where the next code is that is no line end, from a position on, and what it is.
     DWORD PositionOfCode(DWORD position) const {
-        while (m_region[position] == TOKEN_EOL)
+        while (m_pRegion[position] == TOKEN_EOL)
             ++position;
         return position;
     }
-    BYTE CodeAt(DWORD position) const { return m_region[position]; }
+    BYTE CodeAt(DWORD position) const { return m_pRegion[position]; }
     // The inline text of the code that Peek has just shown: what it is, and where the next code is.
     struct InlineText {
         std::int32_t payload;
@@ -95,7 +95,7 @@ class CTokenReader final : public ILineSource {
     InlineText PeekText() const { return m_marks[m_pPos + 1]; }
 
     // Makes the "@" that Peek has just shown an "&", for good.
-    void RewriteReference() { m_region[m_pPos] = TOKEN_AND; }
+    void RewriteReference() { m_pRegion[m_pPos] = TOKEN_AND; }
 
     DWORD Position() const { return m_pPos; }
     void Seek(DWORD position) { m_pPos = position; }
@@ -112,7 +112,7 @@ class CTokenReader final : public ILineSource {
 
     CNameTable& m_names;
     CScriptReport& m_report;
-    BYTE* m_region = nullptr;
+    BYTE* m_pRegion = nullptr;
     DWORD m_pStart = 0;
     DWORD m_pEnd = 0;
     DWORD m_pPos = 0;

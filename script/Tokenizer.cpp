@@ -1,3 +1,6 @@
+// How: a word is written into the stream where its token will stand, and classified there; most
+// codes then overwrite it. A closing keyword writes the "}" before itself, an opening one has the
+// "{" written at the end of its line.
 #include "script/Tokenizer.h"
 
 #include "script/KeywordTable.h"
@@ -21,7 +24,7 @@ bool CTokenizer::ApplyBlockRule(BYTE code) {
     if (code == TOKEN_ELSEIF)
         stack.m_bEquality = true;
     if (rule->opensBlock)
-        m_isBracePending = true;
+        m_bBracePending = true;
     if (rule->closesBlock) {
         m_area.Bytes()[m_pPos - 1] = '}';
         ++m_pPos;
@@ -67,7 +70,7 @@ bool CTokenizer::ReadToken(BYTE& code) {
         return false;
     m_area.Bytes()[m_pPos - 1] = code;
     if (HasInlineText(code))
-        m_pPos = m_wordEnd;
+        m_pPos = m_pWordEnd;
     return code != TOKEN_EOL || FinishLine();
 }
 
@@ -75,9 +78,9 @@ bool CTokenizer::FinishLine() {
     BYTE lineFeed = 0;
     if (!ReadSkippingComment(lineFeed))
         return false;
-    if (m_isBracePending) {
+    if (m_bBracePending) {
         m_area.Bytes()[m_pPos++] = '{';
-        m_isBracePending = false;
+        m_bBracePending = false;
         m_stacks[NEST_IF].m_bEquality = false;
         m_stacks[NEST_WHILE].m_bEquality = false;
     }
@@ -96,7 +99,7 @@ bool CTokenizer::CheckNesting() {
 }
 
 bool CTokenizer::ReadWord(bool& isLiteral) {
-    m_wordEnd = m_pPos;
+    m_pWordEnd = m_pPos;
     BYTE first = 0;
     do {
         if (!ReadSkippingComment(first))
@@ -163,7 +166,7 @@ bool CTokenizer::ReadHexDigit(BYTE& value) {
 }
 
 std::string_view CTokenizer::Word() const {
-    return {reinterpret_cast<const char*>(m_area.Bytes()) + m_pPos, m_wordEnd - 1 - m_pPos};
+    return {reinterpret_cast<const char*>(m_area.Bytes()) + m_pPos, m_pWordEnd - 1 - m_pPos};
 }
 
 BYTE CTokenizer::ClassifyWord(bool isLiteral) {
@@ -179,7 +182,7 @@ BYTE CTokenizer::ClassifyWord(bool isLiteral) {
         return TOKEN_NAME;
     if (const BYTE number = ClassifyNumber(word); number != 0)
         return number;
-    m_hasUnixLineEnds = word == "\n";
+    m_bUnixLineEnds = word == "\n";
     Fail(ERR_CHAR, word);
     return 0;
 }
@@ -204,17 +207,17 @@ BYTE CTokenizer::ClassifyNumber(std::string_view word) {
     // Never longer than the digits it replaces.
     const std::string text = EncodeNumber(value);
     std::memcpy(m_area.Bytes() + m_pPos, text.c_str(), text.size() + 1);
-    m_wordEnd = m_pPos + static_cast<DWORD>(text.size()) + 1;
+    m_pWordEnd = m_pPos + static_cast<DWORD>(text.size()) + 1;
     return TOKEN_NUMBER;
 }
 
 bool CTokenizer::Put(BYTE character) {
     // The margin behind a token is for the codes that follow it.
-    if (m_area.IsNearLimit(m_wordEnd) && !m_area.GrowArea(1)) {
+    if (m_area.IsNearLimit(m_pWordEnd) && !m_area.GrowArea(1)) {
         m_report.ReportError(ERR_TOKEN_OVERFLOW, {}, CScriptReport::kNoLine);
         return false;
     }
-    m_area.Bytes()[m_wordEnd++] = character;
+    m_area.Bytes()[m_pWordEnd++] = character;
     return true;
 }
 

@@ -30,7 +30,7 @@ class CTokenizer final : public ILineSource {
     DWORD End() const { return m_pPos; }
 
     // Whether it stopped at a line feed that follows no carriage return.
-    bool HasUnixLineEnds() const { return m_hasUnixLineEnds; }
+    bool HasUnixLineEnds() const { return m_bUnixLineEnds; }
 
     DWORD CurrentLine() const override { return m_nLine; }
 
@@ -59,8 +59,8 @@ class CTokenizer final : public ILineSource {
     CScriptFile m_file;
     DWORD m_nLine = 1;
     DWORD m_pPos = CScriptArea::kStart; // behind the code byte of the token being read
-    DWORD m_wordEnd = 0;                // behind the NUL of its text
+    DWORD m_pWordEnd = 0;               // behind the NUL of its text
     std::array<CNestStack, NEST_KINDS> m_stacks;
-    bool m_isBracePending = false;
-    bool m_hasUnixLineEnds = false;
+    bool m_bBracePending = false;
+    bool m_bUnixLineEnds = false;
 };

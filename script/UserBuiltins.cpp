@@ -8,8 +8,6 @@
 #include "platform/Notification.h"
 #include "script/BuiltinSupport.h"
 
-#include <algorithm>
-
 namespace builtins {
 namespace {
 
@@ -75,8 +73,7 @@ ScriptWord PlaySound(CVScript& script, const BuiltinArguments& arguments) {
 }
 
 ScriptWord Wait(CVScript& script, const BuiltinArguments& arguments) {
-    const auto milliseconds = static_cast<DWORD>(std::max(arguments[0].value, 0));
-    WaitPumping(milliseconds, script.Host().GetHangupHandle());
+    WaitPumping(MillisecondsOf(arguments[0]), script.Host().GetHangupHandle());
     script.EndIfOver();
     return ScriptWord::Integer(1);
 }

@@ -19,8 +19,7 @@ enum class ETapiGrowth {
     WhenRefusedForSize // only when the service has filled nothing
 };
 
-// Where a record begins: its size in bytes, when it is grown, and how a failure to get it is named
-// (what could not be allocated, what the service answered).
+// Where a record begins: its size in bytes, and when it is grown.
 struct TapiRecordRule {
     DWORD dwInitialSize;
     ETapiGrowth growth = ETapiGrowth::WhenMoreIsNeeded;
@@ -34,7 +33,7 @@ inline bool IsTooSmall(LONG lStatus, DWORD dwNeeded, DWORD dwTotal, ETapiGrowth 
 
 // Fills a record with fill(Record*), which asks the service and returns its result. Returns that
 // result with the record stored, or a negative one, which has been reported, with null stored.
-// E_TAPI_NOMEMORY also for a size beyond TAPI_RESULT_MAX.
+// E_TAPI_NOMEMORY also for a size beyond kMostResultBytes.
 template <class Record, class Fill>
 LONG ObtainResult(const TapiOperation& operation, const TapiRecordRule& rule, Record** ppResult,
                   Fill fill) {

@@ -39,8 +39,10 @@ constexpr Class ClassOf(std::size_t byte) {
 }
 
 // The same by the bytes themselves, so that each costs one look.
+using Row = std::array<Action, 256>;
+
 constexpr auto kActions = [] {
-    std::array<std::array<Action, 256>, std::size(kTransitions)> actions{};
+    std::array<Row, std::size(kTransitions)> actions{};
     for (std::size_t state = 0; state < actions.size(); ++state)
         for (std::size_t byte = 0; byte < actions[state].size(); ++byte)
             actions[state][byte] = kTransitions[state][ClassOf(byte)];
@@ -65,55 +67,56 @@ std::size_t TextLength(std::span<const BYTE> bytes) {
                   : bytes.size();
 }
 
+// Takes the bytes that begin a sequence or go on with one, and returns what the next one asks for:
+// Begin or Collect when there is none. An ESC begins one whatever the one before has left.
+Action CollectFrom(std::span<const BYTE>& bytes, CEscapeParser::Sequence& sequence, DWORD& length) {
+    const BYTE* next = bytes.data();
+    const BYTE* const end = next + bytes.size();
+    DWORD collected = length;
+    Action action = Collect;
+    for (const Row* row = &kActions[StateOf(collected)]; next != end; ++next) {
+        action = (*row)[*next];
+        if (action == Collect) {
+            sequence[collected++] = static_cast<char>(*next);
+            row = &kActions[collected < kLongestSequence ? kCollecting : kFull];
+        } else if (action == Begin) {
+            sequence[0] = '\0';
+            collected = 0;
+            row = &kActions[kBegun];
+        } else {
+            break;
+        }
+    }
+    length = collected;
+    bytes = {next, end};
+    return action;
+}
+
 } // namespace
 
 EscapeVerdict CEscapeParser::Next(std::span<const BYTE>& bytes) {
-    if (const std::size_t length = m_bCollecting ? 0 : TextLength(bytes); length != 0)
-        return {Kind::Text, Take(bytes, length)};
-    Take(bytes, CollectFrom(bytes));
-    if (bytes.empty())
-        return {Kind::Unfinished};
-    switch (kActions[StateOf(m_nLength)][bytes.front()]) {
+    if (!m_bCollecting && bytes.front() != kEscape[0])
+        return {Kind::Text, Take(bytes, TextLength(bytes))};
+    const Action action = CollectFrom(bytes, m_szSequence, m_nLength);
+    m_bCollecting = FALSE;
+    switch (action) {
     case ShowEscape:
         // The byte itself begins the text that comes next.
-        m_bCollecting = FALSE;
         return {Kind::Text, kEscape};
     case Finish:
         return {Kind::Sequence, {}, End(bytes)};
     case Abandon:
         End(bytes);
         return {Kind::Dropped};
-    default:
-        Restart(FALSE);
+    case Overflow:
         Take(bytes, 1);
+        m_nLength = 0;
+        m_szSequence[0] = '\0';
         return {Kind::Dropped};
+    default:
+        m_bCollecting = TRUE;
+        return {Kind::Unfinished};
     }
-}
-
-// Returns how many bytes there are that begin a sequence or go on with one. An ESC begins one
-// whatever the one before has left.
-std::size_t CEscapeParser::CollectFrom(std::span<const BYTE> bytes) {
-    State state = StateOf(m_nLength);
-    std::size_t count = 0;
-    for (; count < bytes.size(); ++count) {
-        const Action action = kActions[state][bytes[count]];
-        if (action == Begin) {
-            Restart(TRUE);
-            state = kBegun;
-        } else if (action == Collect) {
-            m_szSequence[m_nLength++] = static_cast<char>(bytes[count]);
-            state = m_nLength < kLongestSequence ? kCollecting : kFull;
-        } else {
-            break;
-        }
-    }
-    return count;
-}
-
-void CEscapeParser::Restart(BOOL isCollecting) {
-    m_bCollecting = isCollecting;
-    m_nLength = 0;
-    m_szSequence[0] = '\0';
 }
 
 // The last byte of a sequence.
@@ -121,7 +124,6 @@ BYTE CEscapeParser::End(std::span<const BYTE>& bytes) {
     const BYTE last = Take(bytes, 1).front();
     m_szSequence[m_nLength++] = static_cast<char>(last);
     m_szSequence[m_nLength] = '\0';
-    m_bCollecting = FALSE;
     return last;
 }
 

@@ -39,8 +39,6 @@ class CEscapeParser {
     std::string_view Parameters() const;
 
   private:
-    std::size_t CollectFrom(std::span<const BYTE> bytes);
-    void Restart(BOOL isCollecting);
     BYTE End(std::span<const BYTE>& bytes);
 
     BOOL& m_bCollecting;

@@ -1,5 +1,6 @@
 // A handle object that bytes can be read from and written to: what ReadFile, WriteFile and
-// GetOverlappedResult reach behind the handle. Nothing outside platform/ includes this header.
+// GetOverlappedResult reach behind the handle. Owned by the handle table; any thread may call any
+// operation. Nothing outside platform/ includes this header.
 #pragma once
 
 #include "platform/File.h"

@@ -18,6 +18,8 @@ TEST(ConsoleColours, EveryAttributeArrives) {
         const int attribute = step * 37 & 0x3FF; // from one to a quite different one
         console.output.SetPosition({3, 1});
         console.output.SetAttribute(static_cast<WORD>(attribute));
+        if (console.output.EnterAlternate()) // brings back what was there
+            console.output.Alternate().Leave();
         console.Write("x");
         console.Show();
         const VTermScreenCell cell = console.GetScreen().GetCell(1, 3);

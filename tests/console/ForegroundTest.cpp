@@ -40,7 +40,7 @@ TEST_F(ForegroundTest, AWaitForAKeyInTheBackgroundStopsUntilTheTerminalIsThere) 
 }
 
 TEST_F(ForegroundTest, ASignalEndsWhatStoppedInTheBackground) {
-    StartShell("job; kill -TERM $!; kill -CONT $!; wait -f $!");
+    StartShell("job; kill -TERM $!; kill -CONT $!; while kill -0 $!; do sleep 0.02; done; wait $!");
     EXPECT_TRUE(EndsWith(0));
     EXPECT_TRUE(GivesTerminalBack());
 }

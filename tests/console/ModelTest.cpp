@@ -10,6 +10,13 @@ constexpr std::string_view kPieces[] = {
     "\xFF", "e\u0301", "\xE2\x82", "\b\b", "\u2500", "hello world", "\u4E2D", "\U0001F600"};
 constexpr int kWide = 2; // the last two
 
+// Over the text; it is there again afterwards.
+void ShowBox(platform::CConsoleOutput& output) {
+    EXPECT_TRUE(output.EnterAlternate() && output.Alternate().Clear() &&
+                output.Alternate().Draw(0, 1, "box", true));
+    output.Alternate().Leave();
+}
+
 class CRandomOutput {
   public:
     CRandomOutput(int columns, int rows, unsigned seed)
@@ -34,8 +41,10 @@ class CRandomOutput {
                 console->Write(text);
             else if (choice < 20)
                 console->output.SetPosition(place);
-            else if (choice < 22)
+            else if (choice < 21)
                 console->output.SetAttribute(colour);
+            else if (choice < 22)
+                ShowBox(console->output);
             else if (fill < 2)
                 console->Fill(0, 0, m_nColumns * m_nRows, fillColour);
             else

@@ -1,5 +1,5 @@
 // The debug module that is installed: its lines, and where they go.
-#include "diagnostics/Debug.h"
+#include "diagnostics/ModuleTrace.h"
 #include "tests/support/DeviceNamespace.h"
 #include "tests/support/Pipe.h"
 #include "tests/support/PseudoTerminal.h"
@@ -21,14 +21,6 @@
 namespace {
 
 using namespace std::string_literals;
-
-BOOL Print(CVDebug& debug, DWORD level, LPCSTR format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    const BOOL taken = debug.Print(level, format, arguments);
-    va_end(arguments);
-    return taken;
-}
 
 // What is there at the moment, which is something.
 std::string ReadSome(int descriptor) {
@@ -65,36 +57,42 @@ std::string WithoutTimes(const std::string& text) {
 
 class CDebugLogTest : public ::testing::Test {
   protected:
-    ~CDebugLogTest() override { unsetenv("VXDEBUG_FILE"); }
-    void UseFile(const std::string& path) { setenv("VXDEBUG_FILE", path.c_str(), 1); }
+    ~CDebugLogTest() override {
+        unsetenv("VXDEBUG_FILE");
+        g_AppDebug.Unload();
+    }
+    static void Load(const std::string& file) {
+        setenv("VXDEBUG_FILE", file.c_str(), 1);
+        g_AppDebug.Unload();
+        EXPECT_TRUE(g_AppDebug.Load());
+        DebugSetModuleName("test");
+    }
 
     CTempFolder m_folder;
 };
 
 TEST_F(CDebugLogTest, WritesLinesUnderTheNamesOfBothObjects) {
     const std::string file = m_folder.GetPath("log");
-    UseFile(file);
-    {
-        CVDebug application(nullptr);
-        CVDebug telephony(nullptr);
-        application.SetModuleName("Mobile Wirelet");
-        telephony.SetModuleName("VXTapi");
-        EXPECT_TRUE(Print(application, 8, "CVModem::Open() - %s = %d\n", "/dev/x", 1));
-        EXPECT_TRUE(Print(telephony, 1, "failed returning %#08lx", 0x80000048UL));
-        EXPECT_TRUE(Print(application, 8, "->%s", "AT\r\nO\tK \x1B[2J\x7F\x9B\\ 100%n\n\n"));
-        application.SetModuleName("a\nb");
-        EXPECT_TRUE(Print(application, 5, "\n"));
-        EXPECT_TRUE(Print(application, 5, "%s", std::string(5000, '\x01').c_str()));
-    }
+    Load(file);
+    g_TapiDebug.Load();
+    g_TapiDebug.SetModuleName("VXTapi");
+    EXPECT_TRUE(DebugTrace("CVModem::Open() - %s = %d\n", "/dev/x", 1));
+    EXPECT_TRUE(DebugError("failed returning %#08lx", 0x80000048UL));
+    EXPECT_TRUE(DebugTrace("->%s", "AT\r\nO\tK \x1B[2J\x7F\x9B\\ 100%n\n\n"));
+    DebugSetModuleName("a\nb");
+    EXPECT_TRUE(DebugTrace("\n"));
+    EXPECT_TRUE(DebugTrace("%s", std::string(5000, '\x01').c_str()));
+    g_TapiDebug.Unload();
+    g_AppDebug.Unload();
     std::string longest;
     for (int count = 0; count < 511; ++count)
         longest += "\\x01";
     EXPECT_EQ(WithoutTimes(ReadWholeFile(file)),
-              "T trace Mobile Wirelet: CVModem::Open() - /dev/x = 1\n"
-              "T error VXTapi: failed returning 0x80000048\n"
-              "T trace Mobile Wirelet: ->AT\\r\n    O\\tK \\x1b[2J\\x7f\\x9b\\\\ 100%n\n"
-              "T level 5 a\n    b: \n"
-              "T level 5 a\n    b: " +
+              "T trace test: CVModem::Open() - /dev/x = 1\n"
+              "T error test: failed returning 0x80000048\n"
+              "T trace test: ->AT\\r\n    O\\tK \\x1b[2J\\x7f\\x9b\\\\ 100%n\n"
+              "T trace a\n    b: \n"
+              "T trace a\n    b: " +
                   longest + '\n');
     struct stat status {};
     ASSERT_EQ(stat(file.c_str(), &status), 0);
@@ -108,24 +106,23 @@ TEST_F(CDebugLogTest, WritesLinesUnderTheNamesOfBothObjects) {
 
 TEST_F(CDebugLogTest, AFileThatCannotBeWrittenFallsBackToStandardError) {
     for (const std::string& path : {std::string("/dev/full"), m_folder.GetPath("missing/log")}) {
-        UseFile(path);
-        CVDebug debug("test");
+        Load(path);
         Pipe pipe;
         const CStandardError standardError(pipe.writer.Get());
-        EXPECT_TRUE(Print(debug, 8, "text"));
+        EXPECT_TRUE(DebugTrace("text"));
         EXPECT_EQ(WithoutTimes(ReadSome(pipe.reader.Get())), "T trace test: text\n") << path;
 
         // A full pipe and one without a reader neither stop nor end the program.
         for (int count = 0; count < 5000; ++count)
-            Print(debug, 8, "fills the pipe");
+            DebugTrace("fills the pipe");
         pipe.reader.Reset();
         signal(SIGPIPE, SIG_DFL);
-        Print(debug, 8, "lost");
+        DebugTrace("lost");
 
         // A terminal is left alone.
         CPseudoTerminal terminal;
         const CStandardError standardTerminal(terminal.GetSlave());
-        Print(debug, 1, "not shown");
+        DebugError("not shown");
         EXPECT_EQ(terminal.Read(100), "");
     }
 }
@@ -133,23 +130,23 @@ TEST_F(CDebugLogTest, AFileThatCannotBeWrittenFallsBackToStandardError) {
 TEST_F(CDebugLogTest, GoesToTheJournalAsFarAsThereIsOne) {
     if (const std::string& problem = CDeviceNamespace::Enter(); !problem.empty())
         GTEST_SKIP() << problem;
-    CVDebug debug("test");
+    Load("");
     Pipe pipe;
     const CStandardError standardError(pipe.writer.Get());
-    Print(debug, 1, "too early");
+    DebugError("too early");
     EXPECT_EQ(WithoutTimes(ReadSome(pipe.reader.Get())), "T error test: too early\n");
 
     const sockaddr_un address = {AF_UNIX, "/run/systemd/journal/socket"};
     std::filesystem::create_directories("/run/systemd/journal");
     const CDescriptor journal(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ASSERT_EQ(bind(journal.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    Print(debug, 8, "text\nPRIORITY=1");
+    DebugTrace("text\nPRIORITY=1");
     EXPECT_EQ(ReadSome(journal.Get()), "MESSAGE\n\x19"s + std::string(7, '\0') +
                                            "test: text\n    PRIORITY=1\nPRIORITY=7\n"
                                            "SYSLOG_IDENTIFIER=wirelet\n");
     // One that has stopped does not stop the program.
     for (int count = 0; count < 2000; ++count)
-        Print(debug, 8, "fills its queue");
+        DebugTrace("fills its queue");
 }
 
 } // namespace

@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 
-using platform::CDescriptor;
-
 namespace {
 
 // Stands for the console: output that its terminal does not take, and a source of control events.
@@ -33,7 +31,7 @@ class CFakeCompanion final : public platform::IWaitCompanion {
     int m_nServed = 0;
 
   private:
-    CDescriptor m_control{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+    platform::CDescriptor m_control{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 };
 
 } // namespace
@@ -43,8 +41,8 @@ TEST(Companion, WorksOnceAndOnlyBeforeAWaitBlocks) {
     CFakeCompanion companion;
     const CTestHandle ready = MakeEvent(true, true);
     const CTestHandle silent = MakeEvent(true, false);
-    const HANDLE handles[] = {silent, ready};
     companion.Raise();
+    const HANDLE handles[] = {silent, ready};
     EXPECT_EQ(WaitForMultipleObjects(2, handles, FALSE, INFINITE), WAIT_OBJECT_0 + 1);
     EXPECT_EQ(companion.m_nServed, 1) << "served in waits that need not block, too";
     companion.Raise();

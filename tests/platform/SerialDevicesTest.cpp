@@ -19,21 +19,24 @@ TEST(SerialDevices, AreThoseWithHardwareAndNoConsoles) {
         const char* type = "";
         const char* console = "";
     } rows[] = {
-        {"ttyS0", true, "4", "N"}, {"ttyS1", true, "0", "N"}, // probed, nothing found
-        {"ttyS3", true, "4", "Y"},                            // the kernel's own console
-        {"ttyS11", true, "16"},    {"ttyAMA0", true, "32", "N"},
-        {"ttyUSB10", true},        {"ttyUSB9", true},
-        {"ttyACM0", true},         {"tty7", false},
-        {"ptmx", false},           {"hvc0", true},
+        {"ttyS0", true, "4\n", "N\n"},
+        {"ttyS1", true, "0\n", "N\n"}, // probed, nothing found
+        {"ttyS3", true, "4", "Y"},     // the kernel's own console
+        {"ttyS11", true, "16"},
+        {"ttyAMA0", true, "32", "N"},
+        {"ttyUSB10", true},
+        {"ttyUSB9", true},
+        {"ttyACM0", true},
+        {"tty7", false},
+        {"ptmx", false},
+        {"hvc0", true},
     };
     const CTempFolder sysfs;
     for (const auto& [name, hasDevice, type, console] : rows) {
         const std::string folder = name;
         std::filesystem::create_directories(sysfs.GetPath(folder + (hasDevice ? "/device" : "")));
-        if (*type != 0)
-            sysfs.Write(folder + "/type", std::string(type) + '\n');
-        if (*console != 0)
-            sysfs.Write(folder + "/console", std::string(console) + '\n');
+        sysfs.Write(folder + "/type", type);
+        sysfs.Write(folder + "/console", console);
     }
     std::vector<std::string> ports;
     for (const platform::SerialDevice& device : platform::ListSerialDevices(sysfs.GetPath("")))

@@ -34,21 +34,21 @@ class CDeviceBuiltins : public testing::Test {
         return sent;
     }
 
+    std::string WaitFor(const std::string& text, int milliseconds) {
+        return Run("SendString(String(WaitForString(\"" + text + "\", " +
+                   std::to_string(milliseconds) + ")))");
+    }
+
     CTempFolder m_folder;
     CSubstituteSerial m_serial{CSubstituteSerial::Kind::Waitable};
     CTestModem m_modem{&m_serial};
     bool m_bDeviceGone = false;
 };
 
-const std::string kWaitForOk = "SendString(String(WaitForString(\"OK\", 60000)))";
-
 TEST_F(CDeviceBuiltins, WaitForStringLeavesWhatComesBehindTheText) {
     m_serial.m_reads = {std::string("O\r\nOO\0Kre", 9), "st"};
-    EXPECT_EQ(Run(kWaitForOk), "1");
-    char rest[10] = {};
-    DWORD count = 0;
-    EXPECT_TRUE(m_modem.Read(rest, sizeof rest, count));
-    EXPECT_STREQ(rest, "re");
+    EXPECT_EQ(WaitFor("OK", 60000), "1");
+    EXPECT_EQ(WaitFor("rest", 60000), "1");
 }
 
 TEST_F(CDeviceBuiltins, WaitForStringBlocksUntilBytesOrTheDeadline) {
@@ -58,13 +58,12 @@ TEST_F(CDeviceBuiltins, WaitForStringBlocksUntilBytesOrTheDeadline) {
         Sleep(50);
         m_serial.Arrive("K");
     });
-    EXPECT_EQ(Run(kWaitForOk), "1");
+    EXPECT_EQ(WaitFor("OK", 60000), "1");
     device.join();
     EXPECT_LE(m_serial.m_nReads, 5);
-    EXPECT_EQ(Run("SendString(String(WaitForString(\"OK\", 50)))"), "0");
+    EXPECT_EQ(WaitFor("OK", 50), "0");
     m_serial.m_endlessRead = "x";
-    EXPECT_EQ(Run("SendString(String(WaitForString(\"OK\", 50)))"), "0");
-    EXPECT_EQ(Run("SendString(String(WaitForString(\"x\", -1)))"), "0");
+    EXPECT_EQ(WaitFor("OK", 50) + WaitFor("x", -1), "00");
     EXPECT_FALSE(m_bDeviceGone);
 }
 
@@ -132,10 +131,21 @@ TEST_F(CDeviceBuiltins, WhatWasSentLeavesBeforeACommand) {
                                         "flush 1", "flush 2", "write C"}));
 }
 
-TEST_F(CDeviceBuiltins, SendFileLeavesOutWhatFollowsANul) {
-    const std::string file = m_folder.Write("file", std::string("ab\0cd\nef\n\0\ngh", 13));
-    EXPECT_EQ(Run("SendString(String(SendFile(p$)))", file), "abef\ngh1");
-    EXPECT_EQ(Run("SendString(String(SendFile(p$)))", m_folder.GetPath("")), "0");
+TEST_F(CDeviceBuiltins, SendFileSendsPiecesUpToANul) {
+    const std::string sends = "SendString(String(SendFile(p$)))";
+    const std::string line(255, 'x');
+    const std::string content = "a\r\n\nb" + line + '\n' + line + line + "\nab";
+    const std::string nuls("\0cd\nef\n\0\ngh", 11);
+    Run(sends, m_folder.Write("file", content + nuls + std::string(5000, 'y')));
+    std::vector<std::string> pieces = {
+        "a\r\n", "\n", 'b' + line.substr(1),        "x\n", line, line, "\n", "ab",
+        "ef\n",  "",   "gh" + std::string(253, 'y')};
+    pieces.insert(pieces.end(), 18, std::string(255, 'y'));
+    pieces.insert(pieces.end(), {std::string(157, 'y'), "1"});
+    for (std::string& piece : pieces)
+        piece.insert(0, "write ");
+    EXPECT_EQ(m_serial.m_calls, pieces);
+    EXPECT_EQ(Run(sends, m_folder.GetPath("")) + Run(sends, m_folder.GetPath("missing")), "00");
 }
 
 TEST_F(CDeviceBuiltins, PlaySoundAsksForTheFileAlone) {

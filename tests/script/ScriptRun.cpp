@@ -16,16 +16,15 @@ CScriptRun* s_run = nullptr; // the one that is told what the user sees
 std::string Escape(std::string_view bytes) {
     std::string escaped;
     for (std::size_t index = 0; index < bytes.size(); ++index) {
-        const auto byte = static_cast<unsigned char>(bytes[index]);
+        const char byte = bytes[index];
         const bool isLast = index + 1 == bytes.size();
-        char code[8] = {bytes[index]};
-        if (byte == '\r' || byte == '\n' || byte == '\\')
-            std::snprintf(code, sizeof code, "\\%c",
-                          byte == '\r'   ? 'r'
-                          : byte == '\n' ? 'n'
-                                         : '\\');
+        char code[8] = {byte};
+        if (byte == '\\')
+            code[1] = byte;
+        else if (byte == '\r' || byte == '\n')
+            std::snprintf(code, sizeof code, byte == '\r' ? "\\r" : "\\n");
         else if (byte < ' ' || byte > '~' || (byte == ' ' && isLast))
-            std::snprintf(code, sizeof code, "\\x%02X", byte);
+            std::snprintf(code, sizeof code, "\\x%02X", static_cast<BYTE>(byte));
         escaped += code;
     }
     return escaped;
@@ -41,13 +40,11 @@ int MessageBoxA(HWND, LPCSTR lpText, LPCSTR lpCaption, UINT uType) {
 }
 
 BOOL MessageBeep(UINT) {
-    s_run->Record("beep");
-    return TRUE;
+    return s_run->Record("beep");
 }
 
 BOOL sndPlaySoundA(LPCSTR lpszSound, UINT) {
-    s_run->Record("sound", lpszSound);
-    return TRUE;
+    return s_run->Record("sound", lpszSound);
 }
 
 CScriptRun::CScriptRun(std::deque<std::string> inputs) : m_inputs(std::move(inputs)) {
@@ -71,23 +68,25 @@ bool CScriptRun::IsInput(std::string_view line) {
 }
 
 // The input, if it is the next one and of this kind, goes into the record, too.
-bool CScriptRun::TakeInput(std::string_view kind, std::string& rest) {
+bool CScriptRun::TakeInput(std::string_view kind) {
     if (m_inputs.empty() || !m_inputs.front().starts_with(kind))
         return false;
-    rest = m_inputs.front().substr(kind.size());
+    m_taken = m_inputs.front().substr(kind.size());
     m_record += m_inputs.front() + '\n';
     m_inputs.pop_front();
     return true;
 }
 
-void CScriptRun::Record(std::string_view event, std::string_view bytes) {
+BOOL CScriptRun::Record(std::string_view event, std::string_view bytes) {
     m_record.append(event).append(bytes.empty() ? "" : " ").append(Escape(bytes)).append("\n");
+    return TRUE;
 }
 
 void CScriptRun::RecordBox(LPCSTR text, LPCSTR caption, UINT type) {
     if (caption == nullptr && type == (MB_ICONEXCLAMATION | MB_OK)) {
         ++m_nReports;
-        return Record("report", text);
+        Record("report", text);
+        return;
     }
     const bool isPlain = caption != nullptr && type == (MB_ICONINFORMATION | MB_OK);
     m_record.append(isPlain ? "box \"" : "strange box \"")
@@ -99,37 +98,20 @@ BOOL CScriptRun::SendCommandGetResponse(LPCSTR command, DWORD& code, std::string
     if (std::exchange(m_nRetrySeen, m_nRetry) != m_nRetry)
         Record("retry", std::to_string(m_nRetry));
     Record("command>", command);
-    std::string answer;
-    if (!TakeInput("answer ", answer))
+    if (!TakeInput("answer "))
         return FALSE;
-    code = static_cast<DWORD>(std::stoul(answer));
-    response = answer.substr(std::min(answer.find(' '), answer.size() - 1) + 1);
+    code = static_cast<DWORD>(std::stoul(m_taken));
+    response = m_taken.substr(std::min(m_taken.find(' '), m_taken.size() - 1) + 1);
     return TRUE;
 }
 
 BOOL CScriptRun::Read(LPVOID buffer, DWORD, DWORD& count) {
-    count = 0;
-    if (m_received.empty())
-        TakeInput("device< ", m_received);
-    if (m_received.empty())
-        return FALSE;
-    *static_cast<char*>(buffer) = m_received.front();
-    m_received.erase(0, 1);
-    count = 1;
-    return TRUE;
-}
-
-BOOL CScriptRun::WaitForBytes(const platform::CDeadline&) {
-    return FALSE;
-}
-
-BOOL CScriptRun::SendString(LPCSTR text) {
-    Record("device>", text);
-    return TRUE;
-}
-
-void CScriptRun::SetDtrRts(BOOL on) {
-    Record("dtr", on ? "1" : "0");
+    if (m_received.empty() && TakeInput("device< "))
+        m_received = m_taken;
+    count = m_received.empty() ? 0 : 1;
+    m_received.copy(static_cast<char*>(buffer), count);
+    m_received.erase(0, count);
+    return count != 0;
 }
 
 BOOL CScriptRun::SetDataFormat(DWORD baudRate, DWORD parity, DWORD byteSize, DWORD stopBits) {
@@ -143,13 +125,4 @@ BOOL CScriptRun::SetDataFormat(DWORD baudRate, DWORD parity, DWORD byteSize, DWO
 BOOL CScriptRun::GetBaudRate(DWORD& baudRate) {
     baudRate = kBaudRate;
     return TRUE;
-}
-
-void CScriptRun::SetTimeout(DWORD milliseconds) {
-    Record("timeout", std::to_string(milliseconds));
-}
-
-BOOL CScriptRun::IsDeviceGone() {
-    std::string rest;
-    return TakeInput("gone", rest);
 }

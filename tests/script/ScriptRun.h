@@ -36,22 +36,26 @@ class CScriptRun final : public CVModem {
 
     BOOL SendCommandGetResponse(LPCSTR command, DWORD& code, std::string& response) override;
     BOOL Read(LPVOID buffer, DWORD capacity, DWORD& count) override;
-    BOOL SendString(LPCSTR text) override;
-    void SetDtrRts(BOOL on) override;
+    BOOL SendString(LPCSTR text) override { return Record("device>", text); }
+    void SetDtrRts(BOOL on) override { Record("dtr", on ? "1" : "0"); }
     BOOL SetDataFormat(DWORD baudRate, DWORD parity, DWORD byteSize, DWORD stopBits) override;
     BOOL GetBaudRate(DWORD& baudRate) override;
-    void SetTimeout(DWORD milliseconds) override;
-    BOOL IsDeviceGone() override;
-    BOOL WaitForBytes(const platform::CDeadline& deadline) override;
+    void SetTimeout(DWORD milliseconds) override {
+        Record("timeout", std::to_string(milliseconds));
+    }
+    BOOL IsDeviceGone() override { return TakeInput("gone"); }
+    BOOL WaitForBytes(const platform::CDeadline&) override { return FALSE; }
 
-    void Record(std::string_view event, std::string_view bytes = {});
+    // TRUE, as what is recorded succeeds.
+    BOOL Record(std::string_view event, std::string_view bytes = {});
     void RecordBox(LPCSTR text, LPCSTR caption, UINT type);
 
   private:
-    bool TakeInput(std::string_view kind, std::string& rest);
+    bool TakeInput(std::string_view kind);
 
     CVScript m_script;
     std::deque<std::string> m_inputs;
+    std::string m_taken;    // the latest input, without its kind
     std::string m_received; // of the device's bytes, those still to be read
     std::string m_record;
     int m_nRetrySeen = m_nRetry;

@@ -52,6 +52,7 @@ TEST_F(CSerialTest, ClosingLeavesNothingBehind) {
         EXPECT_EQ(Write("still open"), 10u);
         EXPECT_EQ(m_device.Hear(10), "still open");
         EXPECT_TRUE(m_serial->Close());
+        EXPECT_EQ(m_wait->GetProgressEvent(), nullptr);
         EXPECT_TRUE(m_device.GetSettings() == found);
         AwaitThreads(0);
         // The first time makes what stays for the process.

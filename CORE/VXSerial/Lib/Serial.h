@@ -92,6 +92,7 @@ class CVSerial final : public CVComponent,
         DWORD buffered; // in the transmit buffer
         DWORD inHand;   // in the write thread's hands
         DWORD driver;   // in the driver's output queue
+        DWORD Count() const { return buffered + inHand + driver; }
     };
 
     // Configuration; the port lock is held.

@@ -51,35 +51,32 @@ BOOL CVSerial::Drain(DWORD dwNoProgress) {
     if (!handles[0] || !handles[1])
         return FALSE;
     const DWORD baudRate = GetLineRate();
-    platform::CDeadline patience(dwNoProgress);
-    DWORD left = MAXDWORD;
-    DWORD inHand = 0;
+    platform::CDeadline deadline(dwNoProgress);
+    Pending former = {MAXDWORD, 0, 0};
     DWORD pause = 0;
     for (;;) {
         Pending pending = {};
         if (WaitForSingleObject(handles[0], 0) == WAIT_OBJECT_0 || !CountPending(pending))
             return FALSE;
-        const DWORD ours = pending.buffered + pending.inHand;
-        if (ours + pending.driver == 0)
+        if (pending.Count() == 0)
             return TRUE;
-        // Some drivers count what they send by the piece, for each of which a slow line takes long.
-        if (ours + pending.driver < left || pending.inHand != inHand) {
-            const DWORD piece = TransmitTime(pending.inHand, baudRate);
-            patience = platform::CDeadline(ToMilliseconds(std::uint64_t{dwNoProgress} + piece));
+        if (pending.Count() < former.Count() || pending.inHand != former.inHand) {
+            // Some drivers count what they send by the piece, for each of which a slow line takes
+            // long.
+            const DWORD extension = TransmitTime(pending.inHand, baudRate);
+            deadline = platform::CDeadline(ToMilliseconds(std::uint64_t{dwNoProgress} + extension));
             pause = 0;
         }
-        left = ours + pending.driver;
-        inHand = pending.inHand;
-        const DWORD remaining = patience.Remaining();
+        former = pending;
+        const DWORD remaining = deadline.Remaining();
         if (remaining == 0)
             return FALSE;
-        // Nothing is signalled when the driver's own queue runs empty: the looks at it are ever
-        // rarer while nothing moves.
-        pause = std::max({ToMilliseconds(std::uint64_t{pause} * 2),
-                          TransmitTime(pending.driver, baudRate), DWORD{1}});
-        if (WaitForMultipleObjects(ours == 0 ? 1 : 2, handles, FALSE,
-                                   ours == 0 ? std::min(pause, remaining) : remaining) ==
-            WAIT_FAILED)
+        // The driver's own queue is looked at ever less often while nothing moves.
+        const bool isOurs = pending.driver != pending.Count();
+        pause =
+            isOurs ? 0 : std::max({pause * 2, TransmitTime(pending.driver, baudRate), DWORD{1}});
+        const DWORD longest = isOurs ? remaining : std::min(pause, remaining);
+        if (WaitForMultipleObjects(isOurs ? 2 : 1, handles, FALSE, longest) == WAIT_FAILED)
             return FALSE;
     }
 }
