@@ -3,7 +3,6 @@
 // second depend on the machine and its load.
 
 #include "bench/Payload.h"
-#include "tests/support/ByteQueue.h"
 #include "tests/support/Process.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TempFolder.h"
@@ -15,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <poll.h>
+#include <string_view>
 
 namespace {
 
@@ -62,7 +62,11 @@ class CStation {
                 m_screen.GetSlave(), m_screen.GetPath()};
     }
 
-    void Send(const std::string& bytes) { m_unsent.Append(bytes); }
+    // What was sent before has arrived.
+    void Send(std::string bytes) {
+        m_sent = std::move(bytes);
+        m_unsent = m_sent;
+    }
 
     void Await(const std::string& mark) {
         std::string seen;
@@ -70,7 +74,7 @@ class CStation {
             std::array<pollfd, 2> sides = {
                 pollfd{m_screen.GetMaster(), POLLIN, 0},
                 pollfd{m_device.GetMaster(),
-                       static_cast<short>(m_unsent.IsEmpty() ? POLLIN : POLLIN | POLLOUT), 0}};
+                       static_cast<short>(m_unsent.empty() ? POLLIN : POLLIN | POLLOUT), 0}};
             if (poll(sides.data(), sides.size(), kPatience) <= 0) {
                 std::fprintf(stderr, "a program shows nothing any more\n");
                 std::exit(1);
@@ -83,7 +87,7 @@ class CStation {
             if ((sides[1].revents & POLLIN) != 0)
                 m_device.Read(65536);
             if ((sides[1].revents & POLLOUT) != 0)
-                m_device.Write(m_unsent);
+                m_unsent.remove_prefix(m_device.Write(m_unsent));
         }
     }
 
@@ -92,15 +96,14 @@ class CStation {
         if (m_nShownPerKey == 0 || m_nShown < m_nShownPerKey)
             return;
         m_nShown = 0;
-        m_typed.Append("k");
-        m_screen.Write(m_typed);
+        m_screen.Write("k");
     }
 
     CPseudoTerminal m_device;
     CPseudoTerminal m_screen;
     CProcess m_process;
-    CByteQueue m_unsent;
-    CByteQueue m_typed;
+    std::string m_sent;
+    std::string_view m_unsent; // what is left of it
     std::size_t m_nShownPerKey = 0;
     std::size_t m_nShown = 0;
     int m_nPass = 0;

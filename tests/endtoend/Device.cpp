@@ -16,18 +16,18 @@ CDevice::CDevice(bool raw) {
 
 short CDevice::GetEvents() const {
     const bool reads =
-        m_nReadLimit != 0 && (!m_pReceiver || m_pReceiver->m_toSend.GetSize() < kEchoMemory);
-    const bool writes = !m_toSend.IsEmpty() || !m_endless.empty();
+        m_nReadLimit != 0 && (!m_pReceiver || m_pReceiver->m_toSend.size() < kEchoMemory);
+    const bool writes = !m_toSend.empty() || !m_endless.empty();
     return static_cast<short>((reads ? POLLIN : 0) | (writes ? POLLOUT : 0));
 }
 
 void CDevice::OnReady(short events) {
     if (events & POLLOUT) {
-        if (m_toSend.IsEmpty())
-            m_toSend.Append(m_endless);
-        const std::size_t waiting = m_toSend.GetSize();
-        m_line.Write(m_toSend);
-        m_nSent += waiting - m_toSend.GetSize();
+        if (m_toSend.empty())
+            m_toSend = m_endless;
+        const std::size_t taken = m_line.Write(m_toSend);
+        m_toSend.erase(0, taken);
+        m_nSent += taken;
     }
     if (!(events & (POLLIN | POLLHUP)))
         return;

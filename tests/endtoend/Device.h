@@ -13,8 +13,8 @@ class CDevice : public IPollable {
     CDevice(const std::string& path, const std::string& farEnd, std::function<void()> unplug = {})
         : m_line(path, farEnd), m_unplug(std::move(unplug)) {}
 
-    void Send(std::string_view bytes) { m_toSend.Append(bytes); }
-    bool IsAllSent() const { return m_toSend.IsEmpty(); }
+    void Send(std::string_view bytes) { m_toSend += bytes; }
+    bool IsAllSent() const { return m_toSend.empty(); }
     // Sends this text over and over, from now on.
     void SendEndlessly(std::string text) { m_endless = std::move(text); }
     std::size_t GetSentCount() const { return m_nSent; }
@@ -54,7 +54,7 @@ class CDevice : public IPollable {
   private:
     CPseudoTerminal m_line;
     std::function<void()> m_unplug;
-    CByteQueue m_toSend;
+    std::string m_toSend;
     std::string m_endless;
     std::string m_received;
     std::size_t m_nSent = 0;

@@ -18,7 +18,14 @@ class CCollector : public IPollable {
     bool HasEnded() const { return !m_pipe.reader; }
 
     int GetDescriptor() const override { return m_pipe.reader.Get(); }
-    void OnReady(short events) override;
+    void OnReady(short) override {
+        char bytes[65536];
+        const ssize_t count = read(m_pipe.reader.Get(), bytes, sizeof(bytes));
+        if (count > 0)
+            m_text.append(bytes, static_cast<std::size_t>(count));
+        else
+            CloseReader();
+    }
 
   private:
     Pipe m_pipe;

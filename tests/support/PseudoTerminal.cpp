@@ -80,11 +80,10 @@ std::string CPseudoTerminal::Read(std::size_t limit) {
     return bytes;
 }
 
-void CPseudoTerminal::Write(CByteQueue& bytes) {
-    const std::string_view front = bytes.GetFront(4096);
-    const ssize_t count = write(m_master.Get(), front.data(), front.size());
-    if (count > 0)
-        bytes.Take(static_cast<std::size_t>(count));
+std::size_t CPseudoTerminal::Write(std::string_view bytes) const {
+    const ssize_t count =
+        write(m_master.Get(), bytes.data(), std::min<std::size_t>(bytes.size(), 4096));
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
 bool CPseudoTerminal::AwaitMaster(short events) const {

@@ -1,7 +1,6 @@
 // Pseudo-terminals made for one test, and what a test holds of another line.
 #pragma once
 
-#include "tests/support/ByteQueue.h"
 #include "tests/support/Pipe.h"
 
 #include <string>
@@ -35,8 +34,8 @@ class CPseudoTerminal {
 
     // Reads what is there without waiting.
     std::string Read(std::size_t limit);
-    // Takes from the front of the queue what fits now.
-    void Write(CByteQueue& bytes);
+    // Writes what fits now, without waiting; how many bytes that was.
+    std::size_t Write(std::string_view bytes) const;
 
     // As a device: writes all of it, and waits for so many bytes; fewer only on failure. Each by
     // one thread at a time.
