@@ -15,7 +15,6 @@
 #include <sstream>
 #include <string>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 
 namespace {
@@ -92,9 +91,7 @@ TEST_F(CDebugLogTest, WritesLinesUnderTheNamesOfBothObjects) {
               "T trace test: ->AT\\r\n    O\\tK \\x1b[2J\\x7f\\x9b\\\\ 100%n\n"
               "T trace a\n    b: " +
                   longest + '\n');
-    struct stat status {};
-    ASSERT_EQ(stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0600U);
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
     // Nothing in it keeps it in the process.
     const auto module =
         std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libvxdebug.so";

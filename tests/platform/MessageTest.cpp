@@ -121,6 +121,7 @@ TEST(Window, StaleAndInventedWindowsAreRecognised) {
         ExpectFailure(kInvalid, SetWindowLongPtrA(window, GWLP_USERDATA, 1) != 0);
         ExpectFailure(kInvalid, DispatchMessageA(&message) != 0);
     }
+    EXPECT_FALSE(CloseHandle(reinterpret_cast<HANDLE>(HWND(live))));
     EXPECT_EQ(answers.count, 0);
     std::thread([&] {
         const MSG message = {live, WM_TEST, 7, 0, 0};

@@ -91,6 +91,7 @@ TEST_F(SoundTest, TheBestPlayerThatCanBeStartedIsTaken) {
         EXPECT_FALSE(sndPlaySoundA(file, SND_ASYNC));
         EXPECT_EQ(GetLastError(), error);
     };
+    expectFailure(ERROR_INVALID_PARAMETER, nullptr);
     expectFailure(ERROR_FILE_NOT_FOUND, "/no/such/sound");
     expectFailure(ERROR_FILE_NOT_FOUND, "/dev/null");
     expectFailure(ERROR_MOD_NOT_FOUND, sound.c_str());
