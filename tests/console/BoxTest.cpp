@@ -276,7 +276,7 @@ TEST_F(BoxTest, IsPlainLinesOnAPoorTerminal) {
         {"\r", {"line 60\r\n[ OK ]"}},
     };
     for (const char* type : {"linux", "dumb", "screen", "no-such-terminal"}) {
-        SetVariable("TERM", type);
+        m_environment["TERM"] = type;
         Do(std::string(kBox) + "\r\n" + LongBox());
         for (const auto& [keys, shown] : steps) {
             Type(keys);

@@ -78,4 +78,7 @@ TEST_F(CAnyDeviceTest, TheEndDoesNotWaitForADeviceThatTakesNothing) {
     Type(kAltF4);
     EXPECT_TRUE(EndsWith(0, kSoon));
     EXPECT_TRUE(Ends());
+    // A gadget whose terminal closes full has nothing for who opens it next.
+    m_device.SetReadLimit(65536);
+    m_pump.RunFor(std::chrono::milliseconds(500));
 }

@@ -82,6 +82,10 @@ TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
         {"", "V.90/92", "", "", "Modem V.90/92"},
     };
     SerialInterface serial = MakeInterface("/sys/1-2:1.0");
+    for (serial.maker = "x"; serial.maker.size() < 100;)
+        serial.maker += "\xC3\xA9";
+    EXPECT_EQ(NameInterfaces({serial})[0].name,
+              serial.maker.substr(0, 63) + " M1"); // no half letter
     for (const auto& row : rows) {
         serial.maker = row.maker;
         serial.model = row.model;
