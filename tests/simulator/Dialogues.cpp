@@ -1,25 +1,13 @@
 // The dialogues of dialogues.txt, and what does not go into a file of texts.
 #include "tests/simulator/TestModem.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/Unescape.h"
 
 #include <sstream>
 
 using namespace modemsim;
 
 namespace {
-
-std::string Unescape(std::string_view text) {
-    std::string bytes;
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        const char kind = text[index] == '\\' ? text[++index] : '\0';
-        if (kind == 'x')
-            bytes += static_cast<char>(std::stoi(std::string(text.substr(index + 1, 2)), {}, 16));
-        else
-            bytes += kind == 'r' ? '\r' : kind == 'n' ? '\n' : text[index];
-        index += kind == 'x' ? 2 : 0;
-    }
-    return bytes;
-}
 
 void Hold(const std::string& dialogue, bool isBytewise) {
     std::optional<CTestModem> modem;
