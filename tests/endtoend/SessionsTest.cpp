@@ -1,6 +1,7 @@
 // The sessions of sessions.txt and gone.txt: what user, device and screen say to each other, step
 // by step.
 #include "tests/endtoend/SessionTest.h"
+#include "tests/support/Unescape.h"
 
 #include <iterator>
 #include <sstream>
@@ -11,21 +12,6 @@ struct Session {
     std::string name;
     std::vector<std::pair<std::string, std::string>> steps;
 };
-
-std::string Unescape(const std::string& text) {
-    std::string bytes;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char kind = text[at] == '\\' ? text[++at] : '\0';
-        if (kind == 'x')
-            bytes += static_cast<char>(std::stoi(text.substr(at + 1, 2), {}, 16));
-        else if (kind == 't')
-            bytes += '\t';
-        else
-            bytes += kind == 'r' ? '\r' : kind == 'n' ? '\n' : kind == 'e' ? '\x1B' : text[at];
-        at += kind == 'x' ? 2 : 0;
-    }
-    return bytes;
-}
 
 std::vector<Session> ReadSessions(const std::string& path) {
     std::vector<Session> sessions;
