@@ -105,6 +105,7 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
         {"freed", [this](Text) { return GivesTerminalBack(); }},
         {"gone", [this](Text) { return EndsAsGone(); }},
         {"ends", [this](Text text) { return Ends(std::stoi(text)); }},
+        {"over", [this](Text text) { return EndsWith(std::stoi(text)); }},
     };
 };
 
