@@ -2,10 +2,7 @@
 // says what is asked of it.
 #include "common/InterfacePtr.h"
 #include "fuzz/FuzzPlatform.h"
-#include "platform/Error.h"
-#include "platform/Registry.h"
 #include "platform/TaskMemory.h"
-#include "platform/Version.h"
 #include "telephony/Tapi.h"
 #include "telephony/TapiRecord.h"
 #include "tests/telephony/ScriptedService.h"
@@ -37,10 +34,6 @@ BYTE TakeByte() {
     const BYTE byte = s_rest.front();
     s_rest = s_rest.subspan(1);
     return byte;
-}
-
-bool HasBytes() {
-    return !s_rest.empty();
 }
 
 // Answers run out with the input, and are then successes that tell nothing.
@@ -89,7 +82,7 @@ LONG CFuzzService::Answer(ServiceCall& call) {
 // The service tells something, true or not, to an object or not.
 void CFuzzService::Deliver() {
     const Open& mine = open[TakeByte() % 4 == 3];
-    if (!mine.callback || !HasBytes())
+    if (!mine.callback || s_rest.empty())
         return;
     const DWORD hDevice = TakeByte();
     const DWORD message = TakeByte() % 16;
@@ -172,11 +165,6 @@ void Edit(ITapi& tapi) {
     });
 }
 
-void FindKey(ITapi& tapi) {
-    HKEY key = nullptr;
-    fuzz::Require(tapi.GetModemRegKey(0x01010101u * TakeByte(), &key) == E_TAPI_FAILED);
-}
-
 void Listen(ITapi& tapi);
 
 constexpr void (*kKinds[])(ITapi&) = {
@@ -192,7 +180,7 @@ constexpr void (*kKinds[])(ITapi&) = {
     [](ITapi& tapi) { tapi.PhoneOpen(TakeByte(), TakeByte()); },
     [](ITapi& tapi) { tapi.PhoneSetVolume(1, TakeByte(), TakeByte() % 2); },
     [](ITapi& tapi) { tapi.PhoneClose(); },
-    FindKey,
+    [](ITapi& tapi) { tapi.LineAnswer(TakeByte() % 2); },
     Listen,
     // Inside a wait an object stays; outside of all it may go.
     [](ITapi&) {
@@ -207,7 +195,7 @@ void Operate() {
 }
 
 void OnMessage(DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
-    if (s_nested >= kMostNested || !HasBytes())
+    if (s_nested >= kMostNested || s_rest.empty())
         return;
     ++s_nested;
     Operate();
@@ -221,23 +209,12 @@ void Listen(ITapi& tapi) {
 
 } // namespace
 
-LONG RegOpenKeyExA(HKEY, LPCSTR, DWORD, REGSAM, HKEY* phkResult) {
-    *phkResult = nullptr;
-    return ERROR_FILE_NOT_FOUND;
-}
-
-BOOL GetVersionExA(OSVERSIONINFOA* lpVersionInformation) {
-    lpVersionInformation->dwMajorVersion = TakeByte();
-    lpVersionInformation->dwPlatformId = TakeByte();
-    return lpVersionInformation->dwMajorVersion != kEverything;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     fuzz::BeginRun({data, size});
     {
         s_rest = {data, size};
         const CFuzzService service;
-        for (int count = 0; count < kOperations && HasBytes(); ++count)
+        for (int count = 0; count < kOperations && !s_rest.empty(); ++count)
             Operate();
         for (CInterfacePtr<ITapi>& object : s_objects)
             object.Reset();

@@ -7,8 +7,7 @@
 namespace {
 
 constexpr std::string_view kWithReply =
-    " lineAnswer lineBlindTransfer lineDial lineDrop lineHold lineMakeCall lineSetCallParams "
-    "lineUnhold phoneSetGain phoneSetHookSwitch phoneSetVolume ";
+    " lineAnswer lineDial lineDrop lineHold lineMakeCall lineUnhold phoneSetGain phoneSetVolume ";
 
 // What a function hands out; all other values are 77.
 const std::map<std::string_view, DWORD> kValues = {

@@ -32,11 +32,8 @@ TEST_F(CModemsTest, AreListedOneAfterTheOther) {
            {"second"}});
     EXPECT_EQ(Next(TRUE), "Modem on /dev/ttyUSB0");
     EXPECT_EQ(Next(FALSE), "second");
-    EXPECT_EQ(Take().find("CVTapi"), std::string::npos);
     EXPECT_EQ(Next(FALSE), "none");
     EXPECT_EQ(Next(FALSE), "none");
-    EXPECT_EQ(Take(), std::string("- IterateModems() - No Tapi devices found\n\n") +
-                          "- IterateModems() - No Tapi devices found\n\n");
     EXPECT_EQ(Next(TRUE, 6), "Modem");
     EXPECT_EQ(Next(TRUE, 1), "");
     EXPECT_EQ(Next(FALSE, 0)[0], '#');
@@ -75,20 +72,15 @@ TEST_F(CModemsTest, AreFoundByTheirExactNames) {
     Offer({{"one", 0}, {"One"}, {"One too"}});
     for (const char* const name : {"ONE", "", "On", "one "})
         EXPECT_EQ(Find(name), E_TAPI_NODEVICE);
-    EXPECT_TRUE(Take().ends_with("! LineDeviceNameToID() - Device \"one \" not found\n\n"));
     EXPECT_EQ(Find("one"), 0);
     EXPECT_EQ(Find("One"), 1);
-    EXPECT_TRUE(Take().ends_with("- LineDeviceNameToID() - Device \"One\" = 1\n\n"));
     EXPECT_EQ(Find("One too", true), 2);
-    EXPECT_TRUE(Take().ends_with("- PhoneDeviceNameToID() - Device \"One too\" = 2\n\n"));
     EXPECT_EQ(Find("none", true), E_TAPI_NODEVICE);
-    EXPECT_TRUE(Take().ends_with("! PhoneDeviceNameToID() - Device \"none\" not found\n"));
 }
 
-TEST_F(CModemsTest, HaveRegistryKeysAsFarAsThereAreAny) {
+TEST_F(CModemsTest, HaveNoRegistryKeys) {
     HKEY key = nullptr;
     EXPECT_EQ(m_tapi->GetModemRegKey(9999, &key), E_TAPI_FAILED);
-    EXPECT_EQ(Take(), "! GetModemRegKey() - RegOpenKeyEx() failed returning 2\n\n");
 }
 
 } // namespace
