@@ -227,7 +227,6 @@ TEST_F(CLineTest, TheServiceComesUpOnceAndGoesWithTheLastObject) {
     const DWORD_PTR gone = m_service.open[0].instance;
     other.Reset();
     m_service.CallState(13, LINECALLSTATE_OFFERING, gone);
-    m_service.CallState(13, LINECALLSTATE_OFFERING, 0);
     EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, TRUE), 0);
 
     m_service.results["phoneShutdown"] = {PHONEERR_OPERATIONUNAVAIL};

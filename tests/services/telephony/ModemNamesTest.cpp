@@ -2,7 +2,6 @@
 #include "services/telephony/InterfaceNames.h"
 #include "services/telephony/NamesFile.h"
 #include "services/telephony/Records.h"
-#include "services/telephony/UniqueNames.h"
 #include "telephony/TapiRecord.h"
 
 #include <gtest/gtest.h>
@@ -13,15 +12,6 @@
 using namespace telephonyservice;
 
 namespace {
-
-using Names = std::vector<std::string>;
-
-Names NamesOf(const std::vector<LineDevice>& devices) {
-    Names names;
-    for (const LineDevice& device : devices)
-        names.push_back(device.name);
-    return names;
-}
 
 SerialInterface MakeInterface(const std::string& sysfsPath) {
     SerialInterface serial;
@@ -35,19 +25,19 @@ SerialInterface MakeInterface(const std::string& sysfsPath) {
 
 TEST(NamesFile, TakesWhatIsUnderstoodAndTellsTheRest) {
     const std::string tooLong = std::string(kLongestName + 1, 'n');
-    const Names bad = {"no device",
-                       " = /dev/x",
-                       "Com5 modem=/dev/x",
-                       "/dev/x = /dev/x",
-                       "at \\\\.\\COM5=/",
-                       "relative = dev/x",
-                       "bell\a = /dev/x",
-                       "C1 \xC2\x9B = /",
-                       "turned \xE2\x80\xAEround = /dev/x",
-                       "half \xC3 = /dev",
-                       "x = /dev/\x1bx",
-                       tooLong + "=/dev/x",
-                       "long = /" + std::string(5000, 'p')};
+    const std::vector<std::string> bad = {"no device",
+                                          " = /dev/x",
+                                          "Com5 modem=/dev/x",
+                                          "/dev/x = /dev/x",
+                                          "at \\\\.\\COM5=/",
+                                          "relative = dev/x",
+                                          "bell\a = /dev/x",
+                                          "C1 \xC2\x9B = /",
+                                          "turned \xE2\x80\xAEround = /dev/x",
+                                          "half \xC3 = /dev",
+                                          "x = /dev/\x1bx",
+                                          tooLong + "=/dev/x",
+                                          "long = /" + std::string(5000, 'p')};
     std::string content = "\xEF\xBB\xBF# comment\r\n\nWork phone = /dev/serial/by-id/a=b\r\n";
     for (const std::string& line : bad)
         content += line + '\n';
@@ -98,31 +88,14 @@ TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
     EXPECT_LE(NameInterfaces({serial, MakeInterface("/sys/1-2:1.1")})[0].name.size(), kLongestName);
 }
 
-TEST(InterfaceNames, TellTheInterfacesOfADeviceApart) {
-    std::vector<SerialInterface> interfaces;
-    for (const char* path :
-         {"/sys/1-3:1.0", "/sys/1-2:1.3", "/sys/1-2:1.2", "/sys/1-2:1.1", "/sys/1-2:1.0"})
-        interfaces.push_back(MakeInterface(path));
-    interfaces[1].number = "1f";
-    interfaces[2].role = "Voice\nline";
-    interfaces[3].tags = {"ID_MM_PORT_TYPE_QCDM"};
-    interfaces[4].tags = {"ID_MM_PORT_TYPE_AT_PRIMARY"};
-    EXPECT_EQ(NamesOf(NameInterfaces(interfaces)),
-              (Names{"Acme M1 (modem)", "Acme M1 (diagnostics)", "Acme M1 (Voice?line)",
-                     "Acme M1 (interface 31)", "Acme M1"}));
-}
-
 TEST(InterfaceNames, TellWhoTakesCommands) {
     const struct {
         std::set<std::string> tags;
         const char* acmProtocol;
         bool takesCommands;
     } rows[] = {
-        {{}, "", true},
-        {{}, "01", true},
         {{}, "06", true},
         {{}, "00", false},
-        {{}, "ff", false},
         {{}, "1x", false},
         {{"ID_MM_PORT_TYPE_AT_SECONDARY"}, "ff", true},
         {{"ID_MM_PORT_TYPE_GPS"}, "01", false},
@@ -136,14 +109,6 @@ TEST(InterfaceNames, TellWhoTakesCommands) {
         EXPECT_EQ(NameInterfaces({serial})[0].isDataModem, row.takesCommands)
             << row.acmProtocol << testing::PrintToString(row.tags);
     }
-}
-
-TEST(UniqueNames, NumbersPassOverNamesThatThereAre) {
-    std::vector<LineDevice> devices;
-    for (const char* name : {"a", "b", "a", "a 2", "a", "a 2"})
-        devices.push_back({name, "", true});
-    MakeNamesUnique(devices);
-    EXPECT_EQ(NamesOf(devices), (Names{"a", "b", "a 3", "a 2", "a 4", "a 2 2"}));
 }
 
 // Each size from too small to more than enough: what is needed is always the same, what does not
