@@ -112,11 +112,10 @@ template <class Record, class Ask> CTaskMemory<Record> Check(Ask ask) {
     const LONG status = ask(&record);
     CTaskMemory<Record> owner(record);
     fuzz::Require((status >= 0) == (record != nullptr));
-    if (!record)
-        return owner;
-    fuzz::Require(record->dwTotalSize >= sizeof(Record));
-    const auto* const bytes = reinterpret_cast<const BYTE*>(record);
-    fuzz::Require(std::count(bytes, bytes + record->dwTotalSize, BYTE{1}) >= 0);
+    if (record) {
+        const std::span bytes(reinterpret_cast<const BYTE*>(record), record->dwTotalSize);
+        fuzz::Require(bytes.size() >= sizeof(Record) && std::ranges::count(bytes, BYTE{1}) >= 0);
+    }
     return owner;
 }
 

@@ -106,9 +106,6 @@ TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
     ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
     EXPECT_EQ(m_tapi->PhoneSetGain(1, 1, TRUE), 0);
     EXPECT_EQ(m_tapi->LineDrop(FALSE), E_TAPI_NOCALL);
-    m_service.results["lineMakeCall"] = {LINEERR_OPERATIONFAILED};
-    EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, FALSE), LINEERR_OPERATIONFAILED);
-    EXPECT_TRUE(Take().ends_with("! LineMakeCall() - lineMakeCall() failed*\n"));
 }
 
 TEST_F(CLineTest, WaitsForTheReplyOfItsOwnRequest) {
@@ -140,9 +137,6 @@ TEST_F(CLineTest, WaitsForTheReplyOfItsOwnRequest) {
     // A request that is over at once.
     m_service.results["lineHold"] = {0};
     EXPECT_EQ(m_tapi->LineHold(TRUE), 0);
-
-    m_service.request = [](DWORD, bool) {};
-    EXPECT_EQ(m_tapi->PhoneSetVolume(1, 2, TRUE), E_TAPI_TIMEOUT);
 }
 
 using Work = std::function<void()>;

@@ -13,8 +13,8 @@ CTestBus::CTestBus() {
     const std::string address = "unix:path=" + m_folder.GetPath("bus");
     Pipe ready;
     ProcessOptions options;
-    options.arguments = {"/usr/bin/dbus-daemon", "--session",       "--nofork",
-                         "--nopidfile",          "--print-address", "--address=" + address};
+    options.arguments = {"/usr/bin/dbus-daemon", "--session", "--print-address",
+                         "--address=" + address};
     options.output = ready.writer.Get();
     m_daemon.emplace(options);
     ready.writer.Reset();
