@@ -98,13 +98,6 @@ void CFuzzService::Deliver() {
 std::array<CInterfacePtr<ITapi>, 2> s_objects;
 int s_nested = 0;
 
-CInterfacePtr<ITapi>& Current() {
-    CInterfacePtr<ITapi>& object = s_objects[TakeByte() % s_objects.size()];
-    if (!object)
-        CreateTapi(object.Receive(), nullptr);
-    return object;
-}
-
 // What is handed out belongs to the caller and is as large as it says, down to the last byte; there
 // is nothing after a failure.
 template <class Record, class Ask> CTaskMemory<Record> Check(Ask ask) {
@@ -189,8 +182,11 @@ constexpr void (*kKinds[])(ITapi&) = {
 };
 
 void Operate() {
-    const CInterfacePtr<ITapi> object = Current();
-    kKinds[TakeByte() % std::size(kKinds)](*object.Get());
+    CInterfacePtr<ITapi>& object = s_objects[TakeByte() % s_objects.size()];
+    if (!object)
+        CreateTapi(object.Receive(), nullptr);
+    const CInterfacePtr<ITapi> kept = object;
+    kKinds[TakeByte() % std::size(kKinds)](*kept.Get());
 }
 
 void OnMessage(DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {

@@ -69,12 +69,11 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
 }
 
 // A client's callback, which tells the service's record what it is told.
-void Note(DWORD hDevice, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR dwParam1,
-          DWORD_PTR dwParam2, DWORD_PTR) {
-    std::string text = "told";
-    for (const DWORD_PTR value : {DWORD_PTR{hDevice}, DWORD_PTR{dwMessage}, dwParam1, dwParam2})
-        text += ' ' + std::to_string(value);
-    reinterpret_cast<CFakeTapi*>(dwInstance)->log += text + '\n';
+void Note(DWORD, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR dwParam1, DWORD_PTR dwParam2,
+          DWORD_PTR) {
+    reinterpret_cast<CFakeTapi*>(dwInstance)->log += "told " + std::to_string(dwMessage) + ' ' +
+                                                     std::to_string(dwParam1) + ' ' +
+                                                     std::to_string(dwParam2) + '\n';
 }
 
 TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
@@ -83,7 +82,7 @@ TEST_F(CLineTest, FollowsTheStatesOfItsCall) {
     m_tapi->LineSetUserCallback(Note, reinterpret_cast<DWORD_PTR>(&m_service));
     EXPECT_EQ(m_tapi->LineMakeCall("ATD1", 49, nullptr, TRUE), 0);
     EXPECT_EQ(m_tapi->LineMakeCall("1", 0, nullptr, TRUE), E_TAPI_CALLINPROGRESS);
-    EXPECT_EQ(Take(), "lineMakeCall 12 'ATD1' 49 null\ntold 0 12 1000 0\n"
+    EXPECT_EQ(Take(), "lineMakeCall 12 'ATD1' 49 null\ntold 12 1000 0\n"
                       "- LineMakeCall() - A call is already in progress on this line\n\n");
     m_tapi->LineSetUserCallback(nullptr, 0);
 
@@ -131,7 +130,7 @@ TEST_F(CLineTest, WaitsForTheReplyOfItsOwnRequest) {
     ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
     m_tapi->PhoneSetUserCallback(Note, reinterpret_cast<DWORD_PTR>(&m_service));
     EXPECT_EQ(m_tapi->PhoneSetVolume(1, 2, TRUE), 9);
-    EXPECT_TRUE(Take().ends_with("phoneSetVolume 22 1 2\ntold 0 3 1004 9\n"));
+    EXPECT_TRUE(Take().ends_with("phoneSetVolume 22 1 2\ntold 3 1004 9\n"));
     EXPECT_EQ(m_tapi->LineAnswer(TRUE), LINEERR_NODEVICE);
 
     // A request that is over at once.
@@ -139,17 +138,17 @@ TEST_F(CLineTest, WaitsForTheReplyOfItsOwnRequest) {
     EXPECT_EQ(m_tapi->LineHold(TRUE), 0);
 }
 
-using Work = std::function<void()>;
-void WorkInside(DWORD, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
-    if (dwMessage == LINE_CALLSTATE)
-        (*reinterpret_cast<const Work*>(dwInstance))();
-}
-
 TEST_F(CLineTest, AWaitInsideAWaitEndsBoth) {
     ASSERT_EQ(m_tapi->PhoneOpen(0, 1), 0);
     MakeCall();
+    using Work = std::function<void()>;
     Work work = [&] { EXPECT_EQ(m_tapi->LineHold(TRUE), E_TAPI_REENTERED); };
-    m_tapi->LineSetUserCallback(WorkInside, reinterpret_cast<DWORD_PTR>(&work));
+    const LINECALLBACK workInside = [](DWORD, DWORD dwMessage, DWORD_PTR dwInstance, DWORD_PTR,
+                                       DWORD_PTR, DWORD_PTR) {
+        if (dwMessage == LINE_CALLSTATE)
+            (*reinterpret_cast<const Work*>(dwInstance))();
+    };
+    m_tapi->LineSetUserCallback(workInside, reinterpret_cast<DWORD_PTR>(&work));
     m_service.CallState(13, LINECALLSTATE_PROCEEDING);
     EXPECT_EQ(m_tapi->LineUnhold(TRUE), E_TAPI_REENTERED);
     Take();

@@ -27,7 +27,7 @@ class CModemManagerTest : public CTapiTest {
         // The port is found through the link.
         const std::string link = m_folder.GetPath("modem");
         std::filesystem::create_symlink(m_terminal.GetPath(), link);
-        NameModems("Modem = " + link + "\n");
+        NameModems("Modem = " + link + "\nNull = /dev/null\n");
     }
     LONG MakeCall() { return m_client->Call("Modem"); }
     static bool IsGivenBackTo(const CModemManagerMock& manager) {
@@ -114,27 +114,21 @@ TEST_F(CModemManagerTest, IsAskedAnewWhenItStartsAgain) {
     m_client.reset();
 }
 
-TEST_F(CModemManagerTest, GetsItBackWhenTheDeviceCannotBeOpened) {
-    const CModemManagerMock manager(EManager::LetsGo, "null");
-    NameModems("Modem = /dev/null\n");
-    EXPECT_EQ(MakeCall(), LINEERR_NODRIVER);
-    EXPECT_TRUE(manager.WasAsked());
-    EXPECT_TRUE(IsGivenBackTo(manager));
-}
-
-TEST_F(CModemManagerTest, IsAskedForWhatItHas) {
+TEST_F(CModemManagerTest, IsAskedForWhatItHasAndGetsItBack) {
     m_probed.Reset();
     EXPECT_EQ(MakeCall(), 0) << "without a manager";
-    const std::tuple<EManager, std::string, bool> rows[] = {
-        {EManager::LetsGo, "ttyUSB1", false},
-        {EManager::TalksNonsense, m_port, false},
-        {EManager::Refuses, m_port, true},
+    const std::tuple<EManager, std::string, const char*, LONG> rows[] = {
+        {EManager::LetsGo, "ttyUSB1", "Modem", 0},
+        {EManager::TalksNonsense, m_port, "Modem", 0},
+        {EManager::Refuses, m_port, "Modem", LINEERR_INUSE},
+        {EManager::LetsGo, "null", "Null", LINEERR_NODRIVER},
     };
-    for (const auto& [behaviour, port, keeps] : rows) {
+    for (const auto& [behaviour, port, modem, status] : rows) {
         const CModemManagerMock manager(behaviour, port);
         Restart();
-        EXPECT_EQ(MakeCall(), keeps ? LINEERR_INUSE : 0);
-        EXPECT_EQ(manager.WasAsked(), keeps);
+        EXPECT_EQ(m_client->Call(modem), status);
+        EXPECT_EQ(manager.WasAsked(), status != 0) << port;
+        EXPECT_TRUE(IsGivenBackTo(manager)) << port;
     }
     EXPECT_TRUE(IsTold("Modem: ModemManager keeps the modem: "));
 }
