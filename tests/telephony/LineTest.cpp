@@ -4,8 +4,6 @@
 #include "telephony/TapiRecord.h"
 #include "telephony/TapiService.h"
 
-#include <array>
-
 namespace {
 
 using CLineTest = CTelephonyTest;
@@ -58,10 +56,9 @@ TEST_F(CLineTest, WithMonitorPrivilegeTakesTheFirstCallThatIsThere) {
                                  "lineDeallocateCall 32\nlineHandoff 31 'x' 1\n"));
 
     // Lists that claim what is not there.
-    for (const auto& [entries, size, offset] :
-         {std::array<DWORD, 3>{5, 0xFFFFFFFC, 24}, {5, 1012, 24}, {9, 3, 24}}) {
+    for (const DWORD size : {0xFFFFFFFCu, 1012u, 3u}) {
         m_tapi->LineClose();
-        head = {0, 0, 0, entries, size, offset};
+        head = {0, 0, 0, 5, size, sizeof head};
         OpenLine(LINECALLPRIVILEGE_MONITOR);
         EXPECT_TRUE(Take().ends_with("]\n- LineGetNewCalls() - No active calls found\n\n"));
         EXPECT_EQ(m_tapi->LineHandoff("x", 1), E_TAPI_NOCALL);

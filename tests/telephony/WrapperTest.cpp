@@ -8,29 +8,27 @@ using CWrapperTest = CTelephonyTest;
 HICON s_icon;
 
 struct Row {
-    const char* name;
     LONG (*run)(ITapi& tapi);
     std::string call;
     std::string failures; // in the order in which they can happen
 };
 
-#define ROW(name, ...) #name, [](ITapi & tapi) { return tapi.name(__VA_ARGS__); }
-
 const Row kRows[] = {
-    {ROW(LineDrop, TRUE), "lineDrop 13 null 0\n",
+    {[](ITapi& tapi) { return tapi.LineDrop(TRUE); }, "lineDrop 13 null 0\n",
      "! LineDrop() - No current call handle\n\n"
      "lineDrop 13 null 0\n! LineDrop() - lineDrop() failed*\n\n"
      "lineDrop 13 null 0\n! LineDrop() - MLineWaitForReply() failed*\n\n"},
-    {ROW(LineGetID, CResult<VARSTRING>(), "c"), "lineGetID 12 0 13 4 [56] 'c'\n",
+    {[](ITapi& tapi) { return tapi.LineGetID(CResult<VARSTRING>(), "c"); },
+     "lineGetID 12 0 13 4 [56] 'c'\n",
      "! LineGetID() - No valid line handle\n\n"
      "lineGetID 12 0 13 4 [56] 'c'\n! LineGetID() - lineGetID() failed*\n\n"
      "lineGetID 12 0 13 4 [56] 'c'\n"},
-    {ROW(PhoneGetIcon, 3, "c", &s_icon), "phoneGetIcon 3 'c' *\n",
+    {[](ITapi& tapi) { return tapi.PhoneGetIcon(3, "c", &s_icon); }, "phoneGetIcon 3 'c' *\n",
      "phoneInitialize * null\n! MPhoneInitialize() - phoneInitialize() failed*\n"
      "! PhoneGetIcon() - MPhoneInitialize() failed*\n"
      "phoneGetIcon 3 'c' *\n! PhoneGetIcon() - phoneGetIcon() failed returing 0x80000048\n"
      "phoneGetIcon 3 'c' *\n"},
-    {ROW(PhoneSetGain, 1, 2, TRUE), "phoneSetGain 22 1 2\n",
+    {[](ITapi& tapi) { return tapi.PhoneSetGain(1, 2, TRUE); }, "phoneSetGain 22 1 2\n",
      "! PhoneSetGain() - No valid phone handle\n"
      "phoneSetGain 22 1 2\n! PhoneSetGain() - phoneSetGain() failed returing 0x80000048\n"
      "phoneSetGain 22 1 2\n! PhoneSetGain() - MPhonwWaitForReply() failed*\n"},
@@ -39,7 +37,7 @@ const Row kRows[] = {
 TEST_F(CWrapperTest, EachAsksTheServiceAndTracesItsFailures) {
     const auto reply = m_service.request;
     for (const Row& row : kRows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(row.call);
         m_tapi.Reset(); // the services come up anew
         m_tapi = Make();
         Take();
