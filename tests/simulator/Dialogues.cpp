@@ -1,6 +1,7 @@
 // The dialogues of dialogues.txt, and what does not go into a file of texts.
 #include "tests/simulator/TestModem.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/Unescape.h"
 
 #include <sstream>
 
@@ -8,20 +9,7 @@ using namespace modemsim;
 
 namespace {
 
-std::string Unescape(std::string_view text) {
-    std::string bytes;
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        const char kind = text[index] == '\\' ? text[++index] : '\0';
-        if (kind == 'x')
-            bytes += static_cast<char>(std::stoi(std::string(text.substr(index + 1, 2)), {}, 16));
-        else
-            bytes += kind == 'r' ? '\r' : kind == 'n' ? '\n' : text[index];
-        index += kind == 'x' ? 2 : 0;
-    }
-    return bytes;
-}
-
-void Hold(const std::string& dialogue, bool isBytewise) {
+void Hold(const std::string& dialogue, std::size_t most) {
     std::optional<CTestModem> modem;
     std::string options = "--no-echo --messages 0", done, sent, expected;
     std::istringstream lines(dialogue + ". 0\n");
@@ -43,7 +31,7 @@ void Hold(const std::string& dialogue, bool isBytewise) {
         else if (line[0] == '/')
             sent = modem->Reopen();
         else
-            sent = isBytewise ? modem->TypeBytewise(rest) : modem->Type(rest);
+            sent = modem->Type(rest, most);
     }
 }
 
@@ -58,8 +46,8 @@ TEST(Dialogues, GoAsTheFileSays) {
             dialogue += line + '\n';
             continue;
         }
-        Hold(dialogue, false);
-        Hold(dialogue, true);
+        Hold(dialogue, std::string::npos);
+        Hold(dialogue, 1);
         dialogue.clear();
         ++count;
     }
