@@ -9,7 +9,7 @@ using namespace modemsim;
 
 namespace {
 
-void Hold(const std::string& dialogue, bool isBytewise) {
+void Hold(const std::string& dialogue, std::size_t most) {
     std::optional<CTestModem> modem;
     std::string options = "--no-echo --messages 0", done, sent, expected;
     std::istringstream lines(dialogue + ". 0\n");
@@ -31,7 +31,7 @@ void Hold(const std::string& dialogue, bool isBytewise) {
         else if (line[0] == '/')
             sent = modem->Reopen();
         else
-            sent = isBytewise ? modem->TypeBytewise(rest) : modem->Type(rest);
+            sent = modem->Type(rest, most);
     }
 }
 
@@ -46,8 +46,8 @@ TEST(Dialogues, GoAsTheFileSays) {
             dialogue += line + '\n';
             continue;
         }
-        Hold(dialogue, false);
-        Hold(dialogue, true);
+        Hold(dialogue, std::string::npos);
+        Hold(dialogue, 1);
         dialogue.clear();
         ++count;
     }

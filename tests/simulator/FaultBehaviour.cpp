@@ -13,16 +13,10 @@ constexpr std::size_t kMebibyte = 1 << 20;
 // The most that may wait to be sent: the limit itself, and what one piece of input adds to it.
 constexpr std::size_t kQueueBound = 65536 + 16384;
 
-SimulatorProfile WithFaults(const Faults& faults) {
-    SimulatorProfile profile = QuietProfile();
-    profile.faults = faults;
-    return profile;
-}
-
 } // namespace
 
 TEST(Faults, SingleBytesAndAFlood) {
-    CTestModem split(WithFaults({.split = true}));
+    CTestModem split(QuietProfile("--no-echo --split"));
     split.Modem().Input("AT\r", split.Now());
     EXPECT_EQ(split.Modem().Output(split.Now()).size(), 1U);
     EXPECT_EQ(split.Read(), kOkLine);
@@ -38,9 +32,7 @@ TEST(Faults, SingleBytesAndAFlood) {
 }
 
 TEST(Faults, DelayHoldsEachAnswerAndTheInputAfterIt) {
-    SimulatorProfile profile = WithFaults({.delay = 300});
-    profile.echo = true;
-    CTestModem modem(profile);
+    CTestModem modem(QuietProfile("--delay 300"));
     const std::string_view typed = "AT\rAT\r";
     EXPECT_EQ(modem.Modem().Input(typed, modem.Now()), 3U);
     EXPECT_EQ(modem.Read(), "AT\r");

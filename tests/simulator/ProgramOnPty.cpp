@@ -24,7 +24,11 @@ struct Opener : CPseudoTerminal {
 
 class ProgramOnPty : public testing::Test {
   protected:
-    bool IsLinkThere() const { return std::filesystem::is_symlink(m_link); }
+    // Awaits the program's orderly end.
+    void ExpectEnd(CSimulator& program) const {
+        EXPECT_EQ(program.AwaitExit(), 0);
+        EXPECT_FALSE(std::filesystem::is_symlink(m_link));
+    }
 
     CPump m_pump;
     CTempFolder m_folder;
@@ -63,8 +67,7 @@ TEST_F(ProgramOnPty, OpenersComeAndGoAndSignalsEndIt) {
             opener.Expect("AT+GMI\r", "\r\nWirelet\r\n\r\nOK\r\n");
         }
         program.Kill(number);
-        EXPECT_EQ(program.AwaitExit(), 0);
-        EXPECT_FALSE(IsLinkThere());
+        ExpectEnd(program);
     }
 }
 
@@ -85,8 +88,7 @@ TEST_F(ProgramOnPty, OnceEndsWithTheLastOpener) {
     second.Expect("ATE0\r", "ATE0\r\r\nOK\r\n");
     second.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 1,50,1,50,1,50\r\n\r\nOK\r\n");
     second.CloseMaster();
-    EXPECT_EQ(program.AwaitExit(), 0);
-    EXPECT_FALSE(IsLinkThere());
+    ExpectEnd(program);
 }
 
 TEST_F(ProgramOnPty, VanishingHangsUpAndEndsIt) {
@@ -94,8 +96,7 @@ TEST_F(ProgramOnPty, VanishingHangsUpAndEndsIt) {
     Opener device(program.GetPath());
     device.Say("ATI\r");
     EXPECT_EQ(device.Hear(100), "\r\nManufactur");
-    EXPECT_EQ(program.AwaitExit(), 0);
-    EXPECT_FALSE(IsLinkThere());
+    ExpectEnd(program);
 }
 
 TEST_F(ProgramOnPty, LargePasteAndTimerComeThrough) {

@@ -16,21 +16,15 @@ class CTestModem {
         m_Modem.SetOpen(true, m_tNow);
     }
 
-    // Types the text in one piece and reads what the modem sends until it waits for something.
-    std::string Type(std::string_view text) {
+    // Types the text, in pieces of at most this size, and reads what the modem sends until it waits
+    // for something.
+    std::string Type(std::string_view text, std::size_t most = std::string::npos) {
         std::string sent;
         while (!text.empty()) {
-            text.remove_prefix(m_Modem.Input(text, m_tNow));
+            text.remove_prefix(m_Modem.Input(text.substr(0, most), m_tNow));
             sent += Read();
         }
         return sent + Read();
-    }
-
-    std::string TypeBytewise(std::string_view text) {
-        std::string sent;
-        for (const char byte : text)
-            sent += Type({&byte, 1});
-        return sent;
     }
 
     // Lets time pass, deadline by deadline; returns what was sent meanwhile.
