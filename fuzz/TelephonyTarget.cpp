@@ -2,10 +2,7 @@
 // says what is asked of it.
 #include "common/InterfacePtr.h"
 #include "fuzz/FuzzPlatform.h"
-#include "platform/Error.h"
-#include "platform/Registry.h"
 #include "platform/TaskMemory.h"
-#include "platform/Version.h"
 #include "telephony/Tapi.h"
 #include "telephony/TapiRecord.h"
 #include "tests/telephony/ScriptedService.h"
@@ -37,10 +34,6 @@ BYTE TakeByte() {
     const BYTE byte = s_rest.front();
     s_rest = s_rest.subspan(1);
     return byte;
-}
-
-bool HasBytes() {
-    return !s_rest.empty();
 }
 
 // Answers run out with the input, and are then successes that tell nothing.
@@ -89,7 +82,7 @@ LONG CFuzzService::Answer(ServiceCall& call) {
 // The service tells something, true or not, to an object or not.
 void CFuzzService::Deliver() {
     const Open& mine = open[TakeByte() % 4 == 3];
-    if (!mine.callback || !HasBytes())
+    if (!mine.callback || s_rest.empty())
         return;
     const DWORD hDevice = TakeByte();
     const DWORD message = TakeByte() % 16;
@@ -105,13 +98,6 @@ void CFuzzService::Deliver() {
 std::array<CInterfacePtr<ITapi>, 2> s_objects;
 int s_nested = 0;
 
-CInterfacePtr<ITapi>& Current() {
-    CInterfacePtr<ITapi>& object = s_objects[TakeByte() % s_objects.size()];
-    if (!object)
-        CreateTapi(object.Receive(), nullptr);
-    return object;
-}
-
 // What is handed out belongs to the caller and is as large as it says, down to the last byte; there
 // is nothing after a failure.
 template <class Record, class Ask> CTaskMemory<Record> Check(Ask ask) {
@@ -119,11 +105,10 @@ template <class Record, class Ask> CTaskMemory<Record> Check(Ask ask) {
     const LONG status = ask(&record);
     CTaskMemory<Record> owner(record);
     fuzz::Require((status >= 0) == (record != nullptr));
-    if (!record)
-        return owner;
-    fuzz::Require(record->dwTotalSize >= sizeof(Record));
-    const auto* const bytes = reinterpret_cast<const BYTE*>(record);
-    fuzz::Require(std::count(bytes, bytes + record->dwTotalSize, BYTE{1}) >= 0);
+    if (record) {
+        const std::span bytes(reinterpret_cast<const BYTE*>(record), record->dwTotalSize);
+        fuzz::Require(bytes.size() >= sizeof(Record) && std::ranges::count(bytes, BYTE{1}) >= 0);
+    }
     return owner;
 }
 
@@ -172,11 +157,6 @@ void Edit(ITapi& tapi) {
     });
 }
 
-void FindKey(ITapi& tapi) {
-    HKEY key = nullptr;
-    fuzz::Require(tapi.GetModemRegKey(0x01010101u * TakeByte(), &key) == E_TAPI_FAILED);
-}
-
 void Listen(ITapi& tapi);
 
 constexpr void (*kKinds[])(ITapi&) = {
@@ -192,7 +172,7 @@ constexpr void (*kKinds[])(ITapi&) = {
     [](ITapi& tapi) { tapi.PhoneOpen(TakeByte(), TakeByte()); },
     [](ITapi& tapi) { tapi.PhoneSetVolume(1, TakeByte(), TakeByte() % 2); },
     [](ITapi& tapi) { tapi.PhoneClose(); },
-    FindKey,
+    [](ITapi& tapi) { tapi.LineAnswer(TakeByte() % 2); },
     Listen,
     // Inside a wait an object stays; outside of all it may go.
     [](ITapi&) {
@@ -202,12 +182,15 @@ constexpr void (*kKinds[])(ITapi&) = {
 };
 
 void Operate() {
-    const CInterfacePtr<ITapi> object = Current();
-    kKinds[TakeByte() % std::size(kKinds)](*object.Get());
+    CInterfacePtr<ITapi>& object = s_objects[TakeByte() % s_objects.size()];
+    if (!object)
+        CreateTapi(object.Receive(), nullptr);
+    const CInterfacePtr<ITapi> kept = object;
+    kKinds[TakeByte() % std::size(kKinds)](*kept.Get());
 }
 
 void OnMessage(DWORD, DWORD, DWORD_PTR, DWORD_PTR, DWORD_PTR, DWORD_PTR) {
-    if (s_nested >= kMostNested || !HasBytes())
+    if (s_nested >= kMostNested || s_rest.empty())
         return;
     ++s_nested;
     Operate();
@@ -221,23 +204,12 @@ void Listen(ITapi& tapi) {
 
 } // namespace
 
-LONG RegOpenKeyExA(HKEY, LPCSTR, DWORD, REGSAM, HKEY* phkResult) {
-    *phkResult = nullptr;
-    return ERROR_FILE_NOT_FOUND;
-}
-
-BOOL GetVersionExA(OSVERSIONINFOA* lpVersionInformation) {
-    lpVersionInformation->dwMajorVersion = TakeByte();
-    lpVersionInformation->dwPlatformId = TakeByte();
-    return lpVersionInformation->dwMajorVersion != kEverything;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
     fuzz::BeginRun({data, size});
     {
         s_rest = {data, size};
         const CFuzzService service;
-        for (int count = 0; count < kOperations && HasBytes(); ++count)
+        for (int count = 0; count < kOperations && !s_rest.empty(); ++count)
             Operate();
         for (CInterfacePtr<ITapi>& object : s_objects)
             object.Reset();

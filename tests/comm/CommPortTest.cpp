@@ -69,9 +69,4 @@ TEST_F(CCommPortTest, WhatIsPendingIsUnsent) {
     EXPECT_EQ(Status().cbOutQue, 0u);
 }
 
-TEST_F(CCommPortTest, TimeoutsAreNotKept) {
-    COMMTIMEOUTS timeouts = {MAXDWORD, 0, 1, 0, 0};
-    EXPECT_FALSE(SetCommTimeouts(m_port, &timeouts));
-}
-
 } // namespace

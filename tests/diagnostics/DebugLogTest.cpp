@@ -80,7 +80,6 @@ TEST_F(CDebugLogTest, WritesLinesUnderTheNamesOfBothObjects) {
     EXPECT_TRUE(DebugError("failed returning %#08lx", 0x80000048UL));
     EXPECT_TRUE(DebugTrace("->%s", "AT\r\nO\tK \x1B[2J\x7F\x9B\\ 100%n\n\n"));
     DebugSetModuleName("a\nb");
-    EXPECT_TRUE(DebugTrace("\n"));
     EXPECT_TRUE(DebugTrace("%s", std::string(5000, '\x01').c_str()));
     g_TapiDebug.Unload();
     g_AppDebug.Unload();
@@ -91,7 +90,6 @@ TEST_F(CDebugLogTest, WritesLinesUnderTheNamesOfBothObjects) {
               "T trace test: CVModem::Open() - /dev/x = 1\n"
               "T error test: failed returning 0x80000048\n"
               "T trace test: ->AT\\r\n    O\\tK \\x1b[2J\\x7f\\x9b\\\\ 100%n\n"
-              "T trace a\n    b: \n"
               "T trace a\n    b: " +
                   longest + '\n');
     struct stat status {};

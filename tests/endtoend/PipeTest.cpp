@@ -55,7 +55,7 @@ TEST_F(CPipeTest, LongInputIsExactPlainTextComesOutAndItEnds) {
     EXPECT_EQ(m_terminal.GetOutput(), "prompt>");
 }
 
-// With a device that is always behind.
+// With a device that is always behind, and then gone.
 TEST_F(CPipeTest, EndlessInputTakesNoMoreAndMoreMemory) {
     constexpr std::size_t kMostTypedAhead = 4 << 20;
     StartPiped();
@@ -66,56 +66,18 @@ TEST_F(CPipeTest, EndlessInputTakesNoMoreAndMoreMemory) {
     const long before = GetMemory();
     Feed(std::string(2 * kMostTypedAhead, 'x'));
     EXPECT_LT((GetMemory() - before) * sysconf(_SC_PAGESIZE), long{kMostTypedAhead});
-    m_input.writer.Reset();
-    EXPECT_TRUE(Ends());
-}
-
-TEST_F(CPipeTest, InputFromTheTerminalOutputToAPipe) {
-    StartWith({m_device.GetPath()}, -1, m_output.GetWriter());
-    m_output.CloseWriter();
-    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
-    Type("A");
-    EXPECT_TRUE(DeviceGets("A"));
-    m_device.Send("A\x1B[2J\r\n\x1B[6n");
-    // There is no screen, so the report says so; it must not keep the device waiting.
-    EXPECT_TRUE(Fulfils("a report", [this] { return m_device.GetReceived().ends_with('R'); }));
-    Type(kAltF4);
-    EXPECT_TRUE(Ends());
-    EXPECT_EQ(m_output.GetText().find('\x1B'), std::string::npos);
-    EXPECT_EQ(m_terminal.GetOutput(), "prompt>");
-}
-
-TEST_F(CPipeTest, EmptyInput) {
-    const CDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
-    StartWith({m_device.GetPath()}, null.Get(), null.Get());
-    EXPECT_TRUE(DeviceGets("ATE1V1\r"));
-    EXPECT_TRUE(Ends());
-    // Where the disk is full for the last piece alone.
-    const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
-    StartWith({m_device.GetPath()}, null.Get(), full.Get());
-    EXPECT_TRUE(Ends());
-    EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
-}
-
-// Without a reader there is nobody to type for: it ends by itself, and says why.
-TEST_F(CPipeTest, OutputThatNobodyReadsOrOnAFullDisk) {
-    const CDescriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
-    for (const int output : {m_output.GetWriter(), full.Get()}) {
-        StartWith({m_device.GetPath()}, -1, output);
-        m_output.CloseWriter();
-        ASSERT_TRUE(DeviceGets("ATE1V1\r"));
-        m_output.CloseReader();
-        m_device.SendEndlessly("unseen ");
-        ASSERT_TRUE(Ends());
-        EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
-        m_device = CDevice();
-    }
-}
-
-TEST_F(CPipeTest, DeviceGone) {
-    StartPiped();
-    EXPECT_TRUE(DeviceGets("ATE1V1\r"));
     m_device.Vanish();
     EXPECT_TRUE(Ends());
     EXPECT_GE(Screen().FindRow("wirelet: The device " + m_device.GetPath() + " is gone"), 0);
+}
+
+// Without a reader there is nobody to type for: it ends by itself, and says why.
+TEST_F(CPipeTest, OutputThatNobodyReads) {
+    StartWith({m_device.GetPath()}, -1, m_output.GetWriter());
+    m_output.CloseWriter();
+    ASSERT_TRUE(DeviceGets("ATE1V1\r"));
+    m_output.CloseReader();
+    m_device.SendEndlessly("unseen ");
+    ASSERT_TRUE(Ends());
+    EXPECT_GE(Screen().FindRow("standard output takes no more"), 0);
 }

@@ -19,6 +19,7 @@ std::string Quote(std::string_view bytes) {
 } // namespace
 
 CSessionTest::CSessionTest() {
+    m_streams.fill(m_terminal.GetLine().GetSlave());
     m_pump.Add(m_terminal);
     m_pump.Add(m_device);
     m_environment = {{"TERM", "xterm-256color"}, {"LANG", "C.UTF-8"}};
@@ -47,11 +48,10 @@ void CSessionTest::StartWith(const Words& arguments, int input, int output, int 
     m_device.GetReceived().clear();
     m_terminalBefore = m_terminal.GetLine().GetSettings();
     m_deviceBefore = m_device.GetLine().GetSettings();
-    const int terminal = m_terminal.GetLine().GetSlave();
     ProcessOptions options = Options(WIRELET, arguments);
-    options.input = input >= 0 ? input : terminal;
-    options.output = output >= 0 ? output : terminal;
-    options.error = error >= 0 ? error : terminal;
+    options.input = input >= 0 ? input : m_streams[0];
+    options.output = output >= 0 ? output : m_streams[1];
+    options.error = error >= 0 ? error : m_streams[2];
     options.terminal = m_terminal.GetLine().GetPath();
     options.work = m_work;
     if (m_program) {
@@ -82,10 +82,9 @@ void CSessionTest::StartCommands(std::string_view commands) {
     Start({"-A:" + m_folder.Write("commands", commands), "-O:" + m_capture});
 }
 
-void CSessionTest::StartScript(const std::string& statements, Words options) {
+void CSessionTest::StartScript(const std::string& statements) {
     const std::string script = "FUNCTION main()\r\n" + statements + "\r\nENDFUNCTION\r\n";
-    options.push_back("-S:" + m_folder.Write("script", script));
-    Start(options);
+    Start({"-S:" + m_folder.Write("script", script), "-O:" + m_capture});
 }
 
 void CSessionTest::ConnectModem(const Words& options) {

@@ -8,6 +8,7 @@
 #include "tests/support/Simulator.h"
 #include "tests/support/TempFolder.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
@@ -32,15 +33,15 @@ class CSessionTest : public ::testing::Test {
     // A program that still runs is ended by its key.
     void TearDown() override;
 
-    // Runs the program with these descriptors instead of the terminal's; -1 is the terminal.
+    // Runs the program with these descriptors; -1 is that of m_streams.
     void StartWith(const Words& arguments, int input = -1, int output = -1, int error = -1);
     // Runs it on the test's device with these options.
     void Start(Words options = {});
     // The same, until the interactive terminal is there.
     void StartInteractive(const Words& options = {});
-    // A command file with a capture, and a script whose main function does this.
+    // A command file with a capture, and a script with a log whose main function does this.
     void StartCommands(std::string_view commands);
-    void StartScript(const std::string& statements, Words options = {});
+    void StartScript(const std::string& statements);
     // Connects the simulated modem with the device; what the modem gets is the device's to tell.
     void ConnectModem(const Words& options = {});
 
@@ -89,8 +90,11 @@ class CSessionTest : public ::testing::Test {
     CDevice m_device = MakeDevice();
     std::map<std::string, std::string> m_environment; // of the program
     std::unique_ptr<CProcess> m_program;
+    std::array<int, 3> m_streams; // of the program: the terminal
     std::function<void()> m_work; // done in place of the program, if there is something
-    termios m_deviceBefore{};     // its settings when the program was started
+    // Their settings when the program was started.
+    termios m_deviceBefore{};
+    termios m_terminalBefore{};
 
   private:
     ProcessOptions Options(const std::string& program, const Words& arguments) const;
@@ -99,5 +103,4 @@ class CSessionTest : public ::testing::Test {
 
     std::optional<CSimulator> m_modem;
     std::optional<CDevice> m_modemEnd;
-    termios m_terminalBefore{};
 };

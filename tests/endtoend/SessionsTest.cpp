@@ -1,10 +1,12 @@
 // The sessions of sessions.txt and gone.txt: what user, device and screen say to each other, step
-// by step.
+// by step. And of blocked.txt: wherever the program waits, it ends in order when it is asked to,
+// and soon.
 #include "tests/endtoend/SessionTest.h"
 #include "tests/support/Unescape.h"
 
 #include <iterator>
 #include <sstream>
+#include <sys/stat.h>
 
 namespace {
 
@@ -33,15 +35,27 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
   protected:
     using Text = const std::string&;
 
+    void Go() {
+        for (const auto& [verb, text] : GetParam().steps) {
+            if (const auto action = m_actions.find(verb); action != m_actions.end())
+                action->second(Complete(text));
+            else
+                ASSERT_TRUE(m_demands.at(verb)(Complete(text))) << verb << ' ' << text;
+        }
+    }
     // Unescaped, and with the paths that are meant.
     std::string Complete(std::string text) {
         const std::pair<std::string, std::string> names[] = {
             {"DEVICE", m_device.GetPath()},
             {"TERMINAL", m_terminal.GetLine().GetPath()},
-            {"LOG", m_capture}};
-        for (const auto& [name, path] : names)
-            if (const std::size_t at = text.find(name); at != std::string::npos)
-                text.replace(at, name.size(), path);
+            {"LOG", m_capture},
+            {"FILE", m_folder.GetPath("file")},
+            {"EXAMPLES", WIRELET_SESSIONS "/../../examples"},
+            {"MUCH", std::string(300000, 'm')},
+            {"LINES", MakeLines(20000, " \u00E9\u6F22\U0001F642\r\n")}};
+        for (const auto& [name, meant] : names)
+            for (std::size_t at = 0; (at = text.find(name, at)) != text.npos; at += meant.size())
+                text.replace(at, name.size(), meant);
         return Unescape(text);
     }
     // The numbers at the beginning, which a blank parts from what follows.
@@ -56,9 +70,13 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
                                           IndexOf(cell.bg)};
         return Result(colours == numbers) << ::testing::PrintToString(colours);
     }
-    void Run(Text text) {
+    static Words Split(Text text) {
         std::istringstream words(text);
-        StartWith({std::istream_iterator<std::string>(words), {}});
+        return {std::istream_iterator<std::string>(words), {}};
+    }
+    void Redirect(std::size_t stream, Text path) {
+        m_files.at(stream).Reset(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+        m_streams.at(stream) = m_files.at(stream).Get();
     }
     void Send(Text text) {
         m_device.Send(text);
@@ -71,18 +89,56 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
             return m_device.GetLine().CountUnread() == 0;
         });
     }
-    bool HasWritten(Text text) { return m_terminal.GetOutput().find(text) != std::string::npos; }
+    // For so long there is nothing, once what was begun is done: on a busy machine that takes a
+    // while.
+    Result IsIdle(int seconds) {
+#ifdef __SANITIZE_THREAD__
+        seconds = 0; // the thread sanitizer's own thread wakes up all the time
+#endif
+        return Fulfils("idleness", [&] {
+            const std::string before = m_program->GetActivity();
+            m_pump.RunFor(std::chrono::seconds(seconds));
+            return !before.empty() && (seconds == 0 || m_program->GetActivity() == before);
+        });
+    }
+    Result Logs(Text text) {
+        Result same = IsSame("", text);
+        m_pump.RunUntil(
+            [&] { return bool(same = IsSame(Decode(ReadWholeFile(m_capture)), text)); });
+        return same;
+    }
+    bool IsTerminalRaw() {
+        return (m_terminal.GetLine().GetSettings().c_lflag & (ICANON | ECHO)) == 0;
+    }
+    bool HasWritten(Text text) {
+        return m_terminal.GetOutput().find(text) != std::string::npos;
+    }
+    bool IsOnlyOnce(Text text) {
+        const std::string& output = m_terminal.GetOutput();
+        return output.find(text) == output.rfind(text);
+    }
 
+    std::array<CDescriptor, 2> m_files; // in place of the terminal
     std::map<std::string, std::function<void(Text)>> m_actions = {
         {"with",
          [this](Text text) { m_environment[text.substr(0, text.find('='))] = Behind('=', text); }},
-        {"run", [this](Text text) { Run(text); }},
+        {"modem", [this](Text text) { ConnectModem(Split(text)); }},
+        {"file", [this](Text text) { m_folder.Write("file", text); }},
+        {"fifo", [this](Text) { mkfifo(m_capture.c_str(), 0600); }},
+        {"from", [this](Text text) { Redirect(0, text); }},
+        {"to", [this](Text text) { Redirect(1, text); }},
+        {"run", [this](Text text) { StartWith(Split(text)); }},
         {"commands", [this](Text text) { StartCommands(text); }},
         {"script", [this](Text text) { StartScript(text); }},
         {"type", [this](Text text) { Type(text); }},
         {"send", [this](Text text) { Send(text); }},
+        {"stream", [this](Text text) { m_device.SendEndlessly(text); }},
+        {"takes", [this](Text text) { m_device.SetReadLimit(std::stoul(text)); }},
+        {"reads", [this](Text text) { m_terminal.SetReading(text == "on"); }},
         {"size", [this](Text text) { m_terminal.Resize(Numbers(text)[0], Numbers(text)[1]); }},
         {"unplug", [this](Text) { m_device.Vanish(); }},
+        {"close", [this](Text) { m_terminal.CloseWindow(); }},
+        {"restore", [this](Text) { m_terminal.GetLine().ApplySettings(m_terminalBefore); }},
         {"kill", [this](Text text) { m_program->Kill(Numbers(text)[0]); }},
     };
     std::map<std::string, std::function<Result(Text)>> m_demands = {
@@ -97,25 +153,70 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
          [this](Text) { return Fulfils("bell", [&] { return Screen().GetBells() == 1; }); }},
         {"written",
          [this](Text text) { return Fulfils("output", [&] { return HasWritten(text); }); }},
+        {"once", [this](Text text) { return Result(IsOnlyOnce(text)); }},
         {"unwritten", [this](Text text) { return Result(!HasWritten(text)); }},
         {"taken", [this](Text) { return IsTaken(); }},
         {"eaten", [this](Text) { return Result(m_terminal.GetLine().CountUnread() == 0); }},
         {"captured", [this](Text text) { return IsSame(ReadWholeFile(m_capture), text); }},
-        {"logged", [this](Text text) { return IsSame(Decode(ReadWholeFile(m_capture)), text); }},
+        {"logged", [this](Text text) { return Logs(text); }},
+        {"idle", [this](Text text) { return IsIdle(std::stoi(text)); }},
+        {"raw", [this](Text) { return Fulfils("raw", [&] { return IsTerminalRaw(); }); }},
+        {"stopped",
+         [this](Text) { return Fulfils("stop", [&] { return m_program->IsStopped(); }); }},
         {"freed", [this](Text) { return GivesTerminalBack(); }},
+        {"exits", [this](Text text) { return EndsWith(std::stoi(text)); }},
         {"gone", [this](Text) { return EndsAsGone(); }},
         {"ends", [this](Text text) { return Ends(std::stoi(text)); }},
         {"over", [this](Text text) { return EndsWith(std::stoi(text)); }},
     };
 };
 
-TEST_P(CSessionsTest, GoesAsTheFileSays) {
-    for (const auto& [verb, text] : GetParam().steps) {
-        if (const auto action = m_actions.find(verb); action != m_actions.end())
-            action->second(Complete(text));
-        else
-            ASSERT_TRUE(m_demands.at(verb)(Complete(text))) << verb << ' ' << text;
+class CBlockedTest : public CSessionsTest {
+  protected:
+    // Starts the program and lets it get to its place.
+    void StartAndBlock() {
+        m_device = CDevice();
+        m_terminal.SetReading(true);
+        m_terminal.GetReceived().clear();
+        Go();
+        const bool isPiped{m_files[0]};
+        ASSERT_TRUE(Fulfils("the start", [&] { return isPiped || HasWritten("19200 baud"); }));
+        m_pump.RunFor(std::chrono::milliseconds(500));
+        ASSERT_FALSE(m_program->HasEnded());
     }
+
+    void ExpectEnd(int signal) {
+        m_program->Kill(signal);
+        EXPECT_TRUE(EndsWith(IsRun() ? -signal : 0, kSoon));
+        EXPECT_TRUE(m_device.GetLine().GetSettings() == m_deviceBefore);
+        EXPECT_TRUE(GivesTerminalBack());
+    }
+
+    // Of a script or a command file.
+    static bool IsRun() { return !GetParam().name.starts_with("Terminal"); }
+};
+
+TEST_P(CSessionsTest, GoesAsTheFileSays) {
+    Go();
+}
+
+TEST_P(CBlockedTest, EndsInOrder) {
+    StartAndBlock();
+    ExpectEnd(SIGHUP);
+    if (!IsRun())
+        return;
+    // The first only gives the terminal back, if there is one.
+    StartAndBlock();
+    m_program->Kill(SIGQUIT);
+    ASSERT_TRUE(GivesTerminalBack());
+    m_pump.RunFor(std::chrono::milliseconds(200));
+    ExpectEnd(SIGTERM);
+    Redirect(0, "/dev/null");
+    Redirect(1, "/dev/null");
+    const Pipe unread;
+    m_streams[2] = unread.writer.Get();
+    StartAndBlock();
+    ExpectEnd(SIGQUIT);
 }
 
 std::string GetName(const ::testing::TestParamInfo<Session>& session) {
@@ -123,6 +224,11 @@ std::string GetName(const ::testing::TestParamInfo<Session>& session) {
 }
 INSTANTIATE_TEST_SUITE_P(Gone, CSessionsTest,
                          ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/gone.txt")), GetName);
+// There are none in tests/vm.
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CBlockedTest);
+INSTANTIATE_TEST_SUITE_P(Of, CBlockedTest,
+                         ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/blocked.txt")),
+                         GetName);
 INSTANTIATE_TEST_SUITE_P(Of, CSessionsTest,
                          ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/sessions.txt")),
                          GetName);

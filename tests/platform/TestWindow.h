@@ -15,6 +15,7 @@
 
 inline constexpr UINT WM_TEST = WM_APP + 1;
 
+using Values = std::vector<WPARAM>;
 using Handler = std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)>;
 
 inline LRESULT TestProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -57,14 +58,19 @@ struct Answers {
         answers.sum += result;
         answers.thread = std::this_thread::get_id();
     }
-    BOOL Send(HWND window, WPARAM wParam = 0) {
-        return SendMessageCallbackA(window, WM_TEST, wParam, 0, Take,
+    BOOL Send(HWND window, WPARAM value = 0) {
+        return SendMessageCallbackA(window, WM_TEST, value, 0, Take,
                                     reinterpret_cast<ULONG_PTR>(this));
     }
 };
 
-inline DWORD WaitForMessage(DWORD milliseconds) {
-    return MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, QS_ALLINPUT);
+inline DWORD WaitForMessage(DWORD milliseconds, const std::vector<HANDLE>& handles = {}) {
+    return MsgWaitForMultipleObjects(static_cast<DWORD>(handles.size()), handles.data(), FALSE,
+                                     milliseconds, QS_ALLINPUT);
+}
+
+inline BOOL Post(HWND window, WPARAM value = 0) {
+    return PostMessageA(window, WM_TEST, value, 0);
 }
 
 inline BOOL Retrieve(MSG& message) {
@@ -84,11 +90,11 @@ inline void PumpUntil(const std::function<bool()>& condition) {
 }
 
 // Retrieves what there is without dispatching it.
-inline std::vector<MSG> TakeAll() {
-    std::vector<MSG> messages;
+inline Values TakeAll() {
+    Values values;
     for (MSG message; Retrieve(message);)
-        messages.push_back(message);
-    return messages;
+        values.push_back(message.wParam);
+    return values;
 }
 
 // Another thread that has made a window, which it leaves to its own end. It then does what it is
@@ -109,7 +115,7 @@ class CWindowThread {
     ~CWindowThread() { Join(); }
     void Join() {
         m_bEnding = true;
-        PostMessageA(m_hWindow, WM_TEST, 0, 0);
+        Post(m_hWindow);
         if (m_thread.joinable())
             m_thread.join();
     }

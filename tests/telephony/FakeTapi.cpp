@@ -7,15 +7,14 @@
 namespace {
 
 constexpr std::string_view kWithReply =
-    " lineAnswer lineBlindTransfer lineDial lineDrop lineHold lineMakeCall lineSetCallParams "
-    "lineUnhold phoneSetGain phoneSetHookSwitch phoneSetVolume ";
+    " lineAnswer lineDial lineDrop lineHold lineMakeCall lineUnhold phoneSetGain phoneSetVolume ";
 
-// What a function hands out; all other values are 77.
-const std::map<std::string_view, DWORD> kValues = {
-    {"lineInitialize", 11},  {"lineOpen", 12},
-    {"lineMakeCall", 13},    {"lineNegotiateAPIVersion", TAPI_API_VERSION},
-    {"phoneInitialize", 21}, {"phoneNegotiateAPIVersion", TAPI_API_VERSION},
-    {"phoneOpen", 22}};
+// The handles of lines are 11 to 13, those of phones 21 and 22.
+DWORD ValueOf(const ServiceCall& call) {
+    if (call.Is("NegotiateAPIVersion"))
+        return TAPI_API_VERSION;
+    return (call.IsPhone() ? 21 : 11) + (call.Is("Open") ? 1 : 0) + (call.Is("MakeCall") ? 2 : 0);
+}
 
 } // namespace
 
@@ -31,7 +30,7 @@ LONG CFakeTapi::Answer(ServiceCall& call) {
     if (result < 0)
         return result;
     if (call.outs[0])
-        *call.outs[0] = kValues.contains(name) ? kValues.at(name) : 77;
+        *call.outs[0] = ValueOf(call);
     if (call.outs[1])
         *call.outs[1] = call.Is("Initialize") ? dwDevices : 77;
     if (fill && !call.record.empty())

@@ -26,9 +26,8 @@ class CFakeTapi final : public CScriptedService {
         Post(isPhone, open[isPhone].instance, 0, isPhone ? PHONE_REPLY : LINE_REPLY, dwRequest,
              static_cast<DWORD>(lResult));
     }
-    void CallState(HCALL hCall, DWORD dwState) { CallState(hCall, dwState, open[0].instance); }
-    void CallState(HCALL hCall, DWORD dwState, DWORD_PTR dwInstance) {
-        Post(false, dwInstance, hCall, LINE_CALLSTATE, dwState, 0);
+    void CallState(HCALL hCall, DWORD dwState, DWORD_PTR dwInstance = 0) {
+        Post(false, dwInstance ? dwInstance : open[0].instance, hCall, LINE_CALLSTATE, dwState, 0);
     }
 
     bool CanLoad(LPCSTR function) override { return missing != (function ? function : "library"); }

@@ -58,8 +58,6 @@ class CTelephonyTest : public testing::Test {
             std::sscanf(call.c_str(), "%*s %*u %u", &index);
             if (call.starts_with("lineGetDevCaps"))
                 Fill(devices[index], *static_cast<LINEDEVCAPS*>(record));
-            if (call.starts_with("phoneGetDevCaps"))
-                Fill(devices[index], *static_cast<PHONECAPS*>(record));
             return 0;
         };
     }
@@ -74,12 +72,6 @@ class CTelephonyTest : public testing::Test {
         caps.dwDevSpecificOffset = sizeof caps + 1;
         std::memcpy(&caps + 1, device.name.c_str(), size + 1);
     }
-    static void Fill(const Device& device, PHONECAPS& caps) {
-        caps.dwPhoneNameOffset = sizeof caps;
-        caps.dwPhoneNameSize = static_cast<DWORD>(device.name.size());
-        std::memcpy(&caps + 1, device.name.data(), device.name.size());
-    }
-
     CFakeTapi m_service;
     CInterfacePtr<ITapi> m_tapi = Make();
 };

@@ -1,12 +1,11 @@
 #include "tests/services/telephony/ModemManagerMock.h"
 
-#include <poll.h>
-
 namespace {
 
 constexpr const char* kManager = "org.freedesktop.ModemManager1";
 constexpr const char* kModem = "org.freedesktop.ModemManager1.Modem";
 constexpr std::string_view kDevice = "/sys/devices/fake";
+constexpr std::uint64_t kLook = 10'000; // microseconds from one look at the orders to the next
 
 } // namespace
 
@@ -14,8 +13,8 @@ CTestBus::CTestBus() {
     const std::string address = "unix:path=" + m_folder.GetPath("bus");
     Pipe ready;
     ProcessOptions options;
-    options.arguments = {"/usr/bin/dbus-daemon", "--session",       "--nofork",
-                         "--nopidfile",          "--print-address", "--address=" + address};
+    options.arguments = {"/usr/bin/dbus-daemon", "--session", "--print-address",
+                         "--address=" + address};
     options.output = ready.writer.Get();
     m_daemon.emplace(options);
     ready.writer.Reset();
@@ -35,26 +34,20 @@ CModemManagerMock::CModemManagerMock(EManager behaviour, std::string port)
     EXPECT_GE(sd_bus_add_match(m_bus, nullptr, "type='signal',member='NameOwnerChanged'", nullptr,
                                nullptr),
               0);
-    m_thread = std::thread([this] { Run(); });
+    m_thread = std::jthread([this](const std::stop_token& stop) { Run(stop); });
 }
 
 CModemManagerMock::~CModemManagerMock() {
-    m_orders.writer.Reset();
-    m_thread.join();
+    m_thread = {};
     sd_bus_close_unref(m_bus);
 }
 
-void CModemManagerMock::Run() {
-    pollfd events[] = {{sd_bus_get_fd(m_bus), POLLIN, 0}, {m_orders.reader.Get(), POLLIN, 0}};
-    for (;;) {
+void CModemManagerMock::Run(const std::stop_token& stop) {
+    for (; !stop.stop_requested(); sd_bus_wait(m_bus, kLook)) {
         while (sd_bus_process(m_bus, nullptr) > 0)
             continue;
-        poll(events, std::size(events), -1);
-        if (events[1].revents == 0)
+        if (!m_bTells.exchange(false))
             continue;
-        char order = 0;
-        if (read(m_orders.reader.Get(), &order, 1) != 1)
-            return;
         m_bKnows = true;
         EXPECT_GE(sd_bus_emit_signal(m_bus, "/org/freedesktop/ModemManager1",
                                      "org.freedesktop.DBus.ObjectManager", "InterfacesAdded",

@@ -43,12 +43,12 @@ class CModemManagerMock {
     // Asked which modems it has, ever.
     bool WasListed() const { return m_bListed; }
     // Has it tell everybody of its modem.
-    void TellOfModem() { EXPECT_EQ(write(m_orders.writer.Get(), "t", 1), 1); }
+    void TellOfModem() { m_bTells = true; }
     // Somebody whom it has let have the modem is still on the bus.
     bool HasLetGo() const { return m_bLetGo; }
 
   private:
-    void Run();
+    void Run(const std::stop_token& stop);
     int Answer(sd_bus_message* call);
     int AnswerList(sd_bus_message* call);
     int AnswerInhibit(sd_bus_message* call);
@@ -60,7 +60,7 @@ class CModemManagerMock {
     std::atomic<bool> m_bAsked = false;
     std::atomic<bool> m_bLetGo = false;
     std::atomic<bool> m_bListed = false;
+    std::atomic<bool> m_bTells = false;
     bool m_bKnows = true;
-    Pipe m_orders;
-    std::thread m_thread;
+    std::jthread m_thread;
 };

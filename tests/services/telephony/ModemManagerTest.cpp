@@ -6,7 +6,6 @@
 #include "tests/services/telephony/TapiTest.h"
 #include "tests/support/PseudoTerminal.h"
 
-#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <mutex>
@@ -28,7 +27,7 @@ class CModemManagerTest : public CTapiTest {
         // The port is found through the link.
         const std::string link = m_folder.GetPath("modem");
         std::filesystem::create_symlink(m_terminal.GetPath(), link);
-        NameModems("Modem = " + link + "\n");
+        NameModems("Modem = " + link + "\nNull = /dev/null\n");
     }
     LONG MakeCall() { return m_client->Call("Modem"); }
     static bool IsGivenBackTo(const CModemManagerMock& manager) {
@@ -80,32 +79,6 @@ TEST_F(CModemManagerTest, LetsGoForTheTimeOfTheCall) {
     }
 }
 
-TEST_F(CModemManagerTest, GetsTheModemBackWhenTheProgramDies) {
-    Pipe told;
-    Pipe order;
-    ProcessOptions options;
-    options.input = order.reader.Get();
-    options.output = told.writer.Get();
-    // The queue of this thread's messages does not live on in there.
-    options.work = [&] {
-        std::thread([&] {
-            char byte = 0;
-            if (read(STDIN_FILENO, &byte, 1) == 1 && MakeCall() == 0)
-                static_cast<void>(!write(STDOUT_FILENO, "c", 1));
-            pause();
-        }).join();
-    };
-    const CProcess program(options); // before the manager's thread: it has only its own
-    const CModemManagerMock manager(EManager::LetsGo, m_port);
-    char byte = 0;
-    ASSERT_EQ(write(order.writer.Get(), "c", 1), 1);
-    ASSERT_EQ(read(told.reader.Get(), &byte, 1), 1);
-    EXPECT_TRUE(manager.HasLetGo());
-    program.Kill(SIGKILL);
-    EXPECT_TRUE(IsGivenBackTo(manager));
-    EXPECT_EQ(MakeCall(), 0);
-}
-
 TEST_F(CModemManagerTest, IsAwaitedWhileItProbes) {
     for (const bool isModem : {true, false}) {
         s_told.clear();
@@ -141,31 +114,23 @@ TEST_F(CModemManagerTest, IsAskedAnewWhenItStartsAgain) {
     m_client.reset();
 }
 
-TEST_F(CModemManagerTest, KeepsTheModem) {
-    const CModemManagerMock manager(EManager::Refuses, m_port);
-    EXPECT_EQ(MakeCall(), LINEERR_INUSE);
-    EXPECT_TRUE(IsTold("Modem: ModemManager keeps the modem: "));
-    EXPECT_TRUE(manager.WasAsked());
-}
-
-TEST_F(CModemManagerTest, GetsItBackWhenTheDeviceCannotBeOpened) {
-    const CModemManagerMock manager(EManager::LetsGo, "null");
-    NameModems("Modem = /dev/null\n");
-    EXPECT_EQ(MakeCall(), LINEERR_NODRIVER);
-    EXPECT_TRUE(manager.WasAsked());
-    EXPECT_TRUE(IsGivenBackTo(manager));
-}
-
-TEST_F(CModemManagerTest, IsNotAskedForWhatItDoesNotHave) {
+TEST_F(CModemManagerTest, IsAskedForWhatItHasAndGetsItBack) {
     m_probed.Reset();
     EXPECT_EQ(MakeCall(), 0) << "without a manager";
-    for (const EManager behaviour : {EManager::LetsGo, EManager::TalksNonsense}) {
-        const bool isNonsense = behaviour == EManager::TalksNonsense;
-        const CModemManagerMock manager(behaviour, isNonsense ? m_port : "ttyUSB1");
+    const std::tuple<EManager, std::string, const char*, LONG> rows[] = {
+        {EManager::LetsGo, "ttyUSB1", "Modem", 0},
+        {EManager::TalksNonsense, m_port, "Modem", 0},
+        {EManager::Refuses, m_port, "Modem", LINEERR_INUSE},
+        {EManager::LetsGo, "null", "Null", LINEERR_NODRIVER},
+    };
+    for (const auto& [behaviour, port, modem, status] : rows) {
+        const CModemManagerMock manager(behaviour, port);
         Restart();
-        EXPECT_EQ(MakeCall(), 0);
-        EXPECT_FALSE(manager.WasAsked());
+        EXPECT_EQ(m_client->Call(modem), status);
+        EXPECT_EQ(manager.WasAsked(), status != 0) << port;
+        EXPECT_TRUE(IsGivenBackTo(manager)) << port;
     }
+    EXPECT_TRUE(IsTold("Modem: ModemManager keeps the modem: "));
 }
 
 // Each end comes long before the manager's answer, or its probing, would be given up.

@@ -2,7 +2,6 @@
 #include "services/telephony/InterfaceNames.h"
 #include "services/telephony/NamesFile.h"
 #include "services/telephony/Records.h"
-#include "services/telephony/UniqueNames.h"
 #include "telephony/TapiRecord.h"
 
 #include <gtest/gtest.h>
@@ -14,54 +13,25 @@ using namespace telephonyservice;
 
 namespace {
 
-using Names = std::vector<std::string>;
-
-Names NamesOf(const std::vector<LineDevice>& devices) {
-    Names names;
-    for (const LineDevice& device : devices)
-        names.push_back(device.name);
-    return names;
-}
-
-SerialInterface MakeInterface(const std::string& sysfsPath) {
-    SerialInterface serial;
-    serial.sysfsPath = sysfsPath;
-    serial.hardware = sysfsPath.substr(0, sysfsPath.find(':'));
-    serial.devicePath = "/dev/tty";
-    serial.maker = "Acme";
-    serial.model = "M1";
-    return serial;
-}
-
 TEST(NamesFile, TakesWhatIsUnderstoodAndTellsTheRest) {
-    const std::string tooLong = std::string(kLongestName + 1, 'n');
-    const Names bad = {"no device",
-                       " = /dev/x",
-                       "Com5 modem=/dev/x",
-                       "/dev/x = /dev/x",
-                       "at \\\\.\\COM5=/",
-                       "relative = dev/x",
-                       "bell\a = /dev/x",
-                       "C1 \xC2\x9B = /",
-                       "turned \xE2\x80\xAEround = /dev/x",
-                       "half \xC3 = /dev",
-                       "x = /dev/\x1bx",
-                       tooLong + "=/dev/x",
-                       "long = /" + std::string(5000, 'p')};
-    std::string content = "\xEF\xBB\xBF# comment\r\n\nWork phone = /dev/serial/by-id/a=b\r\n";
-    for (const std::string& line : bad)
-        content += line + '\n';
+    const std::string bad =
+        "no device\n = /dev/x\nCom5 modem=/dev/x\n/dev/x = /dev/x\nat \\\\.\\COM5=/\n"
+        "relative = dev/x\nbell\a = /dev/x\nC1 \xC2\x9B = /\nturned \xE2\x80\xAEround = /dev/x\n"
+        "half \xC3 = /dev\nx = /dev/\x1bx\n" +
+        std::string(kLongestName + 1, 'n') + "=/dev/x\nlong = /" + std::string(5000, 'p') + '\n';
+    const std::string start = "\xEF\xBB\xBF# comment\r\n\nWork phone = /dev/serial/by-id/a=b\r\n";
     std::vector<NamesFileFault> faults;
-    EXPECT_EQ(ParseNamesFile(content + "\tT\xC3\xA9l\xC3\xA9phone\t=\t/dev/pts/3 ", faults),
+    EXPECT_EQ(ParseNamesFile(start + bad + "\tT\xC3\xA9l\xC3\xA9phone\t=\t/dev/pts/3 ", faults),
               (std::vector<LineDevice>{{"Work phone", "/dev/serial/by-id/a=b", true},
                                        {"T\xC3\xA9l\xC3\xA9phone", "/dev/pts/3", true}}));
-    ASSERT_EQ(faults.size(), bad.size());
-    EXPECT_EQ(faults.front().line, 4U);
-    EXPECT_EQ(faults.back().line, 3 + bad.size());
+    unsigned line = 3;
+    for (const NamesFileFault& fault : faults)
+        EXPECT_EQ(fault.line, ++line) << fault.reason;
+    EXPECT_EQ(line, 3 + std::ranges::count(bad, '\n'));
 
     faults.clear();
-    content.clear();
-    for (std::size_t line = 0; line < kMostNamedModems + 5; ++line)
+    std::string content;
+    for (std::size_t count = 0; count < kMostNamedModems + 5; ++count)
         content += "a = /b\n";
     EXPECT_EQ(ParseNamesFile(content, faults).size(), kMostNamedModems);
     EXPECT_EQ(faults.size(), 1U);
@@ -81,7 +51,8 @@ TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
         {"Compal", "HSPA", "", "", "Modem Compal HSPA"},
         {"", "V.90/92", "", "", "Modem V.90/92"},
     };
-    SerialInterface serial = MakeInterface("/sys/1-2:1.0");
+    SerialInterface serial;
+    serial.model = "M1";
     for (serial.maker = "x"; serial.maker.size() < 100;)
         serial.maker += "\xC3\xA9";
     EXPECT_EQ(NameInterfaces({serial})[0].name,
@@ -95,21 +66,7 @@ TEST(InterfaceNames, AreMakerAndModelAsFarAsKnown) {
     }
     serial.maker = serial.role = std::string(1000, 'M');
     serial.model = std::string(1000, 'N');
-    EXPECT_LE(NameInterfaces({serial, MakeInterface("/sys/1-2:1.1")})[0].name.size(), kLongestName);
-}
-
-TEST(InterfaceNames, TellTheInterfacesOfADeviceApart) {
-    std::vector<SerialInterface> interfaces;
-    for (const char* path :
-         {"/sys/1-3:1.0", "/sys/1-2:1.3", "/sys/1-2:1.2", "/sys/1-2:1.1", "/sys/1-2:1.0"})
-        interfaces.push_back(MakeInterface(path));
-    interfaces[1].number = "1f";
-    interfaces[2].role = "Voice\nline";
-    interfaces[3].tags = {"ID_MM_PORT_TYPE_QCDM"};
-    interfaces[4].tags = {"ID_MM_PORT_TYPE_AT_PRIMARY"};
-    EXPECT_EQ(NamesOf(NameInterfaces(interfaces)),
-              (Names{"Acme M1 (modem)", "Acme M1 (diagnostics)", "Acme M1 (Voice?line)",
-                     "Acme M1 (interface 31)", "Acme M1"}));
+    EXPECT_LE(NameInterfaces({serial, serial})[0].name.size(), kLongestName);
 }
 
 TEST(InterfaceNames, TellWhoTakesCommands) {
@@ -118,32 +75,21 @@ TEST(InterfaceNames, TellWhoTakesCommands) {
         const char* acmProtocol;
         bool takesCommands;
     } rows[] = {
-        {{}, "", true},
-        {{}, "01", true},
         {{}, "06", true},
         {{}, "00", false},
-        {{}, "ff", false},
         {{}, "1x", false},
         {{"ID_MM_PORT_TYPE_AT_SECONDARY"}, "ff", true},
         {{"ID_MM_PORT_TYPE_GPS"}, "01", false},
         {{"ID_MM_DEVICE_IGNORE", "ID_MM_PORT_TYPE_AT_PRIMARY"}, "", false},
         {{"ID_MM_CANDIDATE"}, "", true},
     };
-    SerialInterface serial = MakeInterface("/sys/1-2:1.0");
+    SerialInterface serial;
     for (const auto& row : rows) {
         serial.tags = row.tags;
         serial.acmProtocol = row.acmProtocol;
         EXPECT_EQ(NameInterfaces({serial})[0].isDataModem, row.takesCommands)
             << row.acmProtocol << testing::PrintToString(row.tags);
     }
-}
-
-TEST(UniqueNames, NumbersPassOverNamesThatThereAre) {
-    std::vector<LineDevice> devices;
-    for (const char* name : {"a", "b", "a", "a 2", "a", "a 2"})
-        devices.push_back({name, "", true});
-    MakeNamesUnique(devices);
-    EXPECT_EQ(NamesOf(devices), (Names{"a", "b", "a 3", "a 2", "a 4", "a 2 2"}));
 }
 
 // Each size from too small to more than enough: what is needed is always the same, what does not

@@ -59,16 +59,14 @@ TEST_F(CTapiServiceTest, ListsNamedModemsAndThenTheDatabase) {
         {"ttyUSB1", m_one.GetPath().substr(sizeof "/dev"), "1-2", "00", "ffffff", "AT\tport",
          stick},
         {"ttyACM0", "ttyACM0", "1-1", "00", "020201", "", phone},
-        {"ttyACM1", "ttyACM1", "1-1", "02", "0202ff", "", phone},
+        {"ttyACM1", "ttyACM1", "1-1", "1f", "0202ff", "", phone},
         {"ttyS0", "ttyS0", "", "", "", "", {}},
     });
     EXPECT_EQ(m_client->ListLines(), Names{"*One"}) << "what is plugged in later is not there yet";
-    for (int start = 0; start < 2; ++start) {
-        NameModems("nonsense\nOne = /dev/none\nOne = /dev/none\n");
-        EXPECT_EQ(m_client->ListLines(),
-                  (Names{"*One", "*One 2", "*One (interface 0)", "One (interface 2)",
-                         "*Acme Stick S (AT?port)", "Acme Stick S (diagnostics)"}));
-    }
+    NameModems("nonsense\nOne = /dev/none\nOne = /dev/none\nOne 2 = /dev/none\n");
+    EXPECT_EQ(m_client->ListLines(),
+              (Names{"*One", "*One 3", "*One 2", "*One (interface 0)", "One (interface 31)",
+                     "*Acme Stick S (AT?port)", "Acme Stick S (diagnostics)"}));
     EXPECT_EQ(m_client->Call("Acme Stick S (AT?port)"), 0);
 }
 
@@ -102,13 +100,11 @@ TEST_F(CTapiServiceTest, GivesBackWhatNobodyAskedFor) {
 }
 
 TEST_F(CTapiServiceTest, TellsWhyADeviceCannotBeOpened) {
-    const std::string file = m_folder.Write("file", "");
     const std::string link = m_folder.GetPath("link");
     std::filesystem::create_symlink(m_two.GetPath(), link);
-    NameModems("Gone = /dev/none\nFile = " + file + "\nFolder = /tmp\nLocked = " + m_one.GetPath() +
-               "\nLink = " + link + "\n");
+    NameModems("Gone = /dev/none\nFolder = /tmp\nLocked = " + m_one.GetPath() + "\nLink = " + link +
+               "\n");
     EXPECT_EQ(Try("Gone"), LINEERR_NODEVICE);
-    EXPECT_EQ(Try("File"), LINEERR_NODRIVER);
     EXPECT_EQ(Try("Folder"), LINEERR_NODRIVER);
 
     EXPECT_EQ(chmod(m_one.GetPath().c_str(), 0), 0);
@@ -143,8 +139,6 @@ TEST_F(CTapiServiceTest, RefusesWhatIsNoHandleAndNoPointer) {
     data.dwTotalSize = sizeof data;
     data.dwBearerMode = LINEBEARERMODE_PASSTHROUGH;
     data.dwMediaMode = LINEMEDIAMODE_DATAMODEM;
-    LINECALLPARAMS voice = data;
-    voice.dwBearerMode = LINEBEARERMODE_VOICE;
     VARSTRING small{};
     small.dwTotalSize = sizeof small;
     const auto open = [&](DWORD of, DWORD device, DWORD privileges, DWORD media, DWORD* out) {
@@ -164,7 +158,6 @@ TEST_F(CTapiServiceTest, RefusesWhatIsNoHandleAndNoPointer) {
         {open(app, 0, 5, 16, &none), LINEERR_INVALPRIVSELECT},
         {open(app, 0, 4, 17, &none), LINEERR_INVALMEDIAMODE},
         {open(app, 0, 4, 16, nullptr), LINEERR_INVALPOINTER},
-        {dial(line, &none, &voice), LINEERR_INVALBEARERMODE},
         {dial(line, &none, nullptr), LINEERR_INVALBEARERMODE},
         {dial(line, nullptr, &data), LINEERR_INVALPOINTER},
         {dial(line + 1, &none, &data), LINEERR_INVALLINEHANDLE},
@@ -172,11 +165,8 @@ TEST_F(CTapiServiceTest, RefusesWhatIsNoHandleAndNoPointer) {
         {identify(0, LINECALLSELECT_LINE, "wave"), LINEERR_INVALDEVICECLASS},
         {identify(line, LINECALLSELECT_CALL, "wave"), LINEERR_INVALCALLHANDLE},
         {tapi.lineHold(1u), LINEERR_OPERATIONUNAVAIL},
-        {tapi.phoneGetGain(1u, 0u, nullptr), PHONEERR_OPERATIONUNAVAIL},
         {tapi.phoneInitialize(&phoneApp, nullptr, ignore, nullptr, &none), 0},
-        {none, 0}, // phones
         {tapi.phoneShutdown(phoneApp), 0},
-        {tapi.phoneShutdown(phoneApp), PHONEERR_INVALAPPHANDLE},
         {dial(line, &call, &data), 1}, // the first request
         {dial(line, &none, &data), LINEERR_CALLUNAVAIL},
         {tapi.lineDeallocateCall(call), LINEERR_INVALCALLSTATE},

@@ -48,9 +48,7 @@ std::vector<std::string> CClient::ListLines() const {
     LINEDEVCAPS* caps = nullptr;
     for (DWORD device = 0; m_tapi->LineGetDevCaps(device, &caps) == 0; ++device) {
         const CTaskMemory<LINEDEVCAPS> owner(caps);
-        const bool isModem = (caps->dwMediaModes & LINEMEDIAMODE_DATAMODEM) != 0 &&
-                             (caps->dwBearerModes & LINEBEARERMODE_VOICE) != 0 &&
-                             (caps->dwLineFeatures & LINEFEATURE_MAKECALL) != 0;
+        const bool isModem = (caps->dwMediaModes & LINEMEDIAMODE_DATAMODEM) != 0;
         lines.push_back((isModem ? "*" : "") + std::string(LineNameOf(*caps).value_or("")));
     }
     return lines;
