@@ -67,16 +67,6 @@ TEST_F(CDeviceBuiltins, WaitForStringBlocksUntilBytesOrTheDeadline) {
     EXPECT_FALSE(m_bDeviceGone);
 }
 
-TEST_F(CDeviceBuiltins, ADeviceThatVanishesEndsTheRun) {
-    std::thread device([this] {
-        Sleep(50);
-        m_serial.Vanish();
-    });
-    EXPECT_EQ(Run("WaitForString(\"OK\", 60000)\r\nSendString(\"x\")"), "");
-    device.join();
-    EXPECT_TRUE(m_bDeviceGone);
-}
-
 CSubstituteSerial* s_serial = nullptr;
 int s_dispatched = 0;
 
