@@ -165,12 +165,22 @@ constexpr void (*kKinds[])(ITapi&) = {
     LineRecords,
     PhoneRecords,
     Edit,
-    [](ITapi& tapi) { tapi.LineOpen(TakeByte(), TakeByte(), LINEMEDIAMODE_DATAMODEM); },
+    // Arguments are evaluated in any order, the bytes of an input are taken in one.
+    [](ITapi& tapi) {
+        const BYTE device = TakeByte();
+        tapi.LineOpen(device, TakeByte(), LINEMEDIAMODE_DATAMODEM);
+    },
     [](ITapi& tapi) { tapi.LineMakeCall("1", 0, nullptr, TakeByte() % 2); },
     [](ITapi& tapi) { tapi.LineDrop(TakeByte() % 2); },
     [](ITapi& tapi) { tapi.LineClose(); },
-    [](ITapi& tapi) { tapi.PhoneOpen(TakeByte(), TakeByte()); },
-    [](ITapi& tapi) { tapi.PhoneSetVolume(1, TakeByte(), TakeByte() % 2); },
+    [](ITapi& tapi) {
+        const BYTE device = TakeByte();
+        tapi.PhoneOpen(device, TakeByte());
+    },
+    [](ITapi& tapi) {
+        const BYTE volume = TakeByte();
+        tapi.PhoneSetVolume(1, volume, TakeByte() % 2);
+    },
     [](ITapi& tapi) { tapi.PhoneClose(); },
     [](ITapi& tapi) { tapi.LineAnswer(TakeByte() % 2); },
     Listen,
