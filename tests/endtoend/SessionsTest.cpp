@@ -6,6 +6,7 @@
 
 #include <iterator>
 #include <sstream>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 
 namespace {
@@ -69,6 +70,15 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
         const std::vector<int> colours = {numbers[0], numbers[1], IndexOf(cell.fg),
                                           IndexOf(cell.bg)};
         return Result(colours == numbers) << ::testing::PrintToString(colours);
+    }
+    // The speed of the device's line, and whether it has hardware flow control.
+    Result HasLine(const std::vector<int>& numbers) {
+        // A termios2: its header does not go with <termios.h>, which tells no speed but the named.
+        std::array<unsigned, 11> settings{};
+        ioctl(m_device.GetLine().GetSlave(), _IOR('T', 0x2A, settings), settings.data());
+        const std::vector<int> line = {static_cast<int>(settings[10]),
+                                       (settings[2] & CRTSCTS) != 0};
+        return Result(line == numbers) << ::testing::PrintToString(line);
     }
     static Words Split(Text text) {
         std::istringstream words(text);
@@ -148,6 +158,7 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
         {"hides", [this](Text text) { return Result(Screen().FindRow(text) < 0); }},
         {"row", [this](Text text) { return ShowsInRow(std::stoi(text), Behind(' ', text)); }},
         {"colour", [this](Text text) { return HasColours(Numbers(text)); }},
+        {"line", [this](Text text) { return HasLine(Numbers(text)); }},
         {"title", [this](Text text) { return IsSame(Screen().GetTitle(), text); }},
         {"rings",
          [this](Text) { return Fulfils("bell", [&] { return Screen().GetBells() == 1; }); }},

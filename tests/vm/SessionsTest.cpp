@@ -2,67 +2,22 @@
 // of its suite; init leaves out the others.
 #include "tests/endtoend/SessionTest.h"
 #include "tests/vm/Cable.h"
-#include "tests/vm/Holder.h"
 
 #include <regex>
 
-class CChipSession : public CSessionTest {
-  protected:
-    static std::string Ask(const char* what) {
-        return AskHost(std::string(what) + ' ' + SessionCable().name);
-    }
-};
-
-TEST_F(CChipSession, ASpeedThatTheDriverReplacesIsTold) {
-    const std::string before = Ask("settings").substr(0, 8);
-    StartInteractive({"-B:4000000"});
-    EXPECT_TRUE(Shows("Error setting 4000000 baud"));
-    EXPECT_EQ(Ask("settings").substr(0, 8), before);
-    Type(kF5);
-    ASSERT_TRUE(Shows("Baud Rate: "));
-    Type("1");
-    EXPECT_TRUE(Shows("Setting 19200 baud"));
-    EXPECT_EQ(Ask("settings"), "19200 8N1 - DTR RTS");
-}
+using CChipSession = CSessionTest;
 
 TEST_F(CChipSession, HangupDropsTheLinesForATenthOfASecond) {
-    Ask("moves");
+    const std::string request = std::string("moves ") + SessionCable().name;
+    AskHost(request);
     StartScript("Hangup()");
     ASSERT_TRUE(EndsWith(0, kSoon));
-    const std::string moves = Ask("moves");
+    const std::string moves = AskHost(request);
     const std::regex pattern("-DTR \\d+ms -RTS (\\d+)ms \\+DTR \\d+ms \\+RTS ");
     std::smatch match;
     ASSERT_TRUE(std::regex_search(moves, match, pattern)) << moves;
     // Two clocks: the program's and the emulator's.
     EXPECT_GE(std::stoi(match[1]), 95);
-}
-
-using CUartSession = CSessionTest;
-
-TEST_F(CUartSession, TheScreenGoesOnWhileFlowControlHoldsTheKeysBack) {
-    CHolder holder(m_device.GetPath());
-    StartInteractive();
-    const auto choose = [this](const char* key, const char* answer) {
-        Type(kF6);
-        EXPECT_TRUE(Shows("Flow Control: "));
-        Type(key);
-        EXPECT_TRUE(Shows(answer));
-    };
-    const std::string typed(20000, 't');
-    const auto blockAndHear = [&](const std::string& text) {
-        holder.LowerCts([&] { choose("2", "Set to Hardware"); });
-        Type(typed);
-        m_device.Send("\x1B[2J" + text);
-        EXPECT_TRUE(Shows(text));
-    };
-    blockAndHear("the device goes on");
-    EXPECT_EQ(m_device.GetReceived(), "");
-    choose("1", "Set to None");
-    EXPECT_TRUE(DeviceGets(typed));
-    blockAndHear("and on");
-    Type(kAltF4);
-    EXPECT_TRUE(EndsWith(0, kSoon));
-    EXPECT_TRUE(Ends());
 }
 
 using CAdapterSession = CSessionTest;
