@@ -62,6 +62,22 @@ TEST_F(CWrapperTest, EachAsksTheServiceAndTracesItsFailures) {
     }
 }
 
+// Many arguments, which could change places.
+TEST_F(CWrapperTest, HandsItsArgumentsOnInTheirOrder) {
+    char digits[4];
+    MakeCall();
+    ASSERT_EQ(m_tapi->PhoneOpen(0, 2), 0);
+    Take();
+    m_tapi->LineConfigDialog(3, nullptr, "c");
+    m_tapi->LineGatherDigits(1, digits, 2, "#", 3, 4);
+    m_tapi->LineRegisterRequestRecipient(1, 2, TRUE);
+    m_tapi->LineSetCallParams(1, 2, 3, nullptr, TRUE);
+    m_tapi->PhoneGetID(CResult<VARSTRING>(), "c");
+    EXPECT_EQ(Take(), "lineConfigDialog 3 null 'c'\nlineGatherDigits 13 1 * 2 '#' 3 4\n"
+                      "lineRegisterRequestRecipient 11 1 2 1\nlineSetCallParams 13 1 2 3 null\n"
+                      "phoneGetID 22 [56] 'c'\n");
+}
+
 // Without settings the edit begins with those that the device has.
 TEST_F(CWrapperTest, EditsTheSettingsThatTheDeviceHas) {
     m_service.fill = [](const std::string&, LPVOID record) {
