@@ -1,6 +1,6 @@
-// The sessions of sessions.txt and gone.txt: what user, device and screen say to each other, step
-// by step. And of blocked.txt: wherever the program waits, it ends in order when it is asked to,
-// and soon.
+// The sessions of the files of texts: what user, device and screen say to each other, step by step;
+// sessions.txt has the words. And of blocked.txt: wherever the program waits, it ends in order when
+// it is asked to, and soon.
 #include "tests/endtoend/SessionTest.h"
 #include "tests/support/Unescape.h"
 
@@ -16,9 +16,12 @@ struct Session {
     std::vector<std::pair<std::string, std::string>> steps;
 };
 
-std::vector<Session> ReadSessions(const std::string& path) {
+std::vector<Session> ReadSessions(std::initializer_list<std::string> files) {
     std::vector<Session> sessions;
-    std::istringstream lines(ReadWholeFile(path));
+    std::string text;
+    for (const std::string& file : files)
+        text += ReadWholeFile(WIRELET_SESSIONS "/" + file + ".txt");
+    std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const std::string verb = line.substr(0, line.find(' '));
         const std::string rest = line.substr(std::min(line.size(), verb.size() + 1));
@@ -233,13 +236,10 @@ TEST_P(CBlockedTest, EndsInOrder) {
 std::string GetName(const ::testing::TestParamInfo<Session>& session) {
     return session.param.name;
 }
-INSTANTIATE_TEST_SUITE_P(Gone, CSessionsTest,
-                         ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/gone.txt")), GetName);
+INSTANTIATE_TEST_SUITE_P(Gone, CSessionsTest, ::testing::ValuesIn(ReadSessions({"gone"})), GetName);
 // There are none in tests/vm.
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CBlockedTest);
-INSTANTIATE_TEST_SUITE_P(Of, CBlockedTest,
-                         ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/blocked.txt")),
-                         GetName);
-INSTANTIATE_TEST_SUITE_P(Of, CSessionsTest,
-                         ::testing::ValuesIn(ReadSessions(WIRELET_SESSIONS "/sessions.txt")),
-                         GetName);
+INSTANTIATE_TEST_SUITE_P(Of, CBlockedTest, ::testing::ValuesIn(ReadSessions({"blocked"})), GetName);
+INSTANTIATE_TEST_SUITE_P(
+    Of, CSessionsTest, ::testing::ValuesIn(ReadSessions({"sessions", "boxes", "ends", "examples"})),
+    GetName);

@@ -1,4 +1,4 @@
-// The dialogues of dialogues.txt, and what does not go into a file of texts.
+// The dialogues of dialogues.txt and calls.txt, and what does not go into a file of texts.
 #include "tests/simulator/TestModem.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/Unescape.h"
@@ -38,7 +38,8 @@ void Hold(const std::string& dialogue, std::size_t most) {
 } // namespace
 
 TEST(Dialogues, GoAsTheFileSays) {
-    std::istringstream lines(ReadWholeFile(DIALOGUES));
+    std::istringstream lines(ReadWholeFile(DIALOGUES "/dialogues.txt") + '\n' +
+                             ReadWholeFile(DIALOGUES "/calls.txt"));
     std::string dialogue;
     int count = 0;
     for (std::string line; std::getline(lines, line) || !dialogue.empty();) {
