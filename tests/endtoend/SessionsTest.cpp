@@ -178,7 +178,6 @@ class CSessionsTest : public CSessionTest, public ::testing::WithParamInterface<
         {"stopped",
          [this](Text) { return Fulfils("stop", [&] { return m_program->IsStopped(); }); }},
         {"freed", [this](Text) { return GivesTerminalBack(); }},
-        {"exits", [this](Text text) { return EndsWith(std::stoi(text)); }},
         {"gone", [this](Text) { return EndsAsGone(); }},
         {"ends", [this](Text text) { return Ends(std::stoi(text)); }},
         {"over", [this](Text text) { return EndsWith(std::stoi(text)); }},
